@@ -1,0 +1,18 @@
+# What every target of the project is built with.
+add_library(tarn_options INTERFACE)
+target_include_directories(tarn_options INTERFACE ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
+target_compile_definitions(tarn_options INTERFACE TARN_VERSION="${PROJECT_VERSION}")
+target_compile_options(tarn_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion
+  -Wold-style-cast -Wcast-align -Wformat=2 -Wnon-virtual-dtor -Wnull-dereference)
+if(TARN_SANITIZE)
+  target_compile_options(tarn_options INTERFACE
+    -fsanitize=${TARN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tarn_options INTERFACE -fsanitize=${TARN_SANITIZE})
+endif()
+
+# net-snmp's headers as system headers: their warnings are not ours.
+add_library(tarn_netsnmp INTERFACE)
+add_library(tarn_netsnmp_agent INTERFACE)
+target_link_libraries(tarn_netsnmp INTERFACE netsnmp)
+target_link_libraries(tarn_netsnmp_agent INTERFACE netsnmpmibs netsnmpagent netsnmp)
