@@ -41,7 +41,20 @@ inline constexpr int olt_profiles = 17;      // OLT address-table and VLAN profi
 inline constexpr int chassis_network = 18;   // chassis-wide network and alarms configuration
 }  // namespace chassis_slot
 
+// What the simulated chassis answers in the status byte.
+namespace board_status {
+inline constexpr std::uint8_t success = 0;
+inline constexpr std::uint8_t not_available = 1;  // of a counters request: nothing to report
+inline constexpr std::uint8_t malformed = 2;      // wrong length or a field out of its range
+inline constexpr std::uint8_t unknown_command = 3;
+inline constexpr std::uint8_t wrong_destination = 4;
+inline constexpr std::uint8_t busy = 5;
+inline constexpr std::uint8_t no_such_item = 6;  // an ONT, profile or VLAN that the card does not have
+inline constexpr std::uint8_t wrong_slot = 7;
+}  // namespace board_status
+
 namespace command {
+inline constexpr std::uint16_t link = 0;  // opens a connection to one slot; see docs/protocol.md
 inline constexpr std::uint16_t reconfigure_olt = 13;
 inline constexpr std::uint16_t reconfigure_olt_channel = 14;
 inline constexpr std::uint16_t reconfigure_ont = 15;
