@@ -1,0 +1,143 @@
+// The state records as line cards send them, field by field. Fields whose meaning only the card knows are
+// named after their offset.
+#ifndef TARN_MODULE_COMMON_BOARD_RECORDS_H
+#define TARN_MODULE_COMMON_BOARD_RECORDS_H
+
+#include "tarn/record.h"
+
+namespace tarn {
+
+inline constexpr int channels_per_slot = 8;
+inline constexpr int max_onts = 1024;        // positions of a slot's ONT list
+inline constexpr int ont_not_found = 65535;  // "no such ONT" where a position is asked for
+inline constexpr std::size_t serial_size = 8;
+
+// State of one PON channel.
+namespace channel_state {
+inline constexpr std::size_t size = 69;
+inline constexpr Field value_3 = u16_at(3);
+inline constexpr Field value_7 = u32_at(7);
+inline constexpr Field text_12 = text_at(12, 17);
+inline constexpr Field text_29 = text_at(29, 17);
+inline constexpr Field text_46 = text_at(46, 5);
+inline constexpr Field value_51 = s32_at(51);
+inline constexpr Field value_55 = s32_at(55);
+inline constexpr Field value_59 = s32_at(59);
+inline constexpr Field value_63 = s32_at(63);
+static_assert(value_63.offset + value_63.size <= size);
+}  // namespace channel_state
+
+// State of the whole OLT: sixteen words.
+namespace olt_state {
+inline constexpr std::size_t size = 32;
+constexpr Field word(int n) { return s16_at(static_cast<std::uint16_t>(2 * n)); }
+}  // namespace olt_state
+
+// One position of a slot's ONT list. An all-zero serial marks a free position, and the first one ends the list.
+namespace ont_list {
+inline constexpr std::size_t size = 106;
+inline constexpr Field serial = octets_at(0, serial_size);
+inline constexpr Field channel = u8_at(8);
+inline constexpr Field ont_id = u32_at(12);
+inline constexpr Field text_18 = text_at(18, 32);
+inline constexpr Field text_50 = text_at(50, 18);
+inline constexpr Field state_code = u16_at(68);
+inline constexpr Field optical_power = f64_at(70);  // not a number: no reading
+inline constexpr Field text_91 = text_at(91, 15);
+static_assert(text_91.offset + text_91.size <= size);
+
+inline constexpr int state_working = 7;
+inline constexpr int state_not_asked = 13;  // the card is not asked for this ONT's state record
+}  // namespace ont_list
+
+// State of one ONT.
+namespace ont_state {
+inline constexpr std::size_t size = 170;
+inline constexpr Field value_66 = u16_at(66);
+inline constexpr Field value_68 = u16_at(68);
+inline constexpr Field text_70 = text_at(70, 16);
+inline constexpr Field value_86 = s16_at(86);
+inline constexpr Field value_128 = f64_at(128);
+static_assert(value_128.offset + value_128.size <= size);
+}  // namespace ont_state
+
+// Readings of an ONT's optical module.
+namespace ont_i2c {
+inline constexpr std::size_t size = 14;
+inline constexpr Field value_0 = s16_at(0);
+inline constexpr Field value_2 = s16_at(2);
+inline constexpr Field value_4 = u8_at(4);  // 255: no reading
+inline constexpr Field value_6 = s16_at(6);
+inline constexpr Field value_8 = s16_at(8);
+inline constexpr Field value_10 = s16_at(10);
+inline constexpr Field value_12 = u16_at(12);
+static_assert(value_12.offset + value_12.size <= size);
+}  // namespace ont_i2c
+
+// State of an ONT's UNI ports: a count, then four port blocks.
+namespace ont_uni_ports {
+inline constexpr std::size_t size = 66;
+inline constexpr int ports = 4;
+inline constexpr int block_size = 16;
+inline constexpr Field port_count = s16_at(0);
+// Fields of the block of port 0; port p's lie at field.at(p, block_size).
+inline constexpr Field value_0 = u16_at(2 + 0);
+inline constexpr Field value_2 = u16_at(2 + 2);
+inline constexpr Field value_4 = u16_at(2 + 4);
+inline constexpr Field flag_6 = u16_at(2 + 6);
+inline constexpr Field value_8 = u8_at(2 + 8);
+inline constexpr Field value_9 = u8_at(2 + 9);
+inline constexpr Field value_10 = u8_at(2 + 10);
+inline constexpr Field value_11 = u8_at(2 + 11);
+inline constexpr Field value_12 = u32_at(2 + 12);
+static_assert(2 + ports * block_size == size);
+}  // namespace ont_uni_ports
+
+// The connection log of one ONT: an 8-byte head, then up to ten entries.
+namespace ont_connections {
+inline constexpr std::size_t size = 990;
+inline constexpr int head_size = 8;
+inline constexpr int entry_size = 99;
+// The last entry is cut by the end of the block; all its named fields lie inside.
+inline constexpr int max_entries = 10;
+inline constexpr Field equipment_id = text_at(head_size + 2, 64);
+inline constexpr Field version = text_at(head_size + 66, 16);
+inline constexpr Field link_up_time = u32_at(head_size + 82);    // seconds since 1970, 0 never
+inline constexpr Field link_down_time = u32_at(head_size + 86);  // the same
+inline constexpr Field last_state = u8_at(head_size + 90);
+static_assert(last_state.offset + (max_entries - 1) * entry_size < static_cast<int>(size));
+}  // namespace ont_connections
+
+// One address learnt behind an ONT.
+namespace ont_address {
+inline constexpr std::size_t size = 37;
+inline constexpr Field value_0 = s16_at(0);
+inline constexpr Field value_2 = s16_at(2);
+inline constexpr Field value_4 = s16_at(4);
+inline constexpr Field value_6 = s16_at(6);
+inline constexpr Field mac = octets_at(8, 6);
+inline constexpr Field flag_14 = u16_at(14);
+inline constexpr Field flag_16 = u16_at(16);
+inline constexpr Field value_18 = s16_at(18);
+inline constexpr Field channel = u8_at(20);
+inline constexpr Field serial = octets_at(21, serial_size);
+inline constexpr Field value_29 = u16_at(29);
+inline constexpr Field value_31 = u16_at(31);
+inline constexpr Field value_33 = u16_at(33);
+inline constexpr Field value_35 = u16_at(35);
+static_assert(value_35.offset + value_35.size == size);
+}  // namespace ont_address
+
+namespace pppoe_session {
+inline constexpr std::size_t size = 31;  // opaque here
+}
+
+// Configuration of one PON channel; of its fields only the flag is known here.
+namespace olt_channel_config {
+inline constexpr std::size_t size = 97;
+inline constexpr Field enabled = u16_at(0);
+}  // namespace olt_channel_config
+
+}  // namespace tarn
+
+#endif
