@@ -1,0 +1,2 @@
+// Asio's own sources, compiled once.
+#include <asio/impl/src.hpp>

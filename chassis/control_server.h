@@ -1,0 +1,29 @@
+// The control socket: one JSON object a line in, one JSON object a line out.
+#ifndef TARN_CHASSIS_CONTROL_SERVER_H
+#define TARN_CHASSIS_CONTROL_SERVER_H
+
+#include "chassis/control.h"
+#include "chassis/listener.h"
+#include "chassis/socket_file.h"
+
+namespace tarn::chassis {
+
+class ControlServer {
+  public:
+    static constexpr std::size_t max_line = std::size_t{1024} * 1024;
+
+    // `stop` is called once the answer to a shutdown is out. Throws std::runtime_error when it can't listen.
+    // Only the user who runs the chassis may connect.
+    ControlServer(asio::io_context &context, Chassis &chassis, const std::string &path,
+                  std::function<void()> stop);
+
+  private:
+    Control control_;
+    std::function<void()> stop_;
+    std::optional<SocketFile> file_;
+    std::optional<Listener<asio::local::stream_protocol>> listener_;
+};
+
+}  // namespace tarn::chassis
+
+#endif

@@ -1,0 +1,212 @@
+// Reading and changing single pieces of a card's state over the control socket.
+#include <algorithm>
+#include <numeric>
+
+#include "chassis/control.h"
+
+namespace tarn::chassis {
+namespace {
+
+Channel &channel_of(Card &card, const Json &request) {
+    return card.channels[static_cast<std::size_t>(number(request, "channel", 0, channels_per_slot - 1))];
+}
+
+Ont &ont_of(Card &card, const Json &request) {
+    const Bytes serial = from_hex(text(request, "serial"));
+    if (serial.size() != serial_size) {
+        throw ControlError("a serial has 8 bytes");
+    }
+    Ont *ont = find_ont(card.onts, std::span<const std::uint8_t, serial_size>(serial.data(), serial_size));
+    if (ont == nullptr) {
+        throw ControlError("no such ONT");
+    }
+    return *ont;
+}
+
+// A record's bytes as held, for reading and for writing some of them in place.
+using RecordOf = std::span<std::uint8_t> (*)(Card &card, const Json &request);
+
+struct RecordItem {
+    std::string_view name;
+    RecordOf record;
+};
+
+constexpr RecordItem records[] = {
+    {"olt-state", [](Card &card, const Json &) { return std::span<std::uint8_t>(card.identity.olt); }},
+    {"channel-record",
+     [](Card &card, const Json &request) {
+         return std::span<std::uint8_t>(channel_of(card, request).state);
+     }},
+    {"channel-config",
+     [](Card &card, const Json &request) {
+         return std::span<std::uint8_t>(channel_of(card, request).config);
+     }},
+    {"ont-list-record",
+     [](Card &card, const Json &request) { return std::span<std::uint8_t>(ont_of(card, request).list); }},
+    {"ont-state-record",
+     [](Card &card, const Json &request) { return std::span<std::uint8_t>(ont_of(card, request).state); }},
+    {"ont-i2c-record",
+     [](Card &card, const Json &request) { return std::span<std::uint8_t>(ont_of(card, request).i2c); }},
+    {"ont-uni-ports-record",
+     [](Card &card, const Json &request) {
+         return std::span<std::uint8_t>(ont_of(card, request).uni_ports);
+     }},
+};
+
+Json channel_json(Card &card, Moment now, const Json &request) {
+    const Channel &channel = channel_of(card, request);
+    const int number_of_channel = static_cast<int>(*number(request, "channel"));
+    return {{"working_onts", working_onts(card, number_of_channel, now)},
+            {"received", static_cast<std::uint32_t>(channel.received.value(now))},
+            {"activation_mode", channel.activation_auth},
+            {"enabled", load_integer(channel.config.data(), olt_channel_config::enabled)},
+            {"reconfigurations", channel.reconfigurations},
+            {"counter_resets", channel.counter_resets}};
+}
+
+Json ont_json(const Ont &ont, Moment now) {
+    return {{"serial", to_hex(ont.serial)},
+            {"channel", ont.channel},
+            {"id", ont.id},
+            {"code", ont.code_at(now)},
+            {"enabled", ont.enabled},
+            {"errors", static_cast<std::uint16_t>(ont.errors.value(now))},
+            {"reconfigurations", ont.reconfigurations},
+            {"reboots", ont.reboots},
+            {"defaults", ont.defaults},
+            {"counter_resets", ont.counter_resets}};
+}
+
+Json onts_json(Card &card, Moment now, const Json &) {
+    Json list = Json::array();
+    for (const Ont &ont : card.onts) {
+        list.push_back(ont_json(ont, now));
+    }
+    return {{"onts", list}};
+}
+
+Json one_ont_json(Card &card, Moment now, const Json &request) {
+    return ont_json(ont_of(card, request), now);
+}
+
+Json counts_json(Card &card, Moment, const Json &) {
+    return {{"onts", card.onts.size()},
+            {"addresses", card.addresses.size()},
+            {"pppoe_sessions", card.pppoe_sessions.size()}};
+}
+
+struct ReadItem {
+    std::string_view name;
+    Json (*read)(Card &card, Moment now, const Json &request);
+};
+
+constexpr ReadItem read_items[] = {
+    {"channel", channel_json}, {"onts", onts_json}, {"ont", one_ont_json}, {"counts", counts_json}};
+
+std::int64_t value(const Json &request, std::int64_t highest) {
+    return number(request, "value", 0, highest);
+}
+
+void need_onts(const Card &card, std::int64_t count) {
+    if (card.onts.empty() && count > 0) {
+        throw ControlError("the card has no ONTs");
+    }
+}
+
+void set_addresses(Card &card, Moment, const Json &request) {
+    const std::int64_t count = value(request, max_addresses);
+    need_onts(card, count);
+    card.addresses = make_addresses(card.seed, card.slot, card.onts, static_cast<int>(count));
+}
+
+void set_sessions(Card &card, Moment, const Json &request) {
+    const std::int64_t count = value(request, max_pppoe_sessions);
+    need_onts(card, count);
+    card.pppoe_sessions = make_pppoe_sessions(card.seed, card.slot, card.onts, static_cast<int>(count));
+}
+
+// New ONTs, and the addresses and sessions behind them: as many as before, none without ONTs.
+void set_onts(Card &card, Moment, const Json &request) {
+    card.onts = make_onts(card.seed, card.slot, spread_onts(static_cast<int>(value(request, max_onts))),
+                          card.start_time);
+    card.addresses = make_addresses(card.seed, card.slot, card.onts, static_cast<int>(card.addresses.size()));
+    card.pppoe_sessions =
+        make_pppoe_sessions(card.seed, card.slot, card.onts, static_cast<int>(card.pppoe_sessions.size()));
+}
+
+void set_ont_code(Card &card, Moment, const Json &request) {
+    Ont &ont = ont_of(card, request);
+    ont.code = static_cast<std::uint16_t>(value(request, 65535));
+    ont.registering_until = 0;
+}
+
+void set_activation_mode(Card &card, Moment, const Json &request) {
+    channel_of(card, request).activation_auth = static_cast<std::uint16_t>(value(request, 65535));
+}
+
+void set_channel_enabled(Card &card, Moment, const Json &request) {
+    put(channel_of(card, request).config, olt_channel_config::enabled, value(request, 65535));
+}
+
+void set_received(Card &card, Moment now, const Json &request) {
+    Counter &received = channel_of(card, request).received;
+    received.base = static_cast<std::uint64_t>(value(request, UINT32_MAX));
+    received.since = now;
+}
+
+struct WriteItem {
+    std::string_view name;
+    void (*write)(Card &card, Moment now, const Json &request);
+};
+
+constexpr WriteItem write_items[] = {
+    {"onts", set_onts},
+    {"addresses", set_addresses},
+    {"pppoe-sessions", set_sessions},
+    {"ont-code", set_ont_code},
+    {"activation-mode", set_activation_mode},
+    {"channel-enabled", set_channel_enabled},
+    {"received", set_received},
+};
+
+template <class Item, std::size_t size>
+const Item *find_item(const Item (&items)[size], const std::string &name) {
+    const auto *const found =
+        std::ranges::find_if(items, [&](const Item &item) { return item.name == name; });
+    return found == std::end(items) ? nullptr : found;
+}
+
+}  // namespace
+
+Json get_state(Card &card, Moment now, const Json &request) {
+    const std::string name = text(request, "item");
+    if (const RecordItem *item = find_item(records, name)) {
+        return {{"hex", to_hex(item->record(card, request))}};
+    }
+    if (const ReadItem *item = find_item(read_items, name)) {
+        return item->read(card, now, request);
+    }
+    throw ControlError("unknown item \"" + name + '"');
+}
+
+void set_state(Card &card, Moment now, const Json &request) {
+    const std::string name = text(request, "item");
+    if (const RecordItem *item = find_item(records, name)) {
+        const std::span<std::uint8_t> record = item->record(card, request);
+        const Bytes bytes = from_hex(text(request, "hex"));
+        const auto offset =
+            static_cast<std::size_t>(number(request, "offset", 0, static_cast<std::int64_t>(record.size())));
+        if (bytes.size() > record.size() - offset) {
+            throw ControlError("the record has " + std::to_string(record.size()) + " bytes");
+        }
+        std::ranges::copy(bytes, record.begin() + static_cast<std::ptrdiff_t>(offset));
+        return;
+    }
+    if (const WriteItem *item = find_item(write_items, name)) {
+        item->write(card, now, request);
+        return;
+    }
+    throw ControlError("unknown item \"" + name + '"');
+}
+
+}  // namespace tarn::chassis

@@ -1,0 +1,65 @@
+// From a request's header to the function that carries it out.
+#ifndef TARN_CHASSIS_DISPATCHER_H
+#define TARN_CHASSIS_DISPATCHER_H
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "chassis/state/card.h"
+#include "tarn/board_protocol.h"
+
+namespace tarn::chassis {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// One request on its way through a card, and the answer that it gets.
+struct Exchange {
+    Card &card;
+    std::span<const std::uint8_t> request;  // whole; its length has been checked
+    Moment now;
+    Bytes answer;  // starts as the request's header; handlers append to it, the dispatcher sets status and
+                   // length
+};
+
+// Why a request is refused; status 0: it is not.
+struct Refusal {
+    std::uint8_t status = board_status::success;
+    std::string reason;
+};
+
+// A kind of request: its file in requests/ has the handler, which returns a Refusal or appends the answer.
+struct RequestRule {
+    std::uint16_t command;
+    std::uint8_t destination;  // as on the wire: what a caller writes as 9 arrives as 5
+    std::uint32_t length;      // of the whole request, exactly
+    std::string_view name;
+    Refusal (*handle)(Exchange &exchange);
+    std::optional<Field> answer_count = {};  // where the answer has its record count, from the answer's start
+};
+
+// The rules of each topic.
+std::span<const RequestRule> olt_requests();
+std::span<const RequestRule> channel_requests();
+std::span<const RequestRule> ont_requests();
+std::span<const RequestRule> address_requests();
+std::span<const RequestRule> counter_requests();
+std::span<const RequestRule> identity_requests();
+
+// The rule for the pair; null when there is none. Without a destination: the command's first.
+const RequestRule *find_rule(std::uint16_t command, std::optional<std::uint8_t> destination);
+
+// Checks the request against its rule and carries it out. `exchange.answer` is left complete: whole on
+// success, the bare header with the status otherwise.
+Refusal dispatch(Exchange &exchange);
+
+// The bare header of an answer with this status: the request's, as far as it goes.
+Bytes answer_header(std::span<const std::uint8_t> request, std::uint8_t status);
+
+void append(Bytes &to, std::span<const std::uint8_t> bytes);
+
+}  // namespace tarn::chassis
+
+#endif

@@ -1,0 +1,121 @@
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <fstream>
+#include <iostream>
+
+#include "chassis/control_server.h"
+#include "chassis/server.h"
+
+namespace {
+
+constexpr const char *description =
+    "tarn-chassisd - a simulated chassis of GPON line cards\n\n"
+    "Listens on a stream socket and answers board requests for up to sixteen line cards, each with eight PON "
+    "channels and up to 1024 ONTs. Requests that set something change what the next ones read, counters move "
+    "with time, and faults can be switched on and off while it runs.";
+
+constexpr const char *footer =
+    "SCENARIO\n"
+    "  A YAML file. Every key may be left out; unknown keys are errors.\n"
+    "    seed: 1                 the same seed gives the same chassis\n"
+    "    time_factor: 1.0        chassis seconds a second; 0 stops counters\n"
+    "    reregister_seconds: 5   chassis time until an ONT that went down is back\n"
+    "    start_time: 1767225600  the cards' clocks at start, seconds since 1970\n"
+    "    cards:                  without it: a card in every slot\n"
+    "      - slots: [0, 1, 2]    slots 0 to 15\n"
+    "        onts: 64            over all channels, at most 1024; or\n"
+    "        onts_per_channel: 8 at most 128, or a list of eight\n"
+    "        addresses: 128\n"
+    "        pppoe_sessions: 8\n"
+    "    faults:                 at start, as on the control socket\n"
+    "      - {kind: slow, milliseconds: 500, slot: 3, command: 70, times: 1}\n\n"
+    "CONTROL SOCKET\n"
+    "  One JSON object a line in, one JSON object a line out: faults, the request log, state, cards. See "
+    "docs/protocol.md.\n\n"
+    "SIGNALS\n"
+    "  SIGINT and SIGTERM stop the chassis; its socket files are removed.\n\n"
+    "EXIT STATUS\n"
+    "  0 stopped by a signal or over the control socket; 1 the scenario is wrong or a socket can't be had; "
+    "other values: wrong options.\n\n"
+    "EXAMPLES\n"
+    "  tarn-chassisd --socket /run/tarn/chassis --control /run/tarn/chassis-control\n"
+    "  tarn-chassisd --tcp 127.0.0.1:4700 --scenario small.yaml --log-requests\n"
+    "  echo '{\"do\":\"card-pull\",\"slot\":3}' | nc -NU /run/tarn/chassis-control";
+
+struct Options {
+    std::string socket;
+    std::string tcp;
+    std::string control;
+    std::string scenario;
+    std::string log;
+    bool log_requests = false;
+};
+
+int run(const Options &options) {
+    using namespace tarn::chassis;
+    std::ofstream log_file;
+    if (!options.log.empty()) {
+        log_file.open(options.log, std::ios::app);
+        if (!log_file) {
+            std::cerr << "tarn-chassisd: " << options.log << ": cannot write\n";
+            return 1;
+        }
+    }
+    Log log(options.log.empty() ? std::cerr : log_file);
+    const auto start = std::chrono::steady_clock::now();
+    Chassis chassis(
+        options.scenario.empty() ? default_scenario() : read_scenario(options.scenario), log, [start] {
+            return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                                  std::chrono::steady_clock::now() - start)
+                                                  .count());
+        });
+    chassis.log_requests = options.log_requests;
+
+    asio::io_context context(1);
+    Server server(context, chassis);
+    chassis.on_pull = [&server](int slot) { server.close_slot(slot); };
+    std::string where = options.socket;
+    if (!options.tcp.empty()) {
+        const std::uint16_t port = server.listen_tcp(options.tcp);
+        where = options.tcp.substr(0, options.tcp.rfind(':') + 1) + std::to_string(port);
+    } else {
+        server.listen_unix(options.socket);
+    }
+    std::optional<ControlServer> control;
+    if (!options.control.empty()) {
+        control.emplace(context, chassis, options.control, [&context] { context.stop(); });
+    }
+    asio::signal_set signals(context, SIGINT, SIGTERM);
+    signals.async_wait([&context](const asio::error_code &, int) { context.stop(); });
+    std::cout << "ready " << where << std::endl;
+    context.run();
+    log.line("stopped");
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    CLI::App app(description, "tarn-chassisd");
+    app.footer(footer);
+    app.set_version_flag("--version", std::string("tarn-chassisd ") + TARN_VERSION);
+    Options options;
+    auto *where = app.add_option_group("where to listen");
+    where->add_option("--socket", options.socket, "Unix socket for the agent")->type_name("PATH");
+    where->add_option("--tcp", options.tcp, "TCP on loopback for the agent; port 0 takes any")
+        ->type_name("HOST:PORT");
+    where->require_option(1);
+    app.add_option("--control", options.control, "Unix control socket")->type_name("PATH");
+    app.add_option("--scenario", options.scenario, "what the chassis starts with")->type_name("FILE");
+    app.add_option("--log", options.log, "append the log to a file instead of standard error")
+        ->type_name("FILE");
+    app.add_flag("--log-requests", options.log_requests,
+                 "log every request; refusals and faults are always logged");
+    CLI11_PARSE(app, argc, argv);
+    try {
+        return run(options);
+    } catch (const std::exception &error) {
+        std::cerr << "tarn-chassisd: " << error.what() << '\n';
+        return 1;
+    }
+}

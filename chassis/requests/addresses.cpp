@@ -1,0 +1,67 @@
+// Addresses learnt behind ONTs, PPPoE sessions and IGMP statistics.
+#include "chassis/requests/selectors.h"
+
+namespace tarn::chassis {
+namespace {
+
+// Selector, 16-bit count, entries.
+Refusal get_addresses(Exchange &exchange) {
+    const std::uint8_t selector = exchange.request[payload];
+    if (!is_channel_or_all(selector)) {
+        return no_such_channel(selector);
+    }
+    std::uint16_t count = 0;
+    exchange.answer.push_back(selector);
+    exchange.answer.resize(exchange.answer.size() + sizeof count);
+    for (const AddressEntry &entry : exchange.card.addresses) {
+        if (selects(selector, entry[ont_address::channel.offset])) {
+            append(exchange.answer, entry);
+            ++count;
+        }
+    }
+    store_le16(exchange.answer.data() + payload + 1, count);
+    return {};
+}
+
+// 16-bit count, entries; the selector is not repeated.
+Refusal get_sessions(Exchange &exchange) {
+    const std::uint8_t selector = exchange.request[payload];
+    if (!is_channel_or_all(selector)) {
+        return no_such_channel(selector);
+    }
+    std::uint16_t count = 0;
+    exchange.answer.resize(exchange.answer.size() + sizeof count);
+    for (const PppoeSession &session : exchange.card.pppoe_sessions) {
+        if (selects(selector, session.channel)) {
+            append(exchange.answer, session.record);
+            ++count;
+        }
+    }
+    store_le16(exchange.answer.data() + payload, count);
+    return {};
+}
+
+// No multicast group is ever joined on a simulated card: a 16-bit count of 0.
+Refusal get_igmp_stats(Exchange &exchange) {
+    const std::uint8_t selector = exchange.request[payload];
+    if (!is_channel_or_all(selector)) {
+        return no_such_channel(selector);
+    }
+    exchange.answer.resize(exchange.answer.size() + 2);
+    return {};
+}
+
+constexpr RequestRule rules[] = {
+    {command::get_global_ont_address_table, destination::services, 47, "get_global_ont_address_table",
+     get_addresses, u16_at(33)},
+    {command::get_pppoe_sessions, destination::services, 33, "get_pppoe_sessions", get_sessions, u16_at(32)},
+    {command::get_igmp_stats, destination::services, 33, "get_igmp_stats", get_igmp_stats, u16_at(32)},
+};
+
+}  // namespace
+
+std::span<const RequestRule> address_requests() {
+    return rules;
+}
+
+}  // namespace tarn::chassis

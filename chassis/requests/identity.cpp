@@ -1,0 +1,63 @@
+// Versions, hardware identity, and per-ONT records that the agent carries without reading them.
+#include <algorithm>
+
+#include "chassis/requests/selectors.h"
+#include "chassis/state/generator.h"
+
+namespace tarn::chassis {
+namespace {
+
+constexpr std::size_t ber_size = 22;
+constexpr std::size_t utilization_block_size = 256;
+constexpr int services_per_ont = 16;
+
+Refusal get_versions(Exchange &exchange) {
+    append(exchange.answer, exchange.card.identity.versions);
+    return {};
+}
+
+Refusal get_hardware(Exchange &exchange) {
+    append(exchange.answer, exchange.card.identity.hardware);
+    return {};
+}
+
+// The serial, then error and bit counts since the ONT's counters were cleared.
+void get_ber(Exchange &exchange, Ont &ont) {
+    RecordBytes<ber_size> record{};
+    std::ranges::copy(ont.serial, record.begin());
+    store_le32(record.data() + 8, static_cast<std::uint32_t>(ont.errors.value(exchange.now)));
+    store_le64(record.data() + 12, exchange.now - ont.errors.since);
+    append(exchange.answer, record);
+}
+
+// Two blocks, downstream and upstream: the rate of each service in kbit/s, 32 bits each.
+void get_utilization(Exchange &exchange, Ont &ont) {
+    RecordBytes<2 * utilization_block_size> blocks{};
+    const bool working = ont.code_at(exchange.now) == ont_code::working;
+    for (std::size_t block = 0; working && block < 2; ++block) {
+        // A new sample every second of chassis time.
+        Generator generator(exchange.card.seed, exchange.card.slot, "utilization",
+                            exchange.now / 1000 * 2 + block + load_le32(ont.serial.data() + 4));
+        for (std::size_t service = 0; service < services_per_ont; ++service) {
+            store_le32(blocks.data() + block * utilization_block_size + 4 * service,
+                       static_cast<std::uint32_t>(generator.between(0, 100000)));
+        }
+    }
+    append(exchange.answer, blocks);
+}
+
+constexpr RequestRule rules[] = {
+    {command::get_version_information, destination::services, 32, "get_version_information", get_versions},
+    {command::get_hardware_information, destination::services, 32, "get_hardware_information", get_hardware},
+    {command::get_ont_downstream_ber, destination::services, 45, "get_ont_downstream_ber", with_ont<get_ber>},
+    {command::get_ont_services_utilization, destination::services, 45, "get_ont_services_utilization",
+     with_ont<get_utilization>},
+};
+
+}  // namespace
+
+std::span<const RequestRule> identity_requests() {
+    return rules;
+}
+
+}  // namespace tarn::chassis

@@ -1,0 +1,33 @@
+// A line card: its state, one record a topic.
+#ifndef TARN_CHASSIS_STATE_CARD_H
+#define TARN_CHASSIS_STATE_CARD_H
+
+#include "chassis/scenario.h"
+#include "chassis/state/addresses.h"
+#include "chassis/state/channels.h"
+#include "chassis/state/identity.h"
+#include "chassis/state/onts.h"
+
+namespace tarn::chassis {
+
+struct Card {
+    int slot = 0;
+    std::uint64_t seed = 0;
+    std::uint32_t start_time = 0;  // seconds since 1970 when the chassis starts
+    Moment reregister_time = 0;    // how long an ONT takes to come back
+    Identity identity;
+    Channels channels;
+    std::vector<Ont> onts;  // in list order
+    std::vector<AddressEntry> addresses;
+    std::vector<PppoeSession> pppoe_sessions;
+};
+
+Card make_card(const Scenario &scenario, int slot, const CardPlan &plan);
+
+int working_onts(const Card &card, int channel, Moment now);
+// Takes down every ONT of the channel; all channels' with a negative one.
+void reregister_onts(Card &card, int channel, Moment now);
+
+}  // namespace tarn::chassis
+
+#endif
