@@ -4,7 +4,7 @@ target_include_directories(tarn_options INTERFACE ${CMAKE_SOURCE_DIR}/include ${
 target_compile_definitions(tarn_options INTERFACE TARN_VERSION="${PROJECT_VERSION}")
 target_compile_options(tarn_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion
-  -Wold-style-cast -Wcast-align -Wformat=2 -Wnon-virtual-dtor -Wnull-dereference)
+  -Wold-style-cast -Wcast-align -Wformat=2 -Wnon-virtual-dtor)
 if(TARN_SANITIZE)
   target_compile_options(tarn_options INTERFACE
     -fsanitize=${TARN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

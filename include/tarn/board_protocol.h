@@ -35,10 +35,10 @@ inline constexpr std::uint8_t ethernet_switch = 9;
 
 // Targets beyond the sixteen line cards, addressed like slots.
 namespace chassis_slot {
-inline constexpr int line_cards = 16;        // line cards are the slots 0-15
-inline constexpr int profiles = 16;          // ONT profiles and templates
-inline constexpr int olt_profiles = 17;      // OLT address-table and VLAN profiles
-inline constexpr int chassis_network = 18;   // chassis-wide network and alarms configuration
+inline constexpr int line_cards = 16;       // line cards are the slots 0-15
+inline constexpr int profiles = 16;         // ONT profiles and templates
+inline constexpr int olt_profiles = 17;     // OLT address-table and VLAN profiles
+inline constexpr int chassis_network = 18;  // chassis-wide network and alarms configuration
 }  // namespace chassis_slot
 
 // What the simulated chassis answers in the status byte.

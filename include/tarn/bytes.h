@@ -26,12 +26,24 @@ constexpr void store_le(std::uint8_t *to, T value) {
     }
 }
 
-constexpr std::uint16_t load_le16(const std::uint8_t *from) { return load_le<std::uint16_t>(from); }
-constexpr std::uint32_t load_le32(const std::uint8_t *from) { return load_le<std::uint32_t>(from); }
-constexpr std::uint64_t load_le64(const std::uint8_t *from) { return load_le<std::uint64_t>(from); }
-constexpr void store_le16(std::uint8_t *to, std::uint16_t value) { store_le(to, value); }
-constexpr void store_le32(std::uint8_t *to, std::uint32_t value) { store_le(to, value); }
-constexpr void store_le64(std::uint8_t *to, std::uint64_t value) { store_le(to, value); }
+constexpr std::uint16_t load_le16(const std::uint8_t *from) {
+    return load_le<std::uint16_t>(from);
+}
+constexpr std::uint32_t load_le32(const std::uint8_t *from) {
+    return load_le<std::uint32_t>(from);
+}
+constexpr std::uint64_t load_le64(const std::uint8_t *from) {
+    return load_le<std::uint64_t>(from);
+}
+constexpr void store_le16(std::uint8_t *to, std::uint16_t value) {
+    store_le(to, value);
+}
+constexpr void store_le32(std::uint8_t *to, std::uint32_t value) {
+    store_le(to, value);
+}
+constexpr void store_le64(std::uint8_t *to, std::uint64_t value) {
+    store_le(to, value);
+}
 
 }  // namespace tarn
 

@@ -6,6 +6,7 @@
 #define TARN_HOST_SERVICES_H
 
 #include <net-snmp/net-snmp-config.h>
+
 #include <net-snmp/net-snmp-includes.h>
 
 #include <stddef.h>

@@ -5,7 +5,9 @@
 #define TARN_MODULE_API_H
 
 #include <net-snmp/net-snmp-config.h>
+
 #include <net-snmp/net-snmp-includes.h>
+
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 
 #include <stddef.h>

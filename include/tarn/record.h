@@ -27,14 +27,30 @@ struct Field {
     }
 };
 
-constexpr Field u8_at(std::uint16_t offset) { return {offset, Encoding::u8, 1}; }
-constexpr Field u16_at(std::uint16_t offset) { return {offset, Encoding::u16, 2}; }
-constexpr Field s16_at(std::uint16_t offset) { return {offset, Encoding::s16, 2}; }
-constexpr Field u32_at(std::uint16_t offset) { return {offset, Encoding::u32, 4}; }
-constexpr Field s32_at(std::uint16_t offset) { return {offset, Encoding::s32, 4}; }
-constexpr Field u64_at(std::uint16_t offset) { return {offset, Encoding::u64, 8}; }
-constexpr Field f64_at(std::uint16_t offset) { return {offset, Encoding::f64, 8}; }
-constexpr Field text_at(std::uint16_t offset, std::uint16_t size) { return {offset, Encoding::text, size}; }
+constexpr Field u8_at(std::uint16_t offset) {
+    return {offset, Encoding::u8, 1};
+}
+constexpr Field u16_at(std::uint16_t offset) {
+    return {offset, Encoding::u16, 2};
+}
+constexpr Field s16_at(std::uint16_t offset) {
+    return {offset, Encoding::s16, 2};
+}
+constexpr Field u32_at(std::uint16_t offset) {
+    return {offset, Encoding::u32, 4};
+}
+constexpr Field s32_at(std::uint16_t offset) {
+    return {offset, Encoding::s32, 4};
+}
+constexpr Field u64_at(std::uint16_t offset) {
+    return {offset, Encoding::u64, 8};
+}
+constexpr Field f64_at(std::uint16_t offset) {
+    return {offset, Encoding::f64, 8};
+}
+constexpr Field text_at(std::uint16_t offset, std::uint16_t size) {
+    return {offset, Encoding::text, size};
+}
 constexpr Field octets_at(std::uint16_t offset, std::uint16_t size) {
     return {offset, Encoding::octets, size};
 }

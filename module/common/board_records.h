@@ -30,10 +30,13 @@ static_assert(value_63.offset + value_63.size <= size);
 // State of the whole OLT: sixteen words.
 namespace olt_state {
 inline constexpr std::size_t size = 32;
-constexpr Field word(int n) { return s16_at(static_cast<std::uint16_t>(2 * n)); }
+constexpr Field word(int n) {
+    return s16_at(static_cast<std::uint16_t>(2 * n));
+}
 }  // namespace olt_state
 
-// One position of a slot's ONT list. An all-zero serial marks a free position, and the first one ends the list.
+// One position of a slot's ONT list. An all-zero serial marks a free position, and the first one ends the
+// list.
 namespace ont_list {
 inline constexpr std::size_t size = 106;
 inline constexpr Field serial = octets_at(0, serial_size);

@@ -1,0 +1,36 @@
+// Queries of a card's ONTs: the list, and per ONT its state, optical module, UNI ports and quality figures.
+// Each returns a place in the slot database, refreshed where its stamp had expired, or null.
+//
+// The per-ONT sections belong to list positions: when a refresh shifts the list, a section shows the former
+// holder of its position until it expires.
+#ifndef TARN_MODULE_COMMON_OPERATIONS_ONT_QUERIES_H
+#define TARN_MODULE_COMMON_OPERATIONS_ONT_QUERIES_H
+
+#include <cstdint>
+
+#include "module/exports.h"
+
+// Both refresh the same 1024 records of 106 bytes (see ont_list), each under its own stamp; they differ in
+// the time-out, 10 s and 3 s.
+TARN_EXPORT std::uint8_t *get_ont_list(int slot);
+TARN_EXPORT std::uint8_t *get_all_ont_list(int slot);
+// Rebuilds the order by serial of a slot database's ONT list; equal serials keep their list order.
+TARN_EXPORT void insert_sort_ont_states(void *slot_database);
+// The first position with the 8-byte serial, or 65535. The all-zero serial finds the first free position.
+TARN_EXPORT int get_ont_state_id_by_serial(int slot, const std::uint8_t *serial);
+TARN_EXPORT std::uint8_t *get_all_ont_state_list_by_serial(int slot, const std::uint8_t *serial);
+
+// 170 bytes (see ont_state). Null for an ONT that is not in the list, with a log line; zeros after a failed
+// request.
+TARN_EXPORT std::uint8_t *get_ont_state(int slot, const std::uint8_t *serial);
+// The same for a record of the ONT list; one with state code 13 gets the record as cached, without a request.
+TARN_EXPORT std::uint8_t *get_ont_state_check_state(int slot, const std::uint8_t *list_record);
+// 14 bytes (see ont_i2c).
+TARN_EXPORT std::uint8_t *get_ont_i2c(int slot, const std::uint8_t *serial);
+// 66 bytes (see ont_uni_ports).
+TARN_EXPORT std::uint8_t *get_ont_uni_ports_state(int slot, const std::uint8_t *serial);
+// 22 bytes and 512 bytes, as the card sends them.
+TARN_EXPORT std::uint8_t *get_ont_downstream_ber(int slot, const std::uint8_t *serial);
+TARN_EXPORT std::uint8_t *get_ont_services_utilization(int slot, const std::uint8_t *serial);
+
+#endif

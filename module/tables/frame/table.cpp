@@ -1,0 +1,224 @@
+#include "module/tables/frame/table.h"
+
+#include <algorithm>
+
+#include "module/common/log.h"
+
+namespace tarn {
+
+namespace {
+
+const Column *find_column(const Table &table, long number) {
+    const auto found = std::lower_bound(table.columns.begin(), table.columns.end(), number,
+                                        [](const Column &column, long n) { return column.number < n; });
+    return found != table.columns.end() && found->number == number ? &*found : nullptr;
+}
+
+// A request's column and row, and whether they are there.
+struct Target {
+    const Column *column = nullptr;
+    Row row;
+    bool index_valid = false;
+    bool has_row_data = true;
+};
+
+bool find_row(const Table &table, Target &target) {
+    return target.index_valid && (table.find == nullptr || table.find(target.row));
+}
+
+int answer_get(const Table &table, Target &target, Binding *binding) {
+    if (!target.has_row_data) {
+        return table.no_row_data;
+    }
+    if (target.column == nullptr) {
+        return table.unknown_column;
+    }
+    if (!find_row(table, target)) {
+        return table.missing_row;
+    }
+    return read_column(*target.column, target.row, binding, table.missing_row);
+}
+
+bool writable(const Column *column) {
+    return column != nullptr && column->check.kind != Check::Kind::read_only;
+}
+
+// The row that a SET works on. A column that creates rows does with a valid index.
+int locate_for_set(const Table &table, Target &target) {
+    if (!target.has_row_data && table.set_without_row_data != 0) {
+        return table.set_without_row_data;
+    }
+    const bool found = find_row(table, target);
+    const bool created = target.column->creates && target.index_valid;
+    return found || created ? SNMP_ERR_NOERROR : table.missing_row;
+}
+
+int reserve(const Table &table, Target &target, const Binding *value) {
+    if (!writable(target.column)) {
+        return table.refused_column;
+    }
+    const int error = locate_for_set(table, target);
+    return error != SNMP_ERR_NOERROR ? error : check_value(target.column->check, value);
+}
+
+int act(const Table &table, Target &target, const Binding &value) {
+    if (!writable(target.column)) {
+        return table.refused_column;
+    }
+    int error = locate_for_set(table, target);
+    if (error == SNMP_ERR_NOERROR && table.stage != nullptr) {
+        error = table.stage(target.row, *target.column, value);
+    }
+    if (error != SNMP_ERR_NOERROR) {
+        return error;
+    }
+    if (target.column->action != nullptr) {
+        return target.column->action(target.row, value);
+    }
+    std::uint8_t *record = table.edited != nullptr ? table.edited(target.row) : target.row.record;
+    if (record == nullptr) {
+        return table.missing_row;
+    }
+    store_value(*target.column, record, value);
+    return SNMP_ERR_NOERROR;
+}
+
+void call(void (*hook)()) {
+    if (hook != nullptr) {
+        hook();
+    }
+}
+
+// Serves one mode; false for one that the frame does not know.
+bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *request, int &error) {
+    Binding *binding = request->requestvb;
+    error = SNMP_ERR_NOERROR;
+    if (mode == MODE_GET) {
+        error = answer_get(table, target, binding);
+        return true;
+    }
+    if (table.ignores_set) {
+        return true;
+    }
+    switch (mode) {
+        case MODE_SET_RESERVE1:
+            call(table.reserve1);
+            error = reserve(table, target, binding);
+            return true;
+        case MODE_SET_RESERVE2:
+            call(table.reserve2);
+            return true;
+        case MODE_SET_ACTION:
+            error = act(table, target, *binding);
+            return true;
+        case MODE_SET_COMMIT:
+            if (table.commit != nullptr) {
+                error = table.commit(target.row);
+            }
+            return true;
+        case MODE_SET_FREE:
+        case MODE_SET_UNDO:
+            call(table.drop);
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_context, void **data_context,
+                    Binding *indexes, int slot) {
+    if (*loop_context == nullptr) {
+        cursor = 0;
+    }
+    Row row;
+    row.slot = slot;
+    if (!table.next(cursor, row)) {
+        return nullptr;
+    }
+    fill_index_list(table.index, row, indexes);
+    *data_context = row.record != nullptr ? static_cast<void *>(row.record) : &cursor;
+    *loop_context = &cursor;
+    return indexes;
+}
+
+int handle_iterator(const Table &table, netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo,
+                    void *row_data, netsnmp_table_request_info *table_info) {
+    if (table_info == nullptr) {
+        netsnmp_request_set_error(request, SNMP_NOSUCHOBJECT);
+        return SNMP_ERR_NOERROR;
+    }
+    Target target;
+    target.column = find_column(table, table_info->colnum);
+    target.index_valid = parse_index_list(table.index, table_info->indexes, target.row);
+    target.has_row_data = row_data != nullptr;
+    int error = SNMP_ERR_NOERROR;
+    serve(table, reqinfo->mode, target, request, error);
+    if (error == SNMP_ERR_NOERROR) {
+        return SNMP_ERR_NOERROR;
+    }
+    if (row_data == nullptr && reqinfo->mode == MODE_GET && table.no_row_data_is_result) {
+        return error;
+    }
+    netsnmp_set_request_error(reqinfo, request, error);
+    return table.failure_is_result && error == SNMP_ERR_GENERR ? error : SNMP_ERR_NOERROR;
+}
+
+void append_index(const Table &table, table_entry *result, const oid *name, const Row &row, int column,
+                  const char *file, int line) {
+    const std::size_t length = table.prefix + 2 + index_length(table.index);
+    auto *built = static_cast<oid *>(balloc(file, line, length * sizeof(oid)));
+    if (built == nullptr) {
+        // The size in the card software's units: four bytes a sub-identifier.
+        log_add(log_error, "%s : memory allocation error. Tried to allocate %d bytes\n", table.index_builder,
+                static_cast<int>(4 * length));
+        *result = {};
+        return;
+    }
+    std::copy_n(name, table.prefix, built);
+    built[table.prefix] = 1;
+    built[table.prefix + 1] = static_cast<oid>(column);
+    build_index(table.index, row, built + table.prefix + 2);
+    *result = {built, length, row.record};
+}
+
+void get_next_entry(const Table &table, table_entry *result, int slot, const oid *name, std::size_t length,
+                    int column, const char *file, int line) {
+    *result = {};
+    if (length < table.prefix) {
+        return;
+    }
+    Row row;
+    row.slot = slot;
+    const std::size_t index_start = std::min(length, table.prefix + 2);
+    parse_partial_index(table.index, name + index_start, length - index_start, row);
+    if (table.successor(row)) {
+        append_index(table, result, name, row, column, file, line);
+    }
+}
+
+int handle_nextgen(const Table &table, int mode, netsnmp_request_info *request, int slot) {
+    oid_pair name{};
+    create_pair(&name, request->requestvb);
+    const std::size_t index_start = table.prefix + 2;
+    Target target;
+    target.row.slot = slot;
+    if (name.length > index_start) {
+        // The column stands behind the entry; get_colnum_from_oid knows tables of 11 sub-identifiers only.
+        target.column =
+            find_column(table, get_int_from_oid(name.name, name.length, static_cast<int>(table.prefix) + 1));
+        target.index_valid =
+            parse_exact_index(table.index, name.name + index_start, name.length - index_start, target.row);
+    }
+    int error = SNMP_ERR_NOERROR;
+    if (!serve(table, mode, target, request, error)) {
+        log_add(log_error, "%s_table_handler_nextgen : Unknown mode : %d\n", table.name, mode);
+    }
+    if (error != SNMP_ERR_NOERROR) {
+        netsnmp_request_set_error(request, error);
+    }
+    return SNMP_ERR_NOERROR;
+}
+
+}  // namespace tarn

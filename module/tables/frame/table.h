@@ -1,0 +1,102 @@
+// A table as data, and the code that serves it in either style.
+//
+// A table's source is its column list, its walk and the few functions that are its own; MODULE_ITERATOR_TABLE
+// or MODULE_NEXTGEN_TABLE then defines the callbacks that the host looks up by name.
+#ifndef TARN_MODULE_TABLES_FRAME_TABLE_H
+#define TARN_MODULE_TABLES_FRAME_TABLE_H
+
+#include "module/exports.h"
+#include "module/tables/frame/column.h"
+#include "module/tables/frame/index.h"
+
+namespace tarn {
+
+struct Table {
+    const char *name;
+    Index index;
+    std::span<const Column> columns;  // in ascending order
+
+    // ---- Rows ----
+    // The row that the index names, with row.record set; false when there is none. Null: every index in range
+    // is a row.
+    bool (*find)(Row &row) = nullptr;
+    // Iterator style: the first row at or behind *cursor, which it moves behind that row; false at the end. A
+    // walk begins with 0.
+    bool (*next)(std::int64_t &cursor, Row &row) = nullptr;
+    // Nextgen style: turns the row that parse_partial_index made of a request into the next one; false at the
+    // end.
+    bool (*successor)(Row &row) = nullptr;
+    // The name under which a lack of memory for a new identifier is logged.
+    const char *index_builder = nullptr;
+    // Sub-identifiers of the table's own OID.
+    std::size_t prefix = 11;
+
+    // ---- Errors ----
+    int missing_row = SNMP_NOSUCHINSTANCE;
+    // Iterator style: of a GET without row data, and whether it is the handler's result instead of the
+    // request's error.
+    int no_row_data = SNMP_NOSUCHINSTANCE;
+    bool no_row_data_is_result = false;
+    // Of a SET without row data; 0: a valid index will do.
+    int set_without_row_data = 0;
+    int unknown_column = SNMP_NOSUCHOBJECT;
+    // Of a SET of a column that is not there or read-only.
+    int refused_column = SNMP_ERR_NOTWRITABLE;
+    // Whether the genErr of a failed action is the handler's result too.
+    bool failure_is_result = false;
+
+    // ---- SET ----
+    // A table that leaves every mode but GET alone.
+    bool ignores_set = false;
+    void (*reserve1)() = nullptr;
+    void (*reserve2)() = nullptr;
+    // In the action phase, before a column is written; 0 or an error.
+    int (*stage)(Row &row, const Column &column, const Binding &value) = nullptr;
+    // The record that columns without an action of their own are stored in; null: the row's.
+    RecordOf edited = nullptr;
+    // Sends what was staged; 0 or an error.
+    int (*commit)(Row &row) = nullptr;
+    // The request failed: forget what was staged.
+    void (*drop)() = nullptr;
+};
+
+// The callbacks' bodies.
+Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_context, void **data_context,
+                    Binding *indexes, int slot);
+int handle_iterator(const Table &table, netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo,
+                    void *row_data, netsnmp_table_request_info *table_info);
+void get_next_entry(const Table &table, table_entry *result, int slot, const oid *name, std::size_t length,
+                    int column, const char *file, int line);
+int handle_nextgen(const Table &table, int mode, netsnmp_request_info *request, int slot);
+
+// Builds the identifier of a row below the table's OID, which is taken from the request's. On a lack of
+// memory result is empty.
+void append_index(const Table &table, table_entry *result, const oid *name, const Row &row, int column,
+                  const char *file, int line);
+
+}  // namespace tarn
+
+#define MODULE_ITERATOR_TABLE(T, table)                                                                    \
+    TARN_EXPORT void init_##T##_handlers(void) {}                                                          \
+    TARN_EXPORT netsnmp_variable_list *T##_next_index(void **loop_context, void **data_context,            \
+                                                      netsnmp_variable_list *indexes, int slot) {          \
+        static std::int64_t cursor = 0;                                                                    \
+        return tarn::next_index(table, cursor, loop_context, data_context, indexes, slot);                 \
+    }                                                                                                      \
+    TARN_EXPORT int T##_module_handler(netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo, \
+                                       void *row, netsnmp_table_request_info *table_info) {                \
+        return tarn::handle_iterator(table, request, reqinfo, row, table_info);                            \
+    }
+
+#define MODULE_NEXTGEN_TABLE(T, table)                                                                 \
+    TARN_EXPORT void init_##T##_handlers(void) {}                                                      \
+    TARN_EXPORT void T##_get_next_entry(table_entry *result, int slot, const oid *name, size_t length, \
+                                        int column) {                                                  \
+        tarn::get_next_entry(table, result, slot, name, length, column, __FILE__, __LINE__);           \
+    }                                                                                                  \
+    TARN_EXPORT int T##_table_handler_nextgen(int mode, netsnmp_request_info *request, int slot,       \
+                                              void * /*row*/) {                                        \
+        return tarn::handle_nextgen(table, mode, request, slot);                                       \
+    }
+
+#endif

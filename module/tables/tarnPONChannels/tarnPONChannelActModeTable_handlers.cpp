@@ -1,0 +1,50 @@
+// Authentication of ONTs at activation, per PON channel.
+#include "module/common/operations/board_actions.h"
+#include "module/tables/frame/table.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr IndexPart row_index[] = {slot_part, ordinal_part(channels_per_slot)};
+
+int channel_of(const Row &row) {
+    return static_cast<int>(row.number[0]);
+}
+
+int get_mode(Row &row, Binding *binding) {
+    const int mode = get_activation_auth_mode(row.slot, channel_of(row));
+    snmp_set_var_typed_integer(binding, ASN_INTEGER, get_truth_value(mode));
+    return SNMP_ERR_NOERROR;
+}
+
+int set_mode(Row &row, const Binding &value) {
+    const int flag = set_truth_value(static_cast<int>(*value.val.integer));
+    return set_activation_auth_mode(row.slot, channel_of(row), flag) == 0 ? SNMP_ERR_NOERROR
+                                                                          : SNMP_ERR_GENERR;
+}
+
+constexpr Column columns[] = {
+    {3, integer, answered_by(get_mode), integer_in(1, 2), set_mode},
+};
+
+// The rows have no record of their own; the walk's cursor stands for it.
+bool next_channel(std::int64_t &cursor, Row &row) {
+    if (cursor >= channels_per_slot) {
+        return false;
+    }
+    row.number[0] = cursor++;
+    return true;
+}
+
+constexpr Table table{
+    .name = "tarnPONChannelActModeTable",
+    .index = row_index,
+    .columns = columns,
+    .next = next_channel,
+    .set_without_row_data = SNMP_NOSUCHINSTANCE,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnPONChannelActModeTable, table)

@@ -1,0 +1,5 @@
+#include "module/tables/scalars.h"
+
+void init_tarnPortsUtilizationInterval_manual(void) {}
+
+void deinit_tarnPortsUtilizationInterval_manual(void) {}
