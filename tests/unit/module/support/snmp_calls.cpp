@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "support/scripted_board.h"
+#include "tarn/host_services.h"
 
 namespace {
 
