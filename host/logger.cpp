@@ -1,0 +1,106 @@
+#include "host/logger.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
+
+namespace tarn::host {
+namespace {
+
+std::atomic<int> threshold{log_level::information};
+std::mutex write_mutex;
+
+std::string format_message(const char *format, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    std::string text(512, '\0');
+    const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
+    if (length > 0 && static_cast<std::size_t>(length) >= text.size()) {
+        text.resize(static_cast<std::size_t>(length) + 1);
+        (void)std::vsnprintf(text.data(), text.size(), format, again);
+    }
+    va_end(again);
+    text.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    return text;
+}
+
+bool open_log_file(const std::string &path) {
+    std::FILE *probe = std::fopen(path.c_str(), "ae");
+    if (probe == nullptr) {
+        return false;
+    }
+    (void)std::fclose(probe);
+    snmp_enable_filelog(path.c_str(), 1 /* append */);
+    return true;
+}
+
+}  // namespace
+
+void set_log_level(int level) {
+    threshold = level;
+}
+
+int log_level_of(std::string_view name) {
+    if (name == "error") {
+        return log_level::error;
+    }
+    if (name == "warning") {
+        return log_level::warning;
+    }
+    if (name == "information") {
+        return log_level::information;
+    }
+    return name == "debug" ? log_level::debug : -1;
+}
+
+bool open_log(std::string_view destination) {
+    constexpr std::string_view file_prefix = "file ";
+    snmp_disable_log();
+    netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_LOG_TIMESTAMP, 1);
+    if (destination == "stderr") {
+        snmp_enable_stderrlog();
+        return true;
+    }
+    if (destination == "syslog") {
+        snmp_enable_syslog_ident("tarn-agentd", LOG_DAEMON);
+        return true;
+    }
+    if (destination.starts_with(file_prefix) &&
+        open_log_file(std::string(destination.substr(file_prefix.size())))) {
+        return true;
+    }
+    snmp_enable_stderrlog();
+    return false;
+}
+
+std::string printable(std::string_view text) {
+    if (text.ends_with('\n')) {
+        text.remove_suffix(1);
+    }
+    std::string result(text);
+    for (char &c : result) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7f) {
+            c = '?';
+        }
+    }
+    return result;
+}
+
+}  // namespace tarn::host
+
+void log_add(int level, const char *format, ...) {
+    using namespace tarn::host;
+    if (level > threshold) {
+        return;
+    }
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string line = printable(format_message(format, arguments));
+    va_end(arguments);
+    const std::lock_guard lock(write_mutex);
+    snmp_log(level, "%s\n", line.c_str());
+}
