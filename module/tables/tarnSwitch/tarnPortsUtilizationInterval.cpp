@@ -1,5 +1,50 @@
+// The interval over which the cards measure the traffic of their switch ports, one for the whole chassis. It
+// is held in memory and goes to a card with every request for a port's utilization.
+#include "module/common/slot_management_db.h"
+#include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 
-void init_tarnPortsUtilizationInterval_manual(void) {}
+using namespace tarn;
 
-void deinit_tarnPortsUtilizationInterval_manual(void) {}
+namespace {
+
+// The scalar stays registered when the chassis-wide stores stop; there is no interval then.
+int get_interval(Binding *binding) {
+    const ProfilesDatabase *db = profiles_database();
+    if (db == nullptr) {
+        return SNMP_ERR_GENERR;
+    }
+    snmp_set_var_typed_integer(binding, ASN_GAUGE, db->utilization_interval);
+    return SNMP_ERR_NOERROR;
+}
+
+int check_interval(const Binding *value) {
+    if (profiles_database() == nullptr) {
+        return SNMP_ERR_GENERR;
+    }
+    return check_value(unsigned_within(0, 65535, SNMP_ERR_WRONGVALUE), value);
+}
+
+int set_interval(const Binding &value) {
+    ProfilesDatabase *db = profiles_database();
+    if (db == nullptr) {
+        return SNMP_ERR_GENERR;
+    }
+    db->utilization_interval = static_cast<std::uint16_t>(*value.val.integer);
+    return SNMP_ERR_NOERROR;
+}
+
+constexpr Scalar interval{
+    "tarnPortsUtilizationInterval", {4, 50, 1}, get_interval, checked_by(check_interval), set_interval};
+
+}  // namespace
+
+MODULE_SCALAR(tarnPortsUtilizationInterval, interval)
+
+void init_tarnPortsUtilizationInterval_manual(void) {
+    register_scalar(interval, handle_tarnPortsUtilizationInterval, tarnPortsUtilizationInterval_registration);
+}
+
+void deinit_tarnPortsUtilizationInterval_manual(void) {
+    unregister_scalar(tarnPortsUtilizationInterval_registration);
+}

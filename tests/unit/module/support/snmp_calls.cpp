@@ -129,6 +129,11 @@ Outcome call_nextgen(table_handler_nextgen_function *handler, int mode, int slot
     return call.outcome(handler(mode, &call.request, slot, nullptr));
 }
 
+Outcome call_scalar(Netsnmp_Node_Handler *handler, int mode, const Value *value) {
+    Call call(mode, {1, 3, 6, 1, 0}, value);
+    return call.outcome(handler(nullptr, nullptr, &call.reqinfo, &call.request));
+}
+
 std::vector<WalkedRow> walk_iterator(next_index_function *next_index, int slot, const IndexValues &shape) {
     std::vector<WalkedRow> rows;
     const IndexList list(shape);
@@ -168,4 +173,8 @@ int set_iterator(module_handler_function *handler, int column, const IndexValues
 
 int set_nextgen(table_handler_nextgen_function *handler, int slot, const Oid &name, const Value &value) {
     return run_set([&](int mode) { return call_nextgen(handler, mode, slot, name, &value); });
+}
+
+int set_scalar(Netsnmp_Node_Handler *handler, const Value &value) {
+    return run_set([&](int mode) { return call_scalar(handler, mode, &value); });
 }

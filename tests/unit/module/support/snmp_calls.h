@@ -50,6 +50,9 @@ Outcome call_iterator(module_handler_function *handler, int mode, int column, co
 Outcome call_nextgen(table_handler_nextgen_function *handler, int mode, int slot, const Oid &name,
                      const Value *value = nullptr);
 
+// A call of a scalar's handler.
+Outcome call_scalar(Netsnmp_Node_Handler *handler, int mode, const Value *value = nullptr);
+
 // Every row of a slot, in the table's own order. An index part that is a string stands for octets.
 struct WalkedRow {
     IndexValues index;
@@ -66,5 +69,6 @@ Oid next_of(get_next_entry_function *next, int slot, const Oid &name, int column
 int set_iterator(module_handler_function *handler, int column, const IndexValues &index, void *row,
                  const Value &value);
 int set_nextgen(table_handler_nextgen_function *handler, int slot, const Oid &name, const Value &value);
+int set_scalar(Netsnmp_Node_Handler *handler, const Value &value);
 
 #endif
