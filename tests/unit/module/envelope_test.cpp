@@ -16,8 +16,8 @@ TEST_F(EnvelopeTest, StampsItsFieldsAndTouchesNothingElse) {
     tarn::store_le32(&request[20], 40);
     bfree("", 0, ipc_send_request_wrapper(request.data(), "test", 259));
     const Bytes header(request.begin(), request.begin() + 24);
-    EXPECT_EQ(header, (Bytes{7,    0, 0xEE, 0xEE, 0xEE, 5,    0xEE, 3, 3,    3,    38, 0,
-                             1,    0, 0xEE, 0xEE, 36,   0,    0,    0, 40,   0,    0,  0}));
+    EXPECT_EQ(header, (Bytes{7, 0, 0xEE, 0xEE, 0xEE, 5, 0xEE, 3, 3,  3, 38, 0,
+                             1, 0, 0xEE, 0xEE, 36,   0, 0,    0, 40, 0, 0,  0}));
     EXPECT_EQ(Bytes(request.begin() + 24, request.end()), Bytes(16, 0xEE));
     EXPECT_EQ(board.sent.at(0).timeout_ms, 30000);
 }
@@ -34,8 +34,9 @@ TEST_F(EnvelopeTest, LogsATransportFailureAndReportsIt) {
     board.silence(70);
     tarn::Request<32> request(70, 8);
     int result = 77;
-    EXPECT_EQ(ipc_send_request_wrapper_with_result_custom_timeout(request.bytes.data(), "get_it", 0, &result, 50),
-              nullptr);
+    EXPECT_EQ(
+        ipc_send_request_wrapper_with_result_custom_timeout(request.bytes.data(), "get_it", 0, &result, 50),
+        nullptr);
     EXPECT_EQ(result, -1);
     EXPECT_EQ(board.sent.at(0).timeout_ms, 50);
     EXPECT_EQ(board.log, std::vector<std::string>{"3 get_it : no answer 1:(-1)\n"});

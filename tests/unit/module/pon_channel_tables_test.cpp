@@ -1,0 +1,291 @@
+// The three tables of the PON channels.
+#include "module/common/slot_management_db.h"
+#include "support/scripted_board.h"
+#include "support/snmp_calls.h"
+#include "tarn/host_services.h"
+
+extern "C" {
+next_index_function tarnPONChannelStateTable_next_index, tarnPONChannelActModeTable_next_index;
+module_handler_function tarnPONChannelStateTable_module_handler, tarnPONChannelActModeTable_module_handler;
+get_next_entry_function tarnPONChannelAddressTable_get_next_entry;
+table_handler_nextgen_function tarnPONChannelAddressTable_table_handler_nextgen;
+void tarnPONChannelAddressTable_append_index(table_entry *, const oid *, std::size_t, int, int, int, int);
+int tarnPONChannelAddressTable_get_first_available_config_index_2(int, const oid *, std::size_t);
+std::uint8_t *get_entry_by_oid(int, const oid *, std::size_t);
+}
+
+namespace {
+
+const Oid address_table = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 1, 3};
+
+Oid address_oid(oid column, std::initializer_list<oid> index) {
+    Oid name = address_table;
+    name.insert(name.end(), {1, column});
+    name.insert(name.end(), index);
+    return name;
+}
+
+class PonChannelTablesTest : public ModuleTest {
+  protected:
+    void SetUp() override {
+        ModuleTest::SetUp();
+        start({2});
+    }
+    static Outcome state(int column, int channel = 4, int mode = MODE_GET, const Value *value = nullptr) {
+        static int row = 0;
+        return call_iterator(tarnPONChannelStateTable_module_handler, mode, column, {3, channel}, &row,
+                             value);
+    }
+    static int set_state(int column, const Value &value, int channel = 4) {
+        static int row = 0;
+        return set_iterator(tarnPONChannelStateTable_module_handler, column, {3, channel}, &row, value);
+    }
+    static Outcome act_mode(int column, int mode = MODE_GET, const Value *value = nullptr) {
+        static int row = 0;
+        return call_iterator(tarnPONChannelActModeTable_module_handler, mode, column, {3, 8}, &row, value);
+    }
+};
+
+TEST_F(PonChannelTablesTest, StateHasEightRowsASlot) {
+    const auto rows = walk_iterator(tarnPONChannelStateTable_next_index, 2, {0, 0});
+    ASSERT_EQ(rows.size(), 8U);
+    EXPECT_EQ(rows[0].index, (IndexValues{3, 1}));
+    EXPECT_EQ(rows[7].index, (IndexValues{3, 8}));
+    EXPECT_EQ(rows[7].row, tarn::slot_database(2)->channel_states[7].data());
+    EXPECT_TRUE(walk_iterator(tarnPONChannelStateTable_next_index, 3, {0, 0}).empty());
+    EXPECT_EQ(walk_iterator(tarnPONChannelActModeTable_next_index, 2, {0, 0}).size(), 8U);
+    EXPECT_TRUE(board.sent.empty());
+}
+
+TEST_F(PonChannelTablesTest, EveryStateColumnComesFromItsField) {
+    Bytes full(1 + 8 * 69, 0);
+    std::uint8_t *record = &full[1 + 3 * 69];
+    const auto put_text = [record](int offset, const char *text) {
+        std::copy(text, text + std::char_traits<char>::length(text), record + offset);
+    };
+    put_text(12, "first");
+    put_text(29, "seventeen letters");  // fills its field, no NUL
+    put_text(46, "abcde");
+    tarn::store_le32(record + 51, 0xFFFFFFFF);
+    tarn::store_le32(record + 55, 55);
+    tarn::store_le32(record + 59, 0x80000000);
+    tarn::store_le32(record + 63, 63);
+    board.answer(70, full);
+    Bytes lite(1 + 8 * 69, 0);
+    tarn::store_le16(&lite[1 + 3 * 69 + 3], 0xFFFE);
+    tarn::store_le32(&lite[1 + 3 * 69 + 7], 0xFFFFFFFD);
+    board.answer(71, lite);
+    Bytes config(98, 0);
+    config[1] = 1;
+    board.answer(85, config);
+
+    EXPECT_EQ(state(1).integer, 2);  // counted from 0, unlike the index
+    EXPECT_EQ(state(1).type, ASN_GAUGE);
+    EXPECT_EQ(state(2).integer, 3);
+    EXPECT_EQ(state(3).integer, 0xFFFE);
+    EXPECT_EQ(state(4).integer, 0xFFFFFFFD);
+    EXPECT_EQ(state(4).type, ASN_GAUGE);
+    EXPECT_EQ(state(5).integer, 1);
+    EXPECT_EQ(state(5).type, ASN_INTEGER);
+    EXPECT_EQ(state(6).octets, "first");
+    EXPECT_EQ(state(7).octets, "seventeen letters");
+    EXPECT_EQ(state(8).octets, "abcde");
+    EXPECT_EQ(state(9).integer, 63);
+    EXPECT_EQ(state(10).integer, -1);
+    EXPECT_EQ(state(10).type, ASN_INTEGER);
+    EXPECT_EQ(state(11).integer, 55);
+    EXPECT_EQ(state(12).integer, -2147483648L);
+    EXPECT_EQ(state(20).integer, 0);
+    EXPECT_EQ(state(21).integer, 0);
+    for (const int column : {0, 13, 19, 22}) {
+        EXPECT_EQ(state(column).error, SNMP_NOSUCHOBJECT) << column;
+    }
+    EXPECT_EQ(board.sent.size(), 3U);  // one a section
+    const Outcome no_row =
+        call_iterator(tarnPONChannelStateTable_module_handler, MODE_GET, 3, {3, 4}, nullptr);
+    EXPECT_EQ(no_row.result, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(no_row.error, 0);
+}
+
+TEST_F(PonChannelTablesTest, TriggersActOnAnyValue) {
+    board.answer(14, {});
+    board.answer(67, {});
+    EXPECT_EQ(set_state(20, unsigned_value(0)), 0);
+    EXPECT_EQ(set_state(21, unsigned_value(99)), 0);
+    ASSERT_EQ(board.sent.size(), 2U);
+    EXPECT_EQ(board.payload_of(0), (Bytes{3}));
+    EXPECT_EQ(board.payload_of(1), (Bytes{16, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+    board.silence(14);
+    const Value one = unsigned_value(1);
+    const Outcome failed = state(20, 4, MODE_SET_ACTION, &one);
+    EXPECT_EQ(failed.error, SNMP_ERR_GENERR);
+    EXPECT_EQ(failed.result, SNMP_ERR_GENERR);
+}
+
+TEST_F(PonChannelTablesTest, OnlyAnExactOneEnablesTheChannel) {
+    Bytes config(98, 0xEE);
+    board.answer(85, config);
+    board.answer(86, {});
+    for (const auto &[value, stored] : {std::pair{1, 1}, {2, 0}, {7, 0}}) {
+        EXPECT_EQ(set_state(5, integer_value(value)), 0);
+        Bytes expected(98, 0xEE);
+        expected[0] = 3;
+        expected[1] = static_cast<std::uint8_t>(stored);
+        expected[2] = 0;  // the word's high byte too
+        EXPECT_EQ(board.payload_of(board.sent.size() - 1), expected);
+    }
+    board.silence(86);
+    EXPECT_EQ(set_state(5, integer_value(1)), SNMP_ERR_GENERR);
+}
+
+TEST_F(PonChannelTablesTest, AConfigurationThatTheCardNeverShowedIsNotWritten) {
+    board.answer(86, {});
+    EXPECT_EQ(set_state(5, integer_value(1)), SNMP_ERR_GENERR);
+    EXPECT_EQ(board.count(86), 0);
+}
+
+TEST_F(PonChannelTablesTest, RefusedWritesSendNothing) {
+    EXPECT_EQ(set_state(20, integer_value(1)), SNMP_ERR_WRONGTYPE);
+    EXPECT_EQ(set_state(5, unsigned_value(1)), SNMP_ERR_WRONGTYPE);
+    EXPECT_EQ(set_state(5, octets_value("1")), SNMP_ERR_WRONGTYPE);
+    EXPECT_EQ(set_state(3, unsigned_value(1)), SNMP_ERR_NOTWRITABLE);
+    EXPECT_EQ(set_state(13, unsigned_value(1)), SNMP_ERR_NOTWRITABLE);
+    // A missing row: net-snmp turns noSuchInstance into noCreation in this phase.
+    EXPECT_EQ(set_state(20, unsigned_value(1), 9), SNMP_ERR_NOCREATION);
+    EXPECT_EQ(set_state(20, unsigned_value(1), 0), SNMP_ERR_NOCREATION);
+    EXPECT_TRUE(board.sent.empty());
+}
+
+TEST_F(PonChannelTablesTest, ActModeReadsTrueUnlessTheCardSaysOff) {
+    EXPECT_EQ(act_mode(3).integer, 1);  // no answer
+    EXPECT_EQ(act_mode(3).type, ASN_INTEGER);
+    board.answer(313, {7, 4, 0});
+    EXPECT_EQ(act_mode(3).integer, 2);
+    EXPECT_EQ(board.payload_of(0), (Bytes{7}));
+    EXPECT_EQ(act_mode(1).error, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(call_iterator(tarnPONChannelActModeTable_module_handler, MODE_GET, 3, {3, 8}, nullptr).error,
+              SNMP_NOSUCHINSTANCE);
+}
+
+TEST_F(PonChannelTablesTest, ActModeIsWrittenAsTwoOrFour) {
+    int row = 0;
+    const auto set = [&row](int column, const Value &value) {
+        return set_iterator(tarnPONChannelActModeTable_module_handler, column, {3, 8}, &row, value);
+    };
+    board.answer(314, {});
+    EXPECT_EQ(set(3, integer_value(1)), 0);
+    EXPECT_EQ(board.payload_of(0), (Bytes{7, 2, 0}));
+    EXPECT_EQ(set(3, integer_value(2)), 0);
+    EXPECT_EQ(board.payload_of(1), (Bytes{7, 4, 0}));
+    EXPECT_EQ(set(3, integer_value(0)), SNMP_ERR_WRONGVALUE);
+    EXPECT_EQ(set(3, integer_value(3)), SNMP_ERR_WRONGVALUE);
+    EXPECT_EQ(set(3, unsigned_value(1)), SNMP_ERR_WRONGTYPE);
+    EXPECT_EQ(set(2, integer_value(1)), SNMP_ERR_NOTWRITABLE);
+    EXPECT_EQ(board.sent.size(), 2U);
+    board.silence(314);
+    EXPECT_EQ(set(3, integer_value(1)), SNMP_ERR_GENERR);
+}
+
+// Two entries: channel 5, then channel 1; every byte of the first has a value of its own.
+Bytes two_addresses() {
+    Bytes payload(3 + 2 * 37);
+    payload[1] = 2;
+    for (std::size_t b = 0; b < 37; ++b) {
+        payload[3 + b] = static_cast<std::uint8_t>(0x80 + b);
+    }
+    payload[3 + 20] = 5;
+    payload[3 + 37 + 20] = 1;
+    return payload;
+}
+
+TEST_F(PonChannelTablesTest, AddressesAreWalkedInTheCardsOrder) {
+    board.answer(80, two_addresses());
+    const std::vector<Oid> expected = {address_oid(9, {3, 6, 1}), address_oid(9, {3, 2, 2})};
+    EXPECT_EQ(walk_nextgen(tarnPONChannelAddressTable_get_next_entry, 2, address_table, 9), expected);
+    const auto next = tarnPONChannelAddressTable_get_next_entry;
+    EXPECT_EQ(next_of(next, 2, address_oid(9, {3, 7}), 9), expected[0]);
+    EXPECT_EQ(next_of(next, 2, address_oid(9, {3, 99, 1}), 9), expected[1]);  // the channel does not matter
+    EXPECT_TRUE(next_of(next, 2, address_oid(9, {3, 1, 4294967295}), 9).empty());
+    EXPECT_TRUE(next_of(next, 5, address_table, 9).empty());
+    EXPECT_EQ(board.sent.size(), 1U);
+}
+
+TEST_F(PonChannelTablesTest, EveryAddressColumnComesFromItsField) {
+    Bytes payload = two_addresses();
+    payload[3 + 14] = 1;
+    payload[3 + 15] = 0;
+    board.answer(80, payload);
+    const auto get = [](oid column, std::initializer_list<oid> index = {3, 6, 1}) {
+        return call_nextgen(tarnPONChannelAddressTable_table_handler_nextgen, MODE_GET, 2,
+                            address_oid(column, index));
+    };
+    EXPECT_EQ(get(4).octets, "\x95\x96\x97\x98\x99\x9A\x9B\x9C");
+    EXPECT_EQ(get(5).integer, 0xFFFF9392);  // sign-extended, then unsigned
+    EXPECT_EQ(get(5).type, ASN_GAUGE);
+    EXPECT_EQ(get(6).integer, -32384);  // 0x8180
+    EXPECT_EQ(get(6).type, ASN_INTEGER);
+    EXPECT_EQ(get(7).integer, -31356);  // 0x8584
+    EXPECT_EQ(get(8).integer, -30842);  // 0x8786
+    EXPECT_EQ(get(9).octets, "\x88\x89\x8A\x8B\x8C\x8D");
+    EXPECT_EQ(get(10).integer, 1);
+    EXPECT_EQ(get(11).integer, 2);
+    EXPECT_EQ(get(12).integer, 0x9E9D);
+    EXPECT_EQ(get(13).integer, 0xA09F);
+    EXPECT_EQ(get(13).type, ASN_INTEGER);
+    EXPECT_EQ(get(14).integer, 0xA2A1);
+    EXPECT_EQ(get(15).integer, 0xA4A3);
+    EXPECT_EQ(get(16).integer, -31870);  // 0x8382
+    for (const oid column : {1U, 3U, 17U}) {
+        EXPECT_EQ(get(column).error, SNMP_NOSUCHOBJECT) << column;
+    }
+    EXPECT_EQ(get(9, {3, 77, 1}).octets.size(), 6U);  // the channel is not checked
+    EXPECT_EQ(get(9, {3, 6, 0}).error, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(get(9, {3, 6, 3}).error, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(get(9, {3, 6}).error, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(get(9, {}).error, SNMP_NOSUCHOBJECT);
+}
+
+TEST_F(PonChannelTablesTest, AddressesAreNeverWritten) {
+    board.answer(80, two_addresses());
+    const Value value = integer_value(1);
+    for (const int mode : {MODE_SET_RESERVE1, MODE_SET_ACTION, MODE_SET_COMMIT, 99}) {
+        EXPECT_EQ(call_nextgen(tarnPONChannelAddressTable_table_handler_nextgen, mode, 2,
+                               address_oid(6, {3, 6, 1}), &value)
+                      .error,
+                  0);
+    }
+    EXPECT_TRUE(board.sent.empty());
+    EXPECT_TRUE(board.log.empty());
+}
+
+TEST_F(PonChannelTablesTest, AnEmptyAddressTableHasNoRowOne) {
+    board.answer(80, {255, 0, 0});
+    EXPECT_TRUE(walk_nextgen(tarnPONChannelAddressTable_get_next_entry, 2, address_table, 4).empty());
+    EXPECT_EQ(
+        call_nextgen(tarnPONChannelAddressTable_table_handler_nextgen, MODE_GET, 2, address_oid(4, {3, 1, 1}))
+            .error,
+        SNMP_NOSUCHOBJECT);
+}
+
+TEST_F(PonChannelTablesTest, TheIndexFunctionsOfTheAddressTableAreExported) {
+    board.answer(80, two_addresses());
+    const Oid second = address_oid(4, {3, 1, 2});
+    EXPECT_EQ(tarnPONChannelAddressTable_get_first_available_config_index_2(2, address_table.data(), 11), 1);
+    EXPECT_EQ(tarnPONChannelAddressTable_get_first_available_config_index_2(2, second.data(), 16), 0);
+    EXPECT_EQ(get_entry_by_oid(2, second.data(), 16)[20], 1);
+    EXPECT_EQ(get_entry_by_oid(2, second.data(), 15), nullptr);
+    table_entry entry{};
+    tarnPONChannelAddressTable_append_index(&entry, address_table.data(), 11, 2, 0, 2, 4);
+    EXPECT_EQ(Oid(entry.name, entry.name + entry.length), second);
+    bfree("", 0, entry.name);
+
+    board.balloc_fails = true;
+    tarnPONChannelAddressTable_append_index(&entry, address_table.data(), 11, 2, 0, 2, 4);
+    EXPECT_EQ(entry.name, nullptr);
+    EXPECT_EQ(entry.length, 0U);
+    EXPECT_EQ(board.log.back(),
+              "3 tarnPONChannelAddressTable_append_index : memory allocation error. Tried to "
+              "allocate 64 bytes\n");
+}
+
+}  // namespace
