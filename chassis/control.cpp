@@ -231,7 +231,7 @@ const Action &find_action(const Json &request) {
     }
     for (const auto &[key, value] : request.items()) {
         if (key != "do" && std::ranges::find(found->keys, key) == found->keys.end()) {
-            throw ControlError("unknown key \"" + key + "\" in " + name);
+            throw ControlError(std::string("unknown key \"").append(key).append("\" in ").append(name));
         }
     }
     return *found;

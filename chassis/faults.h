@@ -26,9 +26,9 @@ struct Fault {
     int id = 0;
     FaultKind kind = FaultKind::silent;
     std::uint32_t value = 0;
-    std::optional<int> slot;               // every slot without it
-    std::optional<std::uint16_t> command;  // every command but the link frame without it
-    std::optional<std::uint32_t> times;    // how many requests are left to hit; without end without it
+    std::optional<int> slot = {};               // every slot without it
+    std::optional<std::uint16_t> command = {};  // every command but the link frame without it
+    std::optional<std::uint32_t> times = {};    // how many requests are left to hit; without end without it
     std::uint64_t hits = 0;
 };
 

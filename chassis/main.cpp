@@ -95,7 +95,7 @@ int run(const Options &options) {
 
 }  // namespace
 
-int main(int argc, char **argv) {
+int main(int argc, char **argv) try {
     CLI::App app(description, "tarn-chassisd");
     app.footer(footer);
     app.set_version_flag("--version", std::string("tarn-chassisd ") + TARN_VERSION);
@@ -112,10 +112,8 @@ int main(int argc, char **argv) {
     app.add_flag("--log-requests", options.log_requests,
                  "log every request; refusals and faults are always logged");
     CLI11_PARSE(app, argc, argv);
-    try {
-        return run(options);
-    } catch (const std::exception &error) {
-        std::cerr << "tarn-chassisd: " << error.what() << '\n';
-        return 1;
-    }
+    return run(options);
+} catch (const std::exception &error) {
+    std::cerr << "tarn-chassisd: " << error.what() << '\n';
+    return 1;
 }

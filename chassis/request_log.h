@@ -18,9 +18,9 @@ struct RequestEntry {
     int slot = 0;
     std::uint16_t command = 0;
     std::uint8_t destination = 0;  // as on the wire
-    std::string name;
+    std::string name = {};
     std::uint32_t length = 0;
-    std::vector<std::uint8_t> payload;
+    std::vector<std::uint8_t> payload = {};
     Outcome outcome = Outcome::answered;
     std::uint8_t status = 0;  // of the answer
 };

@@ -22,9 +22,9 @@ constexpr int max_factor = 1000;
 // A mapping of the file, whose keys are all known and occur once.
 class Mapping {
   public:
-    Mapping(YAML::Node node, const std::string &name, std::string what,
+    Mapping(const YAML::Node &node, const std::string &name, std::string what,
             std::initializer_list<std::string_view> keys)
-        : node_(std::move(node)), name_(name), what_(std::move(what)) {
+        : node_(node), name_(name), what_(std::move(what)) {
         if (!node_.IsMap()) {
             fail(node_, what_ + " must be a mapping");
         }

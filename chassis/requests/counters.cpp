@@ -24,9 +24,9 @@ Refusal reset_channels(Exchange &exchange) {
     if (!is_channel(first)) {
         return no_such_channel(first);
     }
-    const int count = first % half_of_the_olt == 0 ? half_of_the_olt : 1;
-    for (int i = 0; i < count; ++i) {
-        reset_channel(exchange.card.channels[static_cast<std::size_t>(first + i)], exchange.now);
+    const std::size_t count = first % half_of_the_olt == 0 ? half_of_the_olt : 1;
+    for (Channel &channel : std::span(exchange.card.channels).subspan(first, count)) {
+        reset_channel(channel, exchange.now);
     }
     return {};
 }

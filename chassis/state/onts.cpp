@@ -73,13 +73,13 @@ Ont make_ont(std::uint64_t seed, int slot, std::uint32_t position, std::uint8_t 
     put(ont.i2c, ont_i2c::value_0, generator.between(500, 2500));
     put(ont.i2c, ont_i2c::value_2, generator.between(20, 900));
     put(ont.i2c, ont_i2c::value_4, 1);
-    put(ont.i2c, ont_i2c::value_6, generator.between(30 * 256, 60 * 256));
+    put(ont.i2c, ont_i2c::value_6, generator.between(7680, 15360));
     put(ont.i2c, ont_i2c::value_8, generator.between(-28, 5));
     put(ont.i2c, ont_i2c::value_10, generator.between(2000, 6000));
     put(ont.i2c, ont_i2c::value_12, generator.between(16000, 17000));
     make_uni_ports(ont, generator);
     ont.errors.per_second = static_cast<std::uint64_t>(generator.between(0, 3));
-    const auto up_for = static_cast<std::uint32_t>(generator.between(3600, 30 * 86400));
+    const auto up_for = static_cast<std::uint32_t>(generator.between(3600, 2592000));
     const auto down_for = static_cast<std::uint32_t>(generator.between(10, 600));
     ont.connections.push_back({start_time - 2 * up_for, start_time - up_for - down_for, ont_code::lost});
     ont.connections.push_back({start_time - up_for, 0, static_cast<std::uint8_t>(ont.code)});
