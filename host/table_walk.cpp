@@ -93,6 +93,7 @@ class Walk {
     std::vector<Visibility> column_visibility_;
     std::array<oid, MAX_OID_LEN> name_{};
     Instance instance_;
+    std::vector<oid> asked_;  // the OID of the request that is being answered
 };
 
 Cursor Walk::find(std::span<const oid> name, bool inclusive) {
@@ -156,7 +157,7 @@ bool Walk::settle(Cursor &cursor) {
 
 bool Walk::answer(netsnmp_request_info *request, Cursor &cursor) {
     netsnmp_variable_list *binding = request->requestvb;
-    const std::vector<oid> asked(binding->name, binding->name + binding->name_length);
+    asked_.assign(binding->name, binding->name + binding->name_length);
     const unsigned char asked_type = binding->type;
     while (settle(cursor)) {
         const auto suffix = cursor.rows->suffix(cursor.row);
@@ -182,7 +183,7 @@ bool Walk::answer(netsnmp_request_info *request, Cursor &cursor) {
             return true;
         }
     }
-    (void)snmp_set_var_objid(binding, asked.data(), asked.size());
+    (void)snmp_set_var_objid(binding, asked_.data(), asked_.size());
     (void)snmp_set_var_typed_value(binding, asked_type, nullptr, 0);
     return false;
 }
