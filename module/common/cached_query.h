@@ -14,18 +14,27 @@ constexpr int slot_byte(int slot) {
     return slot & 0xFF;
 }
 
-// A section that one request fills with `Size` bytes from byte 32 of its answer, stamped after the attempt
-// whether or not an answer came. Returns the section's record.
+// Fills `size` bytes from byte 32 of the answer to one request, when their stamp has expired. They are
+// stamped after the attempt whether or not an answer came.
+template <std::size_t Length>
+void refresh(std::uint8_t *to, std::size_t size, Stamp &stamp, const Request<Length> &request,
+             const char *operation, int slot, int timeout_ms = default_timeout_ms,
+             const char *file = __builtin_FILE(), int line = __builtin_LINE()) {
+    if (!stamp.expired()) {
+        return;
+    }
+    if (const Answer answer = ask(request, operation, slot, payload + size, timeout_ms, file, line)) {
+        answer.copy(to, payload, size);
+    }
+    stamp.set();
+}
+
+// The same for a section, whose record it returns.
 template <std::size_t Size, std::size_t Length>
 std::uint8_t *refresh(Section<Size> &section, const Request<Length> &request, const char *operation, int slot,
                       int timeout_ms = default_timeout_ms, const char *file = __builtin_FILE(),
                       int line = __builtin_LINE()) {
-    if (section.stamp.expired()) {
-        if (const Answer answer = ask(request, operation, slot, payload + Size, timeout_ms, file, line)) {
-            answer.copy(section.record.data(), payload, Size);
-        }
-        section.stamp.set();
-    }
+    refresh(section.record.data(), Size, section.stamp, request, operation, slot, timeout_ms, file, line);
     return section.record.data();
 }
 

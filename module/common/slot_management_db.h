@@ -9,6 +9,7 @@
 #include "module/common/board_records.h"
 #include "module/common/cache.h"
 #include "module/common/growable.h"
+#include "module/config/commit_set.h"
 #include "module/config/config_records.h"
 #include "module/exports.h"
 #include "module/switch/switch_records.h"
@@ -95,8 +96,8 @@ struct SlotDatabase {
 
     // Configuration
     Sections<olt_channel_config::size, channels_per_slot> olt_channel_configs;
-    Section<olt_config::size> olt_config;
-    std::uint16_t olt_config_hold;  // non-zero: an edit is pending, do not refresh
+    Record<olt_config::size + 2> olt_config;  // the hold flag behind it
+    Stamp olt_config_stamp;
     Section<network_config::size> network_config;
     Records<ont_config::size, ont_config::count> ont_configs;
     std::array<std::uint16_t, ont_config::count> ont_configs_by_serial;  // store indices
@@ -156,7 +157,7 @@ struct ProfilesDatabase {
     Stamp ports_stamp;
     Records<ont_template::size, ont_template::count> templates;
     Stamp templates_stamp;
-    std::array<bool, ont_template::count> templates_to_commit;
+    CommitSet<ont_template::count> templates_to_commit;
     Records<olt_address_table_profile::size, olt_address_table_profile::count> olt_address_table_profiles;
     Stamp olt_address_table_stamp;
     Records<olt_vlan_profile::size, olt_vlan_profile::count> olt_vlan_profiles;

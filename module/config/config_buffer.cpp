@@ -1,11 +1,13 @@
 #include "module/config/config_buffer.h"
 
-#include <cstdint>
+#include <zlib.h>
+
+#include <algorithm>
 #include <cstdlib>
 
+#include "module/common/cached_query.h"
 #include "module/common/log.h"
 #include "module/config/config_records.h"
-#include "tarn/host_services.h"
 
 using namespace tarn;
 
@@ -13,13 +15,45 @@ namespace {
 
 std::uint8_t *config_buffer;
 
+constexpr std::size_t max_compressed = config_image::compressed_length - payload;
+
+// zlib writes straight into the buffer. It may end a little behind it: card software of old inflated in steps
+// of 1024 bytes, so an image that exceeds the buffer by less than the last step counts as whole.
+constexpr std::size_t step = 1024;
+constexpr std::size_t spill_size = step - config_image::size % step;
+
+// Returns zlib's last code; Z_STREAM_END when the image is whole.
+int inflate_image(const std::uint8_t *from, std::size_t count) {
+    z_stream stream{};
+    int code = inflateInit_(&stream, "1.2.5", sizeof stream);
+    if (code != Z_OK || count == 0) {
+        inflateEnd(&stream);
+        return code;
+    }
+    stream.next_in = const_cast<Bytef *>(from);  // zlib only reads it
+    stream.avail_in = static_cast<uInt>(count);
+    stream.next_out = config_buffer;
+    stream.avail_out = config_image::size;
+    code = inflate(&stream, Z_NO_FLUSH);
+    if (code == Z_OK && stream.avail_out == 0) {
+        std::array<Bytef, spill_size> spill;
+        stream.next_out = spill.data();
+        stream.avail_out = spill_size;
+        const int end = inflate(&stream, Z_NO_FLUSH);
+        code = end == Z_BUF_ERROR ? code : end;
+    }
+    inflateEnd(&stream);
+    return code;
+}
+
 }  // namespace
 
 void init_config_buffer(void) {
     if (config_buffer != nullptr) {
         return;
     }
-    // The system's allocator: the buffer is no answer and outlives every request.
+    // The system's allocator: the buffer is no answer and outlives every request. Cleared, because a card
+    // that never answers has the buffer served as it is.
     config_buffer = static_cast<std::uint8_t *>(std::calloc(1, config_image::size));
     if (config_buffer == nullptr) {
         log_add(log_error, "%s : !!!!! MEMORY ALLOCATION ERROR !!!!!\n", __func__);
@@ -30,3 +64,39 @@ void deinit_config_buffer(void) {
     std::free(config_buffer);
     config_buffer = nullptr;
 }
+
+std::uint8_t *get_all_config(int address) {
+    if (config_buffer == nullptr) {
+        log_add(log_error, "%s : memory allocation error\n", __func__);
+        return nullptr;
+    }
+    const Request<32> request(command::get_all_config, destination::configuration);
+    const Answer answer =
+        ask(request, __func__, slot_byte(address), config_image::compressed_length + sizeof(std::uint32_t));
+    if (!answer) {
+        return config_buffer;
+    }
+    const std::size_t stated = answer.get<std::uint32_t>(config_image::compressed_length);
+    const int code = inflate_image(answer.data() + payload, std::min(stated, max_compressed));
+    if (code != Z_STREAM_END) {
+        log_add(log_error, "%s : decompression error : %d\n", __func__, code);
+    }
+    return config_buffer;
+}
+
+namespace tarn {
+
+bool refresh_from_image(int address, std::size_t offset, std::uint8_t *to, std::size_t count, Stamp &stamp) {
+    if (!stamp.expired()) {
+        return false;
+    }
+    const std::uint8_t *image = get_all_config(address);
+    if (image == nullptr) {
+        return false;
+    }
+    std::memcpy(to, image + offset, count);
+    stamp.set();
+    return true;
+}
+
+}  // namespace tarn

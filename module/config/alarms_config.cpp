@@ -1,0 +1,80 @@
+#include "module/config/alarms_config.h"
+
+#include "module/common/cached_query.h"
+#include "module/common/log.h"
+
+using namespace tarn;
+
+namespace {
+
+const Request<32> get_request(command::get_alarms_config, destination::configuration);
+
+using Entry = Record<alarms_config::entry_size>;
+using EntryRequest = Request<payload + 4 + alarms_config::entry_size>;
+
+Entry entry_at(const std::uint8_t *config, int number) {
+    Entry entry;
+    std::memcpy(entry.data(), config + number * alarms_config::entry_size, entry.size());
+    return entry;
+}
+
+// True when all configured slots answered.
+bool send_to_slots(const EntryRequest &request, int number, int type, const char *operation) {
+    bool all_answered = true;
+    for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
+        if (slot_isconfigured(slot) == 0) {
+            continue;
+        }
+        const bool answered = act(request, operation, slot) == 0;
+        all_answered = all_answered && answered;
+        log_add(log_error, "%s : %s config for id = %d, type = %d, slot = %d\n", operation,
+                answered ? "set" : "unable to set", number, type, slot);
+    }
+    return all_answered;
+}
+
+}  // namespace
+
+void *slot_lib_get_alarms_config(void) {
+    ProfilesDatabase *db = profiles_database();
+    return db != nullptr ? refresh(db->alarms_config, get_request, __func__, chassis_slot::chassis_network)
+                         : nullptr;
+}
+
+int slot_lib_set_alarms_config(void) {
+    ProfilesDatabase *db = profiles_database();
+    if (db == nullptr) {
+        return -1;
+    }
+    db->alarms_config.stamp.clear();
+    const Answer current =
+        ask(get_request, __func__, chassis_slot::chassis_network, payload + alarms_config::size);
+    if (!current) {
+        log_add(log_error, "%s : unable to get config\n", __func__);
+        return -1;
+    }
+    int result = 0;
+    for (int number = 0; number < alarms_config::entries; ++number) {
+        const Entry edited = entry_at(db->alarms_config.record.data(), number);
+        Entry entry = entry_at(current.data() + payload, number);
+        const Entry before = entry;
+        for (const Field &value : {alarms_config::value_9, alarms_config::value_11}) {
+            store_integer(entry.data(), value, load_integer(edited.data(), value));
+        }
+        if (entry == before) {
+            continue;
+        }
+        EntryRequest request(command::set_alarms_entry, destination::configuration);
+        request.put(payload, static_cast<std::uint32_t>(number))
+            .put_bytes(payload + 4, entry.data(), entry.size());
+        const auto type = static_cast<int>(load_integer(entry.data(), alarms_config::type));
+        if (!send_to_slots(request, number, type, __func__)) {
+            return -1;
+        }
+        if (act(request, __func__, chassis_slot::chassis_network) != 0) {
+            log_add(log_error, "%s : unable to set config for id = %d, type = %d\n", __func__, number, type);
+            result = -1;
+        }
+    }
+    return result;
+}

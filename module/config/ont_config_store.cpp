@@ -1,0 +1,150 @@
+#include "module/config/ont_config_store.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "module/common/cached_query.h"
+#include "module/common/log.h"
+#include "module/common/serial.h"
+#include "module/config/config_buffer.h"
+#include "module/config/config_defaults.h"
+
+using namespace tarn;
+
+namespace {
+
+const std::uint8_t *serial_of(const SlotDatabase &db, std::uint16_t index) {
+    return db.ont_configs[index].data() + ont_config::serial.offset;
+}
+
+// The first record with this serial that passes, by store index; -1: none.
+template <class Passes>
+int find_ont(int slot, const std::uint8_t *serial_bytes, Passes passes) {
+    const Serial serial = serial_at(serial_bytes);  // may lie in the records that are refreshed next
+    if (get_all_ont_config(slot) == nullptr) {
+        return -1;
+    }
+    const SlotDatabase &db = *slot_database(slot_byte(slot));
+    const int end = first_ont_above(db, serial.data());
+    for (int position = first_ont_not_below(db, serial.data()); position < end; ++position) {
+        const std::uint16_t index = db.ont_configs_by_serial[static_cast<std::size_t>(position)];
+        if (passes(db.ont_configs[index].data())) {
+            return index;
+        }
+    }
+    return -1;
+}
+
+}  // namespace
+
+std::uint8_t *get_all_ont_config(int slot) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return nullptr;
+    }
+    std::uint8_t *records = db->ont_configs[0].data();
+    if (refresh_from_image(slot, config_image::ont_records, records, sizeof db->ont_configs,
+                           db->ont_configs_stamp)) {
+        insert_sort_ont_configs(db);
+    }
+    return records;
+}
+
+// A stable sort gives what an insertion sort gives that moves a record only past greater ones.
+void insert_sort_ont_configs(void *slot_database) {
+    auto &db = *static_cast<SlotDatabase *>(slot_database);
+    auto &view = db.ont_configs_by_serial;
+    std::iota(view.begin(), view.end(), std::uint16_t{0});
+    std::stable_sort(view.begin(), view.end(), [&db](std::uint16_t a, std::uint16_t b) {
+        return compare_serials(serial_of(db, a), serial_of(db, b)) < 0;
+    });
+}
+
+int get_ont_config_index_by_serial(int slot, const std::uint8_t *serial) {
+    const int index = find_ont(slot, serial, [](const std::uint8_t *) { return true; });
+    return index >= 0 ? index : ont_not_found;
+}
+
+std::uint8_t *get_all_ont_config_by_serial(int slot, const std::uint8_t *serial, int *index) {
+    const int found = find_ont(slot, serial, ont_in_use);
+    if (index != nullptr) {
+        *index = found;
+    }
+    return found >= 0 ? ont_config_at(*slot_database(slot_byte(slot)), found) : nullptr;
+}
+
+void init_ont_config(std::uint8_t *record) {
+    std::memset(record, 0, ont_config::size);
+    write_defaults(record, ont_config::defaults);
+    store_text(record, ont_config::password, ont_config::default_password);
+}
+
+int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record) {
+    slot = slot_byte(slot);
+    if (check_firmware_select(slot, channel, id) != 0) {
+        return -1;
+    }
+    if (channel < 0 || channel >= channels_per_slot) {
+        log_add(log_error, "%s : wrong channel index : %d\n", __func__, channel);
+        return -1;
+    }
+    if (id < 0 || id >= ont_config::onts_per_channel) {
+        log_add(log_error, "%s : wrong ont id : %d\n", __func__, id);
+        return -1;
+    }
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return -1;
+    }
+    constexpr std::size_t record_at = 37;
+    Request<record_at + ont_config::size> request(command::set_ont_config, destination::configuration);
+    request.put(32, static_cast<std::uint8_t>(channel))
+        .put(33, static_cast<std::uint32_t>(id))
+        .put_bytes(record_at, record, ont_config::size)
+        .put_bytes(record_at, ont_config_at(*db, channel * ont_config::onts_per_channel + id),
+                   ont_config::board_word.size);
+    if (act(request, __func__, slot) != 0) {
+        return -1;
+    }
+    db->ont_configs_stamp.clear();
+    // The configuration holds it now; the card's services follow on their own if they miss this.
+    store_integer(request.bytes.data(), board_header::destination, destination::services);
+    act(request, __func__, slot);
+    return 0;
+}
+
+int delete_ont_config(int slot, const std::uint8_t *serial) {
+    const int index = get_ont_config_index_by_serial(slot, serial);
+    if (index == ont_not_found) {
+        log_add(log_error, "%s : tried to delete nonexistent config : %02X%02X%02X%02X\n", __func__,
+                serial[4], serial[5], serial[6], serial[7]);
+        return -1;
+    }
+    std::uint8_t *record = ont_config_at(*slot_database(slot_byte(slot)), index);
+    store_integer(record, ont_config::in_use, 0);
+    return set_ont_config_new(slot, index / ont_config::onts_per_channel,
+                              index % ont_config::onts_per_channel, record);
+}
+
+namespace tarn {
+
+int first_ont_not_below(const SlotDatabase &db, const std::uint8_t *serial) {
+    const auto &view = db.ont_configs_by_serial;
+    const auto found = std::lower_bound(view.begin(), view.end(), serial,
+                                        [&db](std::uint16_t index, const std::uint8_t *wanted) {
+                                            return compare_serials(serial_of(db, index), wanted) < 0;
+                                        });
+    return static_cast<int>(found - view.begin());
+}
+
+int first_ont_above(const SlotDatabase &db, const std::uint8_t *serial) {
+    const auto &view = db.ont_configs_by_serial;
+    const auto found = std::upper_bound(view.begin(), view.end(), serial,
+                                        [&db](const std::uint8_t *wanted, std::uint16_t index) {
+                                            return compare_serials(wanted, serial_of(db, index)) < 0;
+                                        });
+    return static_cast<int>(found - view.begin());
+}
+
+}  // namespace tarn
