@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdlib>
 
 namespace tarn {
@@ -26,6 +27,11 @@ bool is_regular_file(const std::string &path, bool links_too) {
     struct stat status {};
     const int result = links_too ? stat(path.c_str(), &status) : lstat(path.c_str(), &status);
     return result == 0 && S_ISREG(status.st_mode);
+}
+
+bool is_absent(const std::string &path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) != 0 && errno == ENOENT;
 }
 
 }  // namespace tarn

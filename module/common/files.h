@@ -13,6 +13,8 @@ std::string rooted(std::string_view path);
 
 // Whether the path is a regular file; with links_too also a link to one.
 bool is_regular_file(const std::string &path, bool links_too);
+// Whether there is nothing of this name, not even a link that leads nowhere.
+bool is_absent(const std::string &path);
 
 }  // namespace tarn
 

@@ -1,15 +1,38 @@
 #include "support/scripted_board.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 
 #include "module/common/common.h"
 #include "tarn/board_protocol.h"
 #include "tarn/host_services.h"
 
 ScriptedBoard board;
+
+namespace {
+
+// Logs and traps may come from another thread.
+std::mutex reports_mutex;
+std::condition_variable trap_sent;
+
+int copy_out(const std::string &text, char *buffer, int size) {
+    if (text.empty() || text.size() >= static_cast<std::size_t>(size)) {
+        return -1;
+    }
+    std::strcpy(buffer, text.c_str());
+    return 0;
+}
+
+}  // namespace
+
+void ScriptedBoard::wait_for_traps(std::size_t count) {
+    std::unique_lock lock(reports_mutex);
+    trap_sent.wait(lock, [&] { return traps.size() >= count; });
+}
 
 Bytes make_answer(const Bytes &payload, int status) {
     Bytes answer(32 + payload.size(), 0);
@@ -107,6 +130,7 @@ void log_add(int level, const char *format, ...) {
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
+    const std::lock_guard lock(reports_mutex);
     board.log.push_back(std::to_string(level) + " " + text);
 }
 
@@ -149,7 +173,11 @@ int check_firmware_select(int, int, int) {
 }
 
 void send_acs_firmware_download_trap(int status, const char *text) {
-    board.traps.emplace_back(status, text);
+    {
+        const std::lock_guard lock(reports_mutex);
+        board.traps.emplace_back(status, text);
+    }
+    trap_sent.notify_all();
 }
 
 int hub_remove_cpe_firmware_file(const char *file_name) {
@@ -158,6 +186,30 @@ int hub_remove_cpe_firmware_file(const char *file_name) {
 
 void *get_table_handlers(int) {
     return nullptr;
+}
+
+int fsa_calc_md5sum(const char *, char *buffer, int size) {
+    return copy_out(board.md5, buffer, size);
+}
+
+int fsa_get_tftpboot_directory(char *buffer, int size, int) {
+    return copy_out(board.tftp_root, buffer, size);
+}
+
+int fsa_get_ont_firmware_tftppath(int kind, char *buffer, int size) {
+    return kind == 3 ? copy_out(board.ont_firmware_path, buffer, size) : -1;
+}
+
+int fp_GetHeaderInfo(const char *path, int, int, uint32_t *packed_version, uint32_t *fourth_number,
+                     uint32_t *, char **description) {
+    const auto header = board.headers.find(path);
+    if (header == board.headers.end()) {
+        return -1;
+    }
+    *packed_version = header->second.packed_version;
+    *fourth_number = header->second.fourth_number;
+    *description = strdup(header->second.description.c_str());
+    return 0;
 }
 
 const char *gpon_enum_find_name_by_type(const char *, int) {

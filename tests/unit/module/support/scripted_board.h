@@ -26,6 +26,12 @@ struct SentRequest {
 // What the board does with a request: answers these bytes (an empty vector: transport failure -1).
 using Script = std::function<Bytes(const SentRequest &)>;
 
+struct ImageHeader {
+    std::uint32_t packed_version;
+    std::uint32_t fourth_number;
+    std::string description;
+};
+
 struct ScriptedBoard {
     std::vector<SentRequest> sent;
     std::map<int, Script> scripts;  // by command
@@ -40,6 +46,13 @@ struct ScriptedBoard {
     int firmware_select = 0;         // check_firmware_select's answer
     std::function<int(const char *)> remove_firmware;
     std::vector<std::pair<int, std::string>> traps;
+    // The firmware library: headers by path, no header unless said; an empty text makes the call fail.
+    std::map<std::string, ImageHeader> headers;
+    std::string md5 = "0123456789abcdef0123456789abcdef";
+    std::string tftp_root = "/tftpboot";
+    std::string ont_firmware_path = "ont";
+    // Waits until a download has reported its end.
+    void wait_for_traps(std::size_t count);
 
     // Answers a command always with the same payload, behind a header with status 0 and the true length.
     void answer(int command, const Bytes &payload);
