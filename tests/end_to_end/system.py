@@ -1,0 +1,34 @@
+"""A chassis and an agent on it, in a directory of their own."""
+
+import chassis
+import snmp
+from programs import MIBS, MODULE, Program, free_port
+
+
+class Agent(Program):
+    def __init__(self, directory, lines):
+        self.port = free_port()
+        (directory / "agent.conf").write_text("\n".join([
+            f"agentAddress udp:127.0.0.1:{self.port}",
+            "rocommunity public 127.0.0.1",
+            "rwcommunity private 127.0.0.1",
+            *lines, ""]))
+        super().__init__("tarn-agentd", ["--foreground", "--config", "agent.conf", "--module", MODULE,
+                                         "--mibs", MIBS, "--chassis", f"unix:{chassis.Chassis.SOCKET}"],
+                         directory)
+
+
+class System:
+    def __init__(self, directory, scenario=None, agent_lines=(), cache_period=600):
+        self.chassis = chassis.Chassis(directory, scenario or chassis.scenario())
+        self.agent = Agent(directory, [f"tarnCachePeriod {cache_period}", *agent_lines])
+        self.snmp = snmp.Client(self.agent.port)
+        self.agent.wait_ready(lambda: "tarn-agentd ready" in self.agent.log(), "the agent")
+        self.chassis.forget_requests()
+
+    def assert_clean_end(self):
+        try:
+            self.agent.assert_clean_end()
+            assert not self.agent.log_lines("outstanding"), self.agent.log()
+        finally:
+            self.chassis.assert_clean_end()

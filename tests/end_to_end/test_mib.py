@@ -1,0 +1,38 @@
+"""TARN-MIB for its readers: a checker, the tools' parser, and values shown by it."""
+
+import os
+import subprocess
+from pathlib import Path
+
+import snmp
+from programs import MIBS, SOURCE
+
+
+def test_smilint_finds_nothing(node_directory):
+    base = Path(node_directory) / "node_modules/net-snmp/lib/mibs"
+    # The ONT serial's index convention waits for the tables that it is for.
+    checked = subprocess.run(["smilint", "-m", "-s", "-l", "6", "-i", "type-unref", SOURCE / "mibs/TARN-MIB.txt"],
+                             env=dict(os.environ, SMIPATH=str(base)), capture_output=True, text=True, check=True)
+    # It exits with 0 whatever it finds.
+    assert checked.stdout + checked.stderr == ""
+
+
+def test_the_base_definitions_suffice(tables):
+    # Without the machine's own MIBs: the tools have only ours.
+    named = subprocess.run(["snmptranslate", "-M", MIBS, "-m", "ALL", "-On",
+                            "TARN-MIB::tarnPONChannelAddressMacAddress.3.8.65535"],
+                           env=snmp.ENVIRONMENT, capture_output=True, text=True, check=True)
+    assert (named.stdout, named.stderr) == (".1.3.6.1.4.1.32473.1.22.1.3.1.9.3.8.65535\n", "")
+    assert tables["tarnPONChannelAddressTable"].index == [
+        "tarnSlotIndex", "tarnChannelIndex", "tarnPONChannelAddressEntryNumber"]
+    for table in tables.values():
+        assert table.index and table.served(), table.name
+
+
+def test_values_are_shown_by_name(shared):
+    shown = subprocess.run(["snmpget", "-v2c", "-c", "public", "-M", MIBS, "-m", "TARN-MIB", shared.snmp.target,
+                            "TARN-MIB::tarnPONChannelActModeAuth.16.8",
+                            "TARN-MIB::tarnPONChannelStateChannel.16.8"],
+                           env=snmp.ENVIRONMENT, capture_output=True, text=True, check=True)
+    assert shown.stdout == ("TARN-MIB::tarnPONChannelActModeAuth.16.8 = INTEGER: true(1)\n"
+                            "TARN-MIB::tarnPONChannelStateChannel.16.8 = Gauge32: 7\n")

@@ -1,0 +1,43 @@
+"""scripts/run, as a newcomer runs it."""
+
+import re
+import signal
+import subprocess
+
+from programs import PATIENCE, SOURCE, free_port
+
+
+def test_demo():
+    demo = subprocess.run([SOURCE / "scripts/run", "--demo", "--port", str(free_port())],
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                          check=False)
+    assert demo.returncode == 0, demo.stdout + demo.stderr
+    ready = [line for line in demo.stdout.splitlines() if line.startswith("ready")]
+    assert len(ready) == 1
+    for command in ("snmpwalk", "snmptable", "snmpset"):
+        assert f"$ {command} " in demo.stdout
+    # Names and values: all of the walk's rows, the table's heading, the answer to the write.
+    assert len(re.findall(r"^TARN-MIB::tarnPONChannelActModeAuth\.\d+\.\d = INTEGER: true\(1\)$", demo.stdout,
+                          re.MULTILINE)) == 16 * 8
+    assert "tarnPONChannelStateReconfigure" in demo.stdout
+    assert demo.stdout.rstrip().endswith("TARN-MIB::tarnPONChannelActModeAuth.1.1 = INTEGER: false(2)")
+
+
+def test_runs_until_interrupted():
+    run = subprocess.Popen([SOURCE / "scripts/run", "--port", str(free_port())], stdin=subprocess.DEVNULL,
+                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, start_new_session=True)
+    try:
+        while not (line := run.stdout.readline()).startswith("ready"):
+            assert line, run.stderr.read()
+        run.send_signal(signal.SIGINT)
+        _, errors = run.communicate(timeout=PATIENCE)
+    finally:
+        run.kill()
+        run.wait()
+    assert run.returncode == 0, errors
+    assert "did not end cleanly" not in errors
+
+
+def test_an_unknown_option():
+    wrong = subprocess.run([SOURCE / "scripts/run", "--nonsense"], capture_output=True, text=True, check=False)
+    assert wrong.returncode == 1 and "--nonsense" in wrong.stderr

@@ -1,0 +1,118 @@
+"""What managers see when they walk: every row once, in order, however they ask."""
+
+import time
+from collections import Counter
+
+import commands
+from snmp import ROOT, node_walk, oid_key
+from chassis import ADDRESSES, scenario
+
+CARDS, CHANNELS = 16, 8
+
+
+def oids(rows):
+    return [oid for oid, _ in rows]
+
+
+def test_a_walk_gives_what_the_mib_states(shared, tables):
+    rows = shared.snmp.walk()
+    keys = [oid_key(oid) for oid in oids(rows)]
+    assert keys == sorted(set(keys))
+
+    seen = {(table.name, column.number): [] for table in tables.values() for column in table.served()}
+    columns = {(*oid_key(table.oid), 1, column.number): (table, column)
+               for table in tables.values() for column in table.columns}
+    for key, (oid, value) in zip(keys, rows):
+        table, column = columns[key[:13]]
+        assert value.type == column.type, oid
+        assert column.admits(value.value), (oid, value)
+        assert len(key) == 13 + len(table.index), oid
+        seen[table.name, column.number].append(key[13:])
+
+    for table in tables.values():
+        instances = [seen[table.name, column.number] for column in table.served()]
+        assert all(column == instances[0] for column in instances), table.name
+    channels = [(slot, channel) for slot in range(1, CARDS + 1) for channel in range(1, CHANNELS + 1)]
+    assert seen["tarnPONChannelStateTable", 1] == channels
+    assert seen["tarnPONChannelActModeTable", 3] == channels
+    addresses = seen["tarnPONChannelAddressTable", 4]
+    for slot in range(1, CARDS + 1):
+        entries = [index[2] for index in addresses if index[0] == slot]
+        assert sorted(entries) == list(range(1, ADDRESSES + 1))
+
+
+def test_every_way_of_asking_gives_the_same_rows(shared, node_directory):
+    rows = shared.snmp.walk()
+    assert shared.snmp.get_all(oids(rows)) == rows
+    for repetitions in (1, 10, 50):
+        assert shared.snmp.bulk_walk(repetitions) == rows, repetitions
+    assert node_walk(shared.agent.port, node_directory) == rows
+
+
+def test_one_getbulk_crosses_tables_and_repeats_columns(shared):
+    rows = dict(shared.snmp.walk())
+    ordered = list(rows)
+    state, mode = f"{ROOT}.1.1.1.21.16.6", f"{ROOT}.1.2.1.3.1.1"
+    answer = shared.snmp.get_bulk(5, state, mode)
+    expected = []
+    for repetition in range(1, 6):
+        for start in (state, mode):
+            oid = ordered[ordered.index(start) + repetition]
+            expected.append((oid, rows[oid]))
+    assert answer == expected
+
+
+def test_two_managers_at_once_see_the_same(shared):
+    rows = shared.snmp.walk()
+    walks = [shared.snmp.start_walk() for _ in range(2)]
+    for walk in walks:
+        assert shared.snmp.finish_walk(walk) == rows
+
+
+def test_a_restricted_view_shows_its_columns_only(start):
+    system = start(agent_lines=[
+        "view two included .1.3.6.1.4.1.32473.1.22.1.1.1.3",
+        "view two included .1.3.6.1.4.1.32473.1.22.1.1.1.9",
+        "com2sec viewer 127.0.0.1 viewer", "group viewers v2c viewer",
+        'access viewers "" any noauth exact two none none',
+    ])
+    everything = system.snmp.walk()
+    visible = [row for row in everything
+               if oid_key(row[0])[:13] in (oid_key(f"{ROOT}.1.1.1.3"), oid_key(f"{ROOT}.1.1.1.9"))]
+    assert len(visible) == 2 * CARDS * CHANNELS
+    assert system.snmp.walk(community="viewer") == visible
+    for repetitions in (1, 10, 50):
+        assert system.snmp.bulk_walk(repetitions, community="viewer") == visible
+    hidden = system.snmp.get(f"{ROOT}.1.1.1.4.1.1", community="viewer")
+    assert hidden[0][1].type == "exception"
+
+
+def test_a_walk_asks_a_card_once_a_section(start):
+    system = start()
+    began = time.monotonic()
+    rows = system.snmp.walk()
+    system.snmp.bulk_walk(10)
+    periods = 1 + int((time.monotonic() - began) // 20)
+    assert rows
+
+    counts = Counter((request.slot, request.command, request.channel)
+                     for request in system.chassis.requests()
+                     if request.command != commands.GET_ACTIVATION_AUTH_MODE)
+    for slot in range(CARDS):
+        for channel in range(CHANNELS):
+            assert 1 <= counts.pop((slot, commands.GET_CHANNEL_STATE, channel)) <= periods
+            assert 1 <= counts.pop((slot, commands.GET_CHANNEL_CONFIG, channel)) <= periods
+        for command in (commands.GET_CHANNELS_STATE_LITE, commands.GET_ADDRESS_TABLE):
+            assert 1 <= counts.pop((slot, command, commands.ALL_CHANNELS)) <= periods
+    assert not counts
+
+
+def test_full_address_tables(start, tables):
+    entries = 2000
+    system = start(scenario=scenario(onts_per_channel=128, addresses=entries))
+    table = tables["tarnPONChannelAddressTable"]
+    rows = system.snmp.bulk_walk(50, table.oid)
+    assert len(rows) == CARDS * entries * len(table.served())
+    keys = [oid_key(oid) for oid in oids(rows)]
+    assert all(a < b for a, b in zip(keys, keys[1:]))
+    assert {value.type for _, value in rows} == {column.type for column in table.served()}
