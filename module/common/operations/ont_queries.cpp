@@ -88,6 +88,34 @@ std::uint8_t *refresh_ont_section(int slot, const std::uint8_t *serial_bytes,
 
 }  // namespace
 
+namespace tarn {
+
+OntOrder onts_from(const SlotDatabase &db, const std::uint8_t *serial) {
+    const OntOrder order = db.ont_list_by_serial;
+    return {std::lower_bound(order.begin(), order.end(), serial,
+                             [&db](std::uint16_t position, const std::uint8_t *wanted) {
+                                 return compare_serials(db.ont_list[position].data(), wanted) < 0;
+                             }),
+            order.end()};
+}
+
+OntOrder onts_after(const SlotDatabase &db, const std::uint8_t *serial) {
+    const OntOrder order = db.ont_list_by_serial;
+    return {std::upper_bound(order.begin(), order.end(), serial,
+                             [&db](const std::uint8_t *wanted, std::uint16_t position) {
+                                 return compare_serials(wanted, db.ont_list[position].data()) < 0;
+                             }),
+            order.end()};
+}
+
+int find_ont_position(const SlotDatabase &db, const std::uint8_t *serial) {
+    const OntOrder rest = onts_from(db, serial);
+    const bool found = !rest.empty() && compare_serials(db.ont_list[rest.front()].data(), serial) == 0;
+    return found ? rest.front() : -1;
+}
+
+}  // namespace tarn
+
 std::uint8_t *get_ont_list(int slot) {
     return refresh_ont_list(slot, &SlotDatabase::ont_list_stamp, list_timeout_ms, __func__);
 }
@@ -112,17 +140,12 @@ int get_ont_state_id_by_serial(int slot, const std::uint8_t *serial_bytes) {
     if (get_ont_list(slot) == nullptr) {
         return ont_not_found;
     }
-    const auto &list = slot_database(slot)->ont_list;
-    for (int position = 0; position < max_onts; ++position) {
-        const std::uint8_t *record = list[static_cast<std::size_t>(position)].data();
-        if (compare_serials(record, serial.data()) == 0) {
-            return position;
-        }
-        if (is_zero_serial(record)) {
-            break;
-        }
-    }
-    return ont_not_found;
+    // The first free position ends the list.
+    const SlotDatabase &db = *slot_database(slot);
+    const int position = find_ont_position(db, serial.data());
+    const int first = db.ont_list_by_serial.front();
+    const bool has_end = is_zero_serial(db.ont_list[static_cast<std::size_t>(first)].data());
+    return position < 0 || (has_end && position > first) ? ont_not_found : position;
 }
 
 std::uint8_t *get_all_ont_state_list_by_serial(int slot, const std::uint8_t *serial_bytes) {
@@ -131,12 +154,9 @@ std::uint8_t *get_all_ont_state_list_by_serial(int slot, const std::uint8_t *ser
     if (get_all_ont_list(slot) == nullptr) {
         return nullptr;
     }
-    for (auto &record : slot_database(slot)->ont_list) {
-        if (compare_serials(record.data(), serial.data()) == 0) {
-            return record.data();
-        }
-    }
-    return nullptr;
+    SlotDatabase &db = *slot_database(slot);
+    const int position = find_ont_position(db, serial.data());
+    return position < 0 ? nullptr : db.ont_list[static_cast<std::size_t>(position)].data();
 }
 
 std::uint8_t *get_ont_state(int slot, const std::uint8_t *serial) {

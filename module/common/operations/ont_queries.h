@@ -7,7 +7,9 @@
 #define TARN_MODULE_COMMON_OPERATIONS_ONT_QUERIES_H
 
 #include <cstdint>
+#include <span>
 
+#include "module/common/slot_management_db.h"
 #include "module/exports.h"
 
 // Both refresh the same 1024 records of 106 bytes (see ont_list), each under its own stamp; they differ in
@@ -32,5 +34,19 @@ TARN_EXPORT std::uint8_t *get_ont_uni_ports_state(int slot, const std::uint8_t *
 // 22 bytes and 512 bytes, as the card sends them.
 TARN_EXPORT std::uint8_t *get_ont_downstream_ber(int slot, const std::uint8_t *serial);
 TARN_EXPORT std::uint8_t *get_ont_services_utilization(int slot, const std::uint8_t *serial);
+
+namespace tarn {
+
+// A part of the order by serial: positions in the ONT list, ascending by serial as unsigned bytes, equal
+// serials by position. Free positions (serial all zero) come first.
+using OntOrder = std::span<const std::uint16_t>;
+
+// From the first record whose serial is not less than, respectively greater than, the given one.
+OntOrder onts_from(const SlotDatabase &db, const std::uint8_t *serial);
+OntOrder onts_after(const SlotDatabase &db, const std::uint8_t *serial);
+// The first position of the list with the serial, or -1. The list is taken as it is.
+int find_ont_position(const SlotDatabase &db, const std::uint8_t *serial);
+
+}  // namespace tarn
 
 #endif

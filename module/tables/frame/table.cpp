@@ -30,11 +30,14 @@ int answer_get(const Table &table, Target &target, Binding *binding) {
     if (!target.has_row_data) {
         return table.no_row_data;
     }
-    if (target.column == nullptr) {
+    if (target.column == nullptr && !table.row_before_column) {
         return table.unknown_column;
     }
     if (!find_row(table, target)) {
         return table.missing_row;
+    }
+    if (target.column == nullptr) {
+        return table.unknown_column;
     }
     return read_column(*target.column, target.row, binding, table.missing_row);
 }
@@ -45,9 +48,6 @@ bool writable(const Column *column) {
 
 // The row that a SET works on. A column that creates rows does with a valid index.
 int locate_for_set(const Table &table, Target &target) {
-    if (!target.has_row_data && table.set_without_row_data != 0) {
-        return table.set_without_row_data;
-    }
     const bool found = find_row(table, target);
     const bool created = target.column->creates && target.index_valid;
     return found || created ? SNMP_ERR_NOERROR : table.missing_row;
@@ -98,6 +98,10 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
         return true;
     }
     if (table.ignores_set) {
+        return true;
+    }
+    if (!target.has_row_data && table.set_without_row_data != 0) {
+        error = table.set_without_row_data;
         return true;
     }
     switch (mode) {

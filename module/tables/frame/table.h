@@ -40,6 +40,8 @@ struct Table {
     // Of a SET without row data; 0: a valid index will do.
     int set_without_row_data = 0;
     int unknown_column = SNMP_NOSUCHOBJECT;
+    // Whether a GET of an unknown column in a missing row reports the row.
+    bool row_before_column = false;
     // Of a SET of a column that is not there or read-only.
     int refused_column = SNMP_ERR_NOTWRITABLE;
     // Whether the genErr of a failed action is the handler's result too.
@@ -59,6 +61,11 @@ struct Table {
     // The request failed: forget what was staged.
     void (*drop)() = nullptr;
 };
+
+// The walk of an iterator table with one row a slot.
+inline bool next_only_row(std::int64_t &cursor, Row & /*row*/) {
+    return cursor++ == 0;
+}
 
 // The callbacks' bodies.
 Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_context, void **data_context,

@@ -1,0 +1,11 @@
+#include "module/config/ont_reconfigure.h"
+
+#include "module/common/cached_query.h"
+
+using namespace tarn;
+
+int reconfigure_ont(int slot, const std::uint8_t *serial) {
+    Request<45> request(command::reconfigure_ont, destination::services);
+    request.put_bytes(32, serial, serial_size);
+    return act(request, __func__, slot_byte(slot));
+}

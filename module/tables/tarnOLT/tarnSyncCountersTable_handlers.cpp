@@ -1,0 +1,27 @@
+// Synchronisation counters of a line card. Cards do not report any: the table keeps its place in the MIB and
+// its counters read 0.
+#include "module/tables/frame/table.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr IndexPart row_index[] = {slot_part};
+
+constexpr Column columns[] = {
+    {1, unsigned32, slot_plus(1)},
+    {2, unsigned32, reads_zero},
+    {3, unsigned32, reads_zero},
+};
+
+constexpr Table table{
+    .name = "tarnSyncCountersTable",
+    .index = row_index,
+    .columns = columns,
+    .next = next_only_row,
+    .ignores_set = true,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnSyncCountersTable, table)

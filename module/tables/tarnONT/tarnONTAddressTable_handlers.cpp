@@ -1,0 +1,124 @@
+// The addresses learnt behind a card's ONTs, in the order of their ONTs' serials; an entry's number is its
+// position in that order.
+#include <algorithm>
+
+#include "module/common/operations/address_table.h"
+#include "module/tables/tarnONT/ont_rows.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(any_unsigned)};
+
+std::int64_t &entry_of(Row &row) {
+    return row.number[0];
+}
+
+constexpr Column columns[] = {
+    {1, unsigned32, slot_plus(1)},
+    {2, octet_string, field(ont_address::serial)},
+    {3, unsigned32, index_number(0, 1)},
+    {4, integer, field(ont_address::value_0)},
+    {5, integer, field(ont_address::value_4)},
+    {6, integer, field(ont_address::value_6)},
+    {7, octet_string, field(ont_address::mac)},
+    {8, integer, truth(ont_address::flag_14)},
+    {9, integer, truth(ont_address::flag_16)},
+    {10, unsigned32, field(ont_address::value_29)},
+    {11, integer, field(ont_address::value_31)},
+    {12, unsigned32, field(ont_address::value_33)},
+    {13, unsigned32, field(ont_address::value_35)},
+    {14, integer, field(ont_address::value_2)},
+};
+
+bool find_entry(Row &row) {
+    std::uint8_t *entries = get_global_ont_address_table(row.slot);
+    if (entries == nullptr) {
+        return false;
+    }
+    const std::uint8_t *entry =
+        address_by_serial(*slot_database(row.slot), static_cast<std::size_t>(entry_of(row)));
+    if (entry == nullptr || compare_serials(entry + ont_address::serial.offset, row.serial.data()) != 0) {
+        return false;
+    }
+    row.record = entries + (entry - entries);
+    return true;
+}
+
+// The first position whose entry lies behind (serial, entry number).
+std::size_t first_behind(const SlotDatabase &db, const Serial &serial, std::int64_t entry_number) {
+    std::size_t low = 0;
+    std::size_t high = address_entries(db);
+    while (low < high) {
+        const std::size_t middle = low + (high - low) / 2;
+        const int order =
+            compare_serials(address_by_serial(db, middle) + ont_address::serial.offset, serial.data());
+        if (order > 0 || (order == 0 && static_cast<std::int64_t>(middle) > entry_number)) {
+            high = middle;
+        } else {
+            low = middle + 1;
+        }
+    }
+    return low;
+}
+
+bool next_entry(Row &row) {
+    if (check_slot_link(row.slot) == 0 || get_global_ont_address_table(row.slot) == nullptr) {
+        return false;
+    }
+    const SlotDatabase &db = *slot_database(row.slot);
+    const std::size_t next = first_behind(db, row.serial, entry_of(row));
+    const std::uint8_t *entry = address_by_serial(db, next);
+    if (entry == nullptr) {
+        return false;
+    }
+    row.serial = serial_at(entry + ont_address::serial.offset);
+    entry_of(row) = static_cast<std::int64_t>(next);
+    return find_entry(row);
+}
+
+constexpr Table table{
+    .name = "tarnONTAddressTable",
+    .index = row_index,
+    .columns = columns,
+    .find = find_entry,
+    .successor = next_entry,
+    .index_builder = "append_index_tarnONTAddressTable",
+    .row_before_column = true,
+};
+
+}  // namespace
+
+MODULE_NEXTGEN_TABLE(tarnONTAddressTable, table)
+
+TARN_EXPORT void get_serial_from_oid_tarnONTAddressTable(const oid *name, std::size_t length,
+                                                         std::uint8_t *serial) {
+    serial_from_oid(name, length, 15, serial);
+}
+
+// The entry's position in the order by serial; -1 when the identifier names none.
+TARN_EXPORT int get_record_id_from_oid_tarnONTAddressTable(const oid *name, std::size_t length) {
+    return ordinal_from_oid(name, length, 23);
+}
+
+// The position of the entry that follows the one in the identifier; -1 at the end.
+TARN_EXPORT int get_first_available_config_index_2_tarnONTAddressTable(int slot, const oid *name,
+                                                                       std::size_t length) {
+    Row row;
+    row.slot = slot;
+    get_serial_from_oid_tarnONTAddressTable(name, length, row.serial.data());
+    entry_of(row) = get_record_id_from_oid_tarnONTAddressTable(name, length);
+    return next_entry(row) ? static_cast<int>(entry_of(row)) : -1;
+}
+
+// Builds the identifier of a row: entry number from 0.
+TARN_EXPORT void append_index_tarnONTAddressTable(table_entry *result, const oid *name,
+                                                  std::size_t /*length*/, const std::uint8_t *serial,
+                                                  int slot, int column, int entry_number) {
+    Row row;
+    row.slot = slot;
+    row.serial = serial_at(serial);
+    entry_of(row) = entry_number;
+    append_index(table, result, name, row, column, __FILE__, __LINE__);
+}

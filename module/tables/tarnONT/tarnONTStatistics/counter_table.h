@@ -1,0 +1,141 @@
+// The tables of ONT performance monitoring: one row a counter, indexed by ONT, a key (an Ethernet port, a GEM
+// port or a cross-connect) and the counter's position. They are one table, described nine times.
+#ifndef TARN_MODULE_TABLES_TARNONT_TARNONTSTATISTICS_COUNTER_TABLE_H
+#define TARN_MODULE_TABLES_TARNONT_TARNONTSTATISTICS_COUNTER_TABLE_H
+
+#include <span>
+
+#include "module/statistics/GStatisticsCommon.h"
+#include "module/tables/tarnONT/ont_rows.h"
+
+namespace tarn {
+
+// A run of counter positions: `count` counters of a counter module, from its counter `first` on.
+struct CounterBlock {
+    int module;
+    int first;
+    int count;
+};
+
+// A table's cache in a slot database, whatever its dimensions.
+struct CounterCache {
+    std::array<std::uint8_t, serial_size> *serial;
+    Stamp *stamp;
+    std::span<std::uint32_t> values;
+};
+
+struct CounterTable {
+    int keys;
+    int positions;
+    // Up or down, or no direction, whose requests have none and whose counters are those of the uplink.
+    GTrafficDirection_enum direction;
+    std::span<const CounterBlock> blocks;  // together `positions` counters
+    CounterCache (*cache)(SlotDatabase &db);
+};
+
+// Describes a table whose cache is a section of the slot database, with the section's dimensions.
+template <auto Section, std::size_t Blocks>
+constexpr CounterTable counter_table(GTrafficDirection_enum direction, const CounterBlock (&blocks)[Blocks]) {
+    using Cached = std::remove_reference_t<decltype(std::declval<SlotDatabase &>().*Section)>;
+    return {Cached::keys, Cached::positions, direction, blocks, [](SlotDatabase &db) -> CounterCache {
+                auto &section = db.*Section;
+                return {&section.serial, &section.stamp, section.values};
+            }};
+}
+
+// The values of a key's counters, fetched with those of all other keys unless the cache holds this ONT's.
+// Null without a database or for a key outside the table's. The record is the ONT's in the list.
+std::uint32_t *get_counters(const CounterTable &counters, int slot, const std::uint8_t *ont_entry,
+                            int channel, int ont_id, int key);
+// The name of a counter, empty where the catalogue has none.
+const char *counter_name(const CounterTable &counters, int position);
+
+// ---- Rows: number[0] is the key, number[1] the position ----
+
+bool next_counter(Row &row, const CounterTable &counters);
+int answer_counter_name(const Row &row, Binding *binding, const CounterTable &counters);
+int answer_counter_value(const Row &row, Binding *binding, const CounterTable &counters);
+
+// Positions in the list: of the identifier's ONT, respectively of the first one with a greater serial; -1
+// when there is none. `ont_list` is the slot's list.
+int exact_ont(const oid *name, std::size_t length, const std::uint8_t *ont_list);
+int first_greater_ont(const oid *name, std::size_t length, const std::uint8_t *ont_list);
+
+// The identifiers are one sub-identifier longer than other tables'.
+inline constexpr std::size_t counter_table_prefix = 12;
+inline constexpr std::size_t counter_column_position = counter_table_prefix + 1;
+inline constexpr std::size_t counter_serial_position = counter_table_prefix + 4;
+inline constexpr std::size_t counter_key_position = counter_serial_position + serial_size;
+inline constexpr std::size_t counter_position_position = counter_key_position + 1;
+
+template <const CounterTable &Counters>
+struct CounterTableParts {
+    static constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(Counters.keys),
+                                              ordinal_part(Counters.positions)};
+    static int name(Row &row, Binding *binding) { return answer_counter_name(row, binding, Counters); }
+    static int value(Row &row, Binding *binding) { return answer_counter_value(row, binding, Counters); }
+    static bool next(Row &row) { return next_counter(row, Counters); }
+    static constexpr Column columns[] = {
+        {1, unsigned32, slot_plus(1)},        {2, octet_string, row_serial},
+        {3, unsigned32, index_number(0, 1)},  {4, unsigned32, index_number(1, 1)},
+        {5, octet_string, answered_by(name)}, {6, unsigned32, answered_by(value)},
+    };
+    static constexpr Table table(const char *name, const char *index_builder) {
+        return {
+            .name = name,
+            .index = row_index,
+            .columns = columns,
+            .find = find_ont,
+            .successor = next,
+            .index_builder = index_builder,
+            .prefix = counter_table_prefix,
+            .unknown_column = SNMP_NOSUCHINSTANCE,
+        };
+    }
+};
+
+}  // namespace tarn
+
+// The exported function that returns a key's values.
+#define MODULE_COUNTERS_FUNCTION(function, counters)                                                      \
+    TARN_EXPORT std::uint32_t *function(int slot, const std::uint8_t *ont_entry, int channel, int ont_id, \
+                                        int key) {                                                        \
+        return tarn::get_counters(counters, slot, ont_entry, channel, ont_id, key);                       \
+    }
+
+// The callbacks and readers of the table T; `key_reader` is the name of the reader of its key.
+#define MODULE_COUNTER_TABLE(T, counters, key_reader)                                                     \
+    static constexpr tarn::Table T##_table =                                                              \
+        tarn::CounterTableParts<counters>::table(#T, "append_index_" #T);                                 \
+    MODULE_NEXTGEN_TABLE(T, T##_table)                                                                    \
+    TARN_EXPORT int get_colnum_from_oid_##T(const oid *name, std::size_t length) {                        \
+        return get_int_from_oid(name, length, tarn::counter_column_position);                             \
+    }                                                                                                     \
+    TARN_EXPORT void get_serial_from_oid_##T(const oid *name, std::size_t length, std::uint8_t *serial) { \
+        tarn::serial_from_oid(name, length, tarn::counter_serial_position, serial);                       \
+    }                                                                                                     \
+    TARN_EXPORT int key_reader##_##T(const oid *name, std::size_t length) {                               \
+        return tarn::ordinal_from_oid(name, length, tarn::counter_key_position);                          \
+    }                                                                                                     \
+    TARN_EXPORT int get_counter_id_from_oid_##T(const oid *name, std::size_t length) {                    \
+        return tarn::ordinal_from_oid(name, length, tarn::counter_position_position);                     \
+    }                                                                                                     \
+    TARN_EXPORT int get_exact_state_index_2_##T(const oid *name, std::size_t length,                      \
+                                                const std::uint8_t *ont_list) {                           \
+        return tarn::exact_ont(name, length, ont_list);                                                   \
+    }                                                                                                     \
+    TARN_EXPORT int get_first_available_state_index_##T(const oid *name, std::size_t length,              \
+                                                        const std::uint8_t *ont_list) {                   \
+        return tarn::first_greater_ont(name, length, ont_list);                                           \
+    }                                                                                                     \
+    TARN_EXPORT void append_index_##T(table_entry *result, const oid *name, std::size_t,                  \
+                                      const std::uint8_t *serial, int slot, int column, int key,          \
+                                      int position) {                                                     \
+        tarn::Row row;                                                                                    \
+        row.slot = slot;                                                                                  \
+        row.serial = tarn::serial_at(serial);                                                             \
+        row.number = {key, position};                                                                     \
+        tarn::append_index(T##_table, result, name, row, column, __FILE__, __LINE__);                     \
+    }
+
+#endif

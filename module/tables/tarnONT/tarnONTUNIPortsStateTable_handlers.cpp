@@ -1,0 +1,149 @@
+// State of the four UNI ports of every working ONT.
+#include "module/common/operations/ont_queries.h"
+#include "module/tables/tarnONT/ont_rows.h"
+
+using namespace tarn;
+
+// Non-zero for a record of the ONT list that holds a working ONT.
+TARN_EXPORT int is_ont_state_valid_unsafe(const std::uint8_t *list_record) {
+    return !is_zero_serial(list_record) &&
+                   load_integer(list_record, ont_list::state_code) == ont_list::state_working
+               ? 1
+               : 0;
+}
+
+namespace {
+
+constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(ont_uni_ports::ports)};
+
+std::int64_t &port_of(Row &row) {
+    return row.number[0];
+}
+
+// The ports' record, moved so that the fields of port 0 are those of the row's port.
+std::uint8_t *port_block(Row &row) {
+    std::uint8_t *record = get_ont_uni_ports_state(row.slot, row.serial.data());
+    return record != nullptr ? record + port_of(row) * ont_uni_ports::block_size : nullptr;
+}
+
+int is_present(Row &row, Binding *binding) {
+    const std::uint8_t *record = get_ont_uni_ports_state(row.slot, row.serial.data());
+    if (record == nullptr) {
+        return SNMP_NOSUCHINSTANCE;
+    }
+    const bool present = load_integer(record, ont_uni_ports::port_count) > port_of(row);
+    snmp_set_var_typed_integer(binding, ASN_INTEGER, present ? 1 : 2);
+    return SNMP_ERR_NOERROR;
+}
+
+constexpr Column columns[] = {
+    {1, unsigned32, slot_plus(1)},
+    {2, octet_string, row_serial},
+    {3, unsigned32, index_number(0, 1)},
+    {4, integer, answered_by(is_present)},
+    {5, integer, field_of(port_block, ont_uni_ports::value_0, nonzero_conversion)},
+    {6, integer, field_of(port_block, ont_uni_ports::value_2)},
+    {7, integer, field_of(port_block, ont_uni_ports::value_4)},
+    {8, integer, truth_of(port_block, ont_uni_ports::flag_6)},
+    {9, unsigned32, field_of(port_block, ont_uni_ports::value_8)},
+    {10, unsigned32, field_of(port_block, ont_uni_ports::value_9)},
+    {11, unsigned32, field_of(port_block, ont_uni_ports::value_10)},
+    {12, unsigned32, field_of(port_block, ont_uni_ports::value_11)},
+    {13, unsigned32, field_of(port_block, ont_uni_ports::value_12)},
+};
+
+bool find_port(Row &row) {
+    return find_ont(row) && is_ont_state_valid_unsafe(row.record) != 0;
+}
+
+// The first working ONT of a part of the order by serial, as its position in that part; its size: none.
+std::size_t first_working(const SlotDatabase &db, OntOrder order) {
+    std::size_t i = 0;
+    while (i < order.size() && is_ont_state_valid_unsafe(db.ont_list[order[i]].data()) == 0) {
+        ++i;
+    }
+    return i;
+}
+
+bool is_working(const SlotDatabase &db, const std::uint8_t *serial) {
+    const int position = find_ont_position(db, serial);
+    return position >= 0 &&
+           is_ont_state_valid_unsafe(db.ont_list[static_cast<std::size_t>(position)].data()) != 0;
+}
+
+bool next_port(Row &row) {
+    SlotDatabase *db = walked_onts(row.slot);
+    if (db == nullptr) {
+        return false;
+    }
+    if (port_of(row) + 1 < ont_uni_ports::ports && is_working(*db, row.serial.data())) {
+        ++port_of(row);
+        return find_port(row);
+    }
+    const OntOrder rest = onts_after(*db, row.serial.data());
+    const std::size_t next = first_working(*db, rest);
+    if (next == rest.size()) {
+        return false;
+    }
+    row.record = db->ont_list[rest[next]].data();
+    row.serial = serial_at(row.record);
+    port_of(row) = 0;
+    return true;
+}
+
+constexpr Table table{
+    .name = "tarnONTUNIPortsStateTable",
+    .index = row_index,
+    .columns = columns,
+    .find = find_port,
+    .successor = next_port,
+    .index_builder = "append_index_oupt",
+    .row_before_column = true,
+    .ignores_set = true,
+};
+
+}  // namespace
+
+MODULE_NEXTGEN_TABLE(tarnONTUNIPortsStateTable, table)
+
+TARN_EXPORT void get_serial_from_oid_oupt(const oid *name, std::size_t length, std::uint8_t *serial) {
+    serial_from_oid(name, length, 15, serial);
+}
+
+// The port 0-3; -1 when the identifier names none.
+TARN_EXPORT int get_port_id_from_oid_oupt(const oid *name, std::size_t length) {
+    return ordinal_from_oid(name, length, 23);
+}
+
+// Positions, in the order by serial, of the working ONT that the identifier names, respectively of the first
+// one behind its serial; -1 when there is none.
+TARN_EXPORT int get_exact_state_index_2_oupt(int slot, const oid *name, std::size_t length) {
+    const SlotDatabase *db = walked_onts(slot);
+    Serial serial;
+    get_serial_from_oid_oupt(name, length, serial.data());
+    return db != nullptr && is_working(*db, serial.data())
+               ? max_onts - static_cast<int>(onts_from(*db, serial.data()).size())
+               : -1;
+}
+
+TARN_EXPORT int get_first_available_state_index_oupt(int slot, const oid *name, std::size_t length) {
+    const SlotDatabase *db = walked_onts(slot);
+    if (db == nullptr) {
+        return -1;
+    }
+    Serial serial;
+    get_serial_from_oid_oupt(name, length, serial.data());
+    const OntOrder rest = onts_after(*db, serial.data());
+    const std::size_t next = first_working(*db, rest);
+    return next < rest.size() ? max_onts - static_cast<int>(rest.size() - next) : -1;
+}
+
+// Builds the identifier of a row: port 0-3.
+TARN_EXPORT void append_index_oupt(table_entry *result, const oid *name, std::size_t /*length*/,
+                                   const std::uint8_t *serial, int slot, int column, int port) {
+    Row row;
+    row.slot = slot;
+    row.serial = serial_at(serial);
+    port_of(row) = port;
+    append_index(table, result, name, row, column, __FILE__, __LINE__);
+}
