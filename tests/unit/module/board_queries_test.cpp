@@ -6,7 +6,7 @@
 #include "module/common/operations/ont_queries.h"
 #include "module/common/slot_management_db.h"
 #include "module/config/olt_channel_config.h"
-#include "support/scripted_board.h"
+#include "support/onts.h"
 #include "tarn/bytes.h"
 
 namespace {
@@ -21,22 +21,6 @@ Bytes channel_records(std::uint8_t added = 0) {
         }
     }
     return payload;
-}
-
-// An ONT list of these serials, with state code 7 at bytes 68-69.
-Bytes list_of(const std::vector<std::string> &serials) {
-    Bytes payload(5 + 106 * serials.size(), 0);
-    payload[0] = 255;
-    tarn::store_le32(&payload[1], static_cast<std::uint32_t>(serials.size()));
-    for (std::size_t i = 0; i < serials.size(); ++i) {
-        std::copy(serials[i].begin(), serials[i].end(), payload.begin() + static_cast<long>(5 + 106 * i));
-        payload[5 + 106 * i + 68] = 7;
-    }
-    return payload;
-}
-
-const std::uint8_t *serial(const char *text) {
-    return reinterpret_cast<const std::uint8_t *>(text);
 }
 
 class BoardQueriesTest : public ModuleTest {
