@@ -90,7 +90,7 @@ struct SlotDatabase {
     Stamp igmp_stamp;
 
     // Firmware update scheduler
-    Growable<159> update_tasks;
+    Growable<update_task::size> update_tasks;
     std::uint32_t update_task_count;
     Stamp update_tasks_stamp;
 
