@@ -14,6 +14,7 @@ namespace {
 
 Settings *target = nullptr;
 int problems = 0;
+netsnmp_log_handler *problem_counter = nullptr;
 
 std::optional<int> parse_number(std::string_view text, int lowest, int highest) {
     int value = 0;
@@ -197,14 +198,18 @@ void register_directives(const char *application, Settings &settings) {
     for (const Directive &directive : directives) {
         (void)register_config_handler(application, directive.name, directive.parse, nullptr, directive.help);
     }
-    netsnmp_log_handler *handler = netsnmp_register_loghandler(NETSNMP_LOGHANDLER_CALLBACK, LOG_DEBUG);
-    if (handler != nullptr) {
-        handler->enabled = 1;
+    problem_counter = netsnmp_register_loghandler(NETSNMP_LOGHANDLER_CALLBACK, LOG_DEBUG);
+    if (problem_counter != nullptr) {
+        problem_counter->enabled = 1;
     }
     (void)snmp_register_callback(SNMP_CALLBACK_LIBRARY, SNMP_CALLBACK_LOGGING, count_problem, nullptr);
 }
 
 int configuration_problems() {
+    if (problem_counter != nullptr) {
+        (void)netsnmp_remove_loghandler(problem_counter);
+        problem_counter = nullptr;
+    }
     (void)snmp_unregister_callback(SNMP_CALLBACK_LIBRARY, SNMP_CALLBACK_LOGGING, count_problem, nullptr, 0);
     return problems;
 }
