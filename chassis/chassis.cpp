@@ -5,6 +5,8 @@
 namespace tarn::chassis {
 namespace {
 
+constexpr CardPlan no_onts{.onts_per_channel = {}, .addresses = 0, .pppoe_sessions = 0};
+
 std::string describe(const RequestEntry &entry) {
     return "slot " + std::to_string(entry.slot) + ": command " + std::to_string(entry.command) + " (" +
            entry.name + "), length " + std::to_string(entry.length);
@@ -52,6 +54,11 @@ Chassis::Chassis(Scenario scenario, Log &log, std::function<std::uint64_t()> ela
             insert(slot);
         }
     }
+    for (int slot = chassis_slot::line_cards; slot <= chassis_slot::chassis_network; ++slot) {
+        Place &place = places_[static_cast<std::size_t>(slot)];
+        place.card = std::make_unique<Card>(make_card(scenario_, slot, no_onts));
+        place.present = true;
+    }
     for (const Fault &fault : scenario_.faults) {
         faults_.add(fault);
     }
@@ -62,19 +69,16 @@ Moment Chassis::now() const {
 }
 
 bool Chassis::is_up(int slot) const {
-    if (slot < 0 || slot > chassis_slot::chassis_network) {
-        return false;
-    }
-    return slot >= chassis_slot::line_cards || places_[static_cast<std::size_t>(slot)].present;
+    return slot >= 0 && slot <= chassis_slot::chassis_network &&
+           places_[static_cast<std::size_t>(slot)].present;
 }
 
 Card *Chassis::card(int slot) {
-    return slot < chassis_slot::line_cards && is_up(slot) ? places_[static_cast<std::size_t>(slot)].card.get()
-                                                          : nullptr;
+    return is_up(slot) ? places_[static_cast<std::size_t>(slot)].card.get() : nullptr;
 }
 
 bool Chassis::pull(int slot) {
-    if (card(slot) == nullptr) {
+    if (slot >= chassis_slot::line_cards || card(slot) == nullptr) {
         return false;
     }
     places_[static_cast<std::size_t>(slot)].present = false;

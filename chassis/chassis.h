@@ -31,7 +31,7 @@ class Chassis {
 
     // Whether requests to the slot have somebody to answer them: a card, or one of the chassis' own services.
     [[nodiscard]] bool is_up(int slot) const;
-    // The card in the slot; null when there is none.
+    // What answers for the slot; null when nothing does.
     Card *card(int slot);
     // Takes the card out, and puts it back as it was; a slot that never held a card gets a new one.
     // False when there is nothing to take out, or the slot is taken.
@@ -60,7 +60,7 @@ class Chassis {
         std::unique_ptr<Card> card;
         bool present = false;
     };
-    std::array<Place, chassis_slot::line_cards> places_;
+    std::array<Place, chassis_slot::chassis_network + 1> places_;
     Faults faults_;
     RequestLog requests_;
 };

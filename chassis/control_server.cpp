@@ -2,9 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <istream>
-#include <system_error>
-
 namespace tarn::chassis {
 namespace {
 
@@ -56,24 +53,27 @@ class ControlSession : public std::enable_shared_from_this<ControlSession> {
     const std::function<void()> &stop_;
 };
 
+// New files are for their owner alone for as long as it lives.
+class PrivateFiles {
+  public:
+    PrivateFiles() : previous_(umask(S_IRWXG | S_IRWXO | S_IXUSR)) {}
+    PrivateFiles(const PrivateFiles &) = delete;
+    PrivateFiles &operator=(const PrivateFiles &) = delete;
+    ~PrivateFiles() { umask(previous_); }
+
+  private:
+    mode_t previous_;
+};
+
 }  // namespace
 
 ControlServer::ControlServer(asio::io_context &context, Chassis &chassis, const std::string &path,
                              std::function<void()> stop)
     : control_(chassis), stop_(std::move(stop)) {
-    make_way(path);
-    const mode_t mask = umask(0177);
-    try {
-        listener_.emplace(
-            context, asio::local::stream_protocol::endpoint(path), chassis.log(), [this](Socket socket) {
-                std::make_shared<ControlSession>(std::move(socket), control_, stop_)->read_line();
-            });
-    } catch (...) {
-        umask(mask);
-        throw;
-    }
-    umask(mask);
-    file_.emplace(path);
+    const PrivateFiles only_ours;
+    listener_.emplace(context, path, chassis.log(), [this](Socket socket) {
+        std::make_shared<ControlSession>(std::move(socket), control_, stop_)->read_line();
+    });
 }
 
 }  // namespace tarn::chassis

@@ -4,7 +4,6 @@
 
 #include "chassis/control.h"
 #include "chassis/listener.h"
-#include "chassis/socket_file.h"
 
 namespace tarn::chassis {
 
@@ -20,8 +19,7 @@ class ControlServer {
   private:
     Control control_;
     std::function<void()> stop_;
-    std::optional<SocketFile> file_;
-    std::optional<Listener<asio::local::stream_protocol>> listener_;
+    std::optional<FileListener> listener_;
 };
 
 }  // namespace tarn::chassis

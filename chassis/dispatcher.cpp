@@ -32,6 +32,9 @@ Refusal carry_out(Exchange &exchange) {
     if (rule == nullptr) {
         return {board_status::wrong_destination, "wrong destination " + std::to_string(destination)};
     }
+    if (const int slot = exchange.card.slot; slot < rule->slots.first || slot > rule->slots.last) {
+        return {board_status::unknown_command, "not a command for this slot"};
+    }
     if (exchange.request.size() != rule->length) {
         return {board_status::malformed, "length " + std::to_string(exchange.request.size()) + ", expected " +
                                              std::to_string(rule->length)};

@@ -30,6 +30,13 @@ struct Refusal {
     std::string reason;
 };
 
+// The slots that a kind of request is for, the last one included.
+struct SlotRange {
+    int first;
+    int last;
+};
+inline constexpr SlotRange line_cards{0, chassis_slot::line_cards - 1};
+
 // A kind of request: its file in requests/ has the handler, which returns a Refusal or appends the answer.
 struct RequestRule {
     std::uint16_t command;
@@ -38,6 +45,7 @@ struct RequestRule {
     std::string_view name;
     Refusal (*handle)(Exchange &exchange);
     std::optional<Field> answer_count = {};  // where the answer has its record count, from the answer's start
+    SlotRange slots = line_cards;
 };
 
 // The rules of each topic.

@@ -5,8 +5,11 @@
 #include <asio.hpp>
 #include <chrono>
 #include <functional>
+#include <optional>
+#include <string>
 
 #include "chassis/log.h"
+#include "chassis/socket_file.h"
 
 namespace tarn::chassis {
 
@@ -50,6 +53,18 @@ class Listener {
     asio::steady_timer pause_;
     Log &log_;
     std::function<void(Socket)> accepted_;
+};
+
+// The same on a Unix socket, whose file goes with it.
+class FileListener {
+  public:
+    // Throws std::runtime_error when it can't listen.
+    FileListener(asio::io_context &context, const std::string &path, Log &log,
+                 std::function<void(Socket)> accepted);
+
+  private:
+    std::optional<SocketFile> file_;
+    std::optional<Listener<asio::local::stream_protocol>> listener_;
 };
 
 }  // namespace tarn::chassis

@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
+#include <csignal>
 #include <fstream>
 #include <iostream>
 
@@ -9,38 +10,46 @@
 namespace {
 
 constexpr const char *description =
-    "tarn-chassisd - a simulated chassis of GPON line cards\n\n"
-    "Listens on a stream socket and answers board requests for up to sixteen line cards, each with eight PON "
-    "channels and up to 1024 ONTs. Requests that set something change what the next ones read, counters move "
-    "with time, and faults can be switched on and off while it runs.";
+    R"(tarn-chassisd - a simulated chassis of GPON line cards
+
+Listens on a stream socket and answers board requests for up to sixteen line cards,
+each with eight PON channels and up to 1024 ONTs. Requests that set something change
+what the next ones read, counters move with time, and faults can be switched on and
+off while it runs. Once it listens it prints one line: "ready" and where.
+)";
 
 constexpr const char *footer =
-    "SCENARIO\n"
-    "  A YAML file. Every key may be left out; unknown keys are errors.\n"
-    "    seed: 1                 the same seed gives the same chassis\n"
-    "    time_factor: 1.0        chassis seconds a second; 0 stops counters\n"
-    "    reregister_seconds: 5   chassis time until an ONT that went down is back\n"
-    "    start_time: 1767225600  the cards' clocks at start, seconds since 1970\n"
-    "    cards:                  without it: a card in every slot\n"
-    "      - slots: [0, 1, 2]    slots 0 to 15\n"
-    "        onts: 64            over all channels, at most 1024; or\n"
-    "        onts_per_channel: 8 at most 128, or a list of eight\n"
-    "        addresses: 128\n"
-    "        pppoe_sessions: 8\n"
-    "    faults:                 at start, as on the control socket\n"
-    "      - {kind: slow, milliseconds: 500, slot: 3, command: 70, times: 1}\n\n"
-    "CONTROL SOCKET\n"
-    "  One JSON object a line in, one JSON object a line out: faults, the request log, state, cards. See "
-    "docs/protocol.md.\n\n"
-    "SIGNALS\n"
-    "  SIGINT and SIGTERM stop the chassis; its socket files are removed.\n\n"
-    "EXIT STATUS\n"
-    "  0 stopped by a signal or over the control socket; 1 the scenario is wrong or a socket can't be had; "
-    "other values: wrong options.\n\n"
-    "EXAMPLES\n"
-    "  tarn-chassisd --socket /run/tarn/chassis --control /run/tarn/chassis-control\n"
-    "  tarn-chassisd --tcp 127.0.0.1:4700 --scenario small.yaml --log-requests\n"
-    "  echo '{\"do\":\"card-pull\",\"slot\":3}' | nc -NU /run/tarn/chassis-control";
+    R"(SCENARIO
+  A YAML file. Every key may be left out; unknown keys are errors.
+    seed: 1                 the same seed gives the same chassis
+    time_factor: 1.0        chassis seconds a second; 0 stops counters
+    reregister_seconds: 5   chassis time until an ONT that went down is back
+    start_time: 1767225600  the cards' clocks at start, seconds since 1970
+    cards:                  without it: a card in every slot
+      - slots: [0, 1, 2]    slots 0 to 15; all that a card needs
+        onts: 64            over all channels, at most 1024; or
+        onts_per_channel: 8 at most 128, or a list of eight
+        addresses: 128
+        pppoe_sessions: 8
+    faults:                 at start, as on the control socket
+      - {kind: slow, milliseconds: 500, slot: 3, command: 70, times: 1}
+
+CONTROL SOCKET
+  One JSON object a line in, one JSON object a line out: faults, the request log,
+  state, cards. See docs/protocol.md.
+
+SIGNALS
+  SIGINT and SIGTERM stop the chassis; its socket files are removed.
+
+EXIT STATUS
+  0    stopped by a signal or over the control socket
+  1    the scenario is wrong, or a socket can't be had
+  100  and above: wrong options
+
+EXAMPLES
+  tarn-chassisd --socket /run/tarn/chassis --control /run/tarn/chassis-control
+  tarn-chassisd --tcp 127.0.0.1:4700 --scenario small.yaml --log-requests
+  echo '{"do":"card-pull","slot":3}' | nc -NU /run/tarn/chassis-control)";
 
 struct Options {
     std::string socket;
@@ -100,11 +109,11 @@ int main(int argc, char **argv) try {
     app.footer(footer);
     app.set_version_flag("--version", std::string("tarn-chassisd ") + TARN_VERSION);
     Options options;
-    auto *where = app.add_option_group("where to listen");
-    where->add_option("--socket", options.socket, "Unix socket for the agent")->type_name("PATH");
-    where->add_option("--tcp", options.tcp, "TCP on loopback for the agent; port 0 takes any")
-        ->type_name("HOST:PORT");
-    where->require_option(1);
+    auto *socket = app.add_option("--socket", options.socket, "Unix socket to listen on for the agent")
+                       ->type_name("PATH");
+    app.add_option("--tcp", options.tcp, "the same on TCP, a loopback address only; port 0 takes any")
+        ->type_name("HOST:PORT")
+        ->excludes(socket);
     app.add_option("--control", options.control, "Unix control socket")->type_name("PATH");
     app.add_option("--scenario", options.scenario, "what the chassis starts with")->type_name("FILE");
     app.add_option("--log", options.log, "append the log to a file instead of standard error")
@@ -112,6 +121,10 @@ int main(int argc, char **argv) try {
     app.add_flag("--log-requests", options.log_requests,
                  "log every request; refusals and faults are always logged");
     CLI11_PARSE(app, argc, argv);
+    if (options.socket.empty() && options.tcp.empty()) {
+        return app.exit(CLI::RequiredError("--socket or --tcp"));
+    }
+    std::signal(SIGPIPE, SIG_IGN);
     return run(options);
 } catch (const std::exception &error) {
     std::cerr << "tarn-chassisd: " << error.what() << '\n';

@@ -123,10 +123,8 @@ void Server::accepted(Socket socket) {
 }
 
 void Server::listen_unix(const std::string &path) {
-    make_way(path);
-    unix_listener_.emplace(context_, asio::local::stream_protocol::endpoint(path), chassis_.log(),
+    unix_listener_.emplace(context_, path, chassis_.log(),
                            [this](Socket socket) { accepted(std::move(socket)); });
-    file_.emplace(path);
 }
 
 std::uint16_t Server::listen_tcp(const std::string &host_and_port) {

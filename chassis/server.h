@@ -9,7 +9,6 @@
 
 #include "chassis/chassis.h"
 #include "chassis/listener.h"
-#include "chassis/socket_file.h"
 
 namespace tarn::chassis {
 
@@ -32,8 +31,7 @@ class Server {
 
     asio::io_context &context_;
     Chassis &chassis_;
-    std::optional<SocketFile> file_;
-    std::optional<Listener<asio::local::stream_protocol>> unix_listener_;
+    std::optional<FileListener> unix_listener_;
     std::optional<Listener<asio::ip::tcp>> tcp_listener_;
     std::vector<std::weak_ptr<Session>> sessions_;
 };

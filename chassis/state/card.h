@@ -1,4 +1,5 @@
-// A line card: its state, one record a topic.
+// A line card, or one of the chassis' own services, which are addressed like cards and have no ONTs: its
+// state, one record a topic.
 #ifndef TARN_CHASSIS_STATE_CARD_H
 #define TARN_CHASSIS_STATE_CARD_H
 

@@ -50,7 +50,7 @@ TEST(Refusals, StatusAndLogLine) {
         {0, 275, 8, "00" + ont + zeros(4) + "0100", 2, "value 1, expected 0 or 255"},
         {0, 275, 8, "08" + ont + zeros(4) + "0000", 2, "channel 8 out of range"},
         {0, 275, 8, "01" + ont + zeros(4) + "ff00", 6, "no such ONT"},
-        {16, 69, 8, "", 3, "not a command of the chassis' own services"},
+        {16, 69, 8, "", 3, "not a command for this slot"},
         {9, 69, 8, "", 7, "no card"},
     };
     for (const Case &c : cases) {
