@@ -26,7 +26,7 @@ void fetch_block(const CounterBlock &block, GTrafficDirection_enum direction, in
                                                                   direction, channel, key, ont_id);
     const int values = error == 0 ? result[0] : 0;
     for (int i = 0; i < block.count && block.first + i < values; ++i) {
-        to[i] = load_le32(result.data() + 1 + 4 * (block.first + i));
+        to[i] = load_le32(&result[1 + 4 * static_cast<std::size_t>(block.first + i)]);
     }
 }
 
@@ -39,10 +39,14 @@ void fetch_key(const CounterTable &counters, int slot, int channel, int ont_id, 
     }
 }
 
+const std::uint8_t *list_record(const std::uint8_t *ont_list, int position) {
+    return ont_list + static_cast<std::size_t>(position) * ont_list::size;
+}
+
 // In list order, not in that of the serials.
 int first_greater(const std::uint8_t *ont_list, const Serial &serial) {
     for (int position = 0; position < max_onts; ++position) {
-        if (compare_serials(ont_list + position * static_cast<int>(ont_list::size), serial.data()) > 0) {
+        if (compare_serials(list_record(ont_list, position), serial.data()) > 0) {
             return position;
         }
     }
@@ -65,7 +69,9 @@ std::uint32_t *get_counters(const CounterTable &counters, int slot, const std::u
     }
     const Serial serial = serial_at(ont_entry);
     const CounterCache cache = counters.cache(*db);
-    const auto values_of = [&](int k) { return cache.values.data() + k * counters.positions; };
+    const auto values_of = [&](int k) {
+        return &cache.values[static_cast<std::size_t>(k * counters.positions)];
+    };
     if (*cache.serial != serial || cache.stamp->expired()) {
         for (int k = 0; k < counters.keys; ++k) {
             fetch_key(counters, slot, channel, ont_id, k, values_of(k));
@@ -126,7 +132,7 @@ bool next_counter(Row &row, const CounterTable &counters) {
 int exact_ont(const oid *name, std::size_t length, const std::uint8_t *ont_list) {
     const Serial serial = serial_of(name, length);
     for (int position = 0; position < max_onts && !is_zero_serial(serial.data()); ++position) {
-        if (compare_serials(ont_list + position * static_cast<int>(ont_list::size), serial.data()) == 0) {
+        if (compare_serials(list_record(ont_list, position), serial.data()) == 0) {
             return position;
         }
     }

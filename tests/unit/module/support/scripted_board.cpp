@@ -212,6 +212,8 @@ int fp_GetHeaderInfo(const char *path, int, int, uint32_t *packed_version, uint3
     return 0;
 }
 
-const char *gpon_enum_find_name_by_type(const char *, int) {
-    return "name";
+const char *gpon_enum_find_name_by_type(const char *enumeration, int value) {
+    static std::string name;
+    name = std::string(enumeration) + " " + std::to_string(value);
+    return name.c_str();
 }
