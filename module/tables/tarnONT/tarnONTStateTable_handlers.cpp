@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "module/common/operations/board_actions.h"
+#include "module/common/operations/firmware_update.h"
 #include "module/common/operations/ont_queries.h"
 #include "module/config/ont_reconfigure.h"
 #include "module/tables/tarnONT/ont_rows.h"
@@ -67,9 +68,14 @@ std::int64_t doubled(std::int64_t reading) {
     return 2 * reading;
 }
 
-// Whether the card could do it is not reported to the manager.
+// Whether the card could do these two is not reported to the manager.
 int reconfigure(const Row &row) {
     reconfigure_ont(row.slot, row.serial.data());
+    return 0;
+}
+
+int update_firmware(const Row &row) {
+    update_ont_firmware(row.slot, row.serial.data());
     return 0;
 }
 
@@ -101,7 +107,7 @@ constexpr Column columns[] = {
     {17, octet_string, field(ont_list::text_50)},
     {18, octet_string, field(ont_list::text_91)},
     {20, unsigned32, reads_zero, any_unsigned32, on_one<reconfigure>},
-    {21, unsigned32, reads_zero, any_unsigned32, ignored},
+    {21, unsigned32, reads_zero, any_unsigned32, on_one<update_firmware>},
     {22, unsigned32, reads_zero, any_unsigned32, on_one<reboot>},
     {23, unsigned32, reads_zero, any_unsigned32, on_one<reset_to_defaults>},
     {24, integer, field_of(optics, ont_i2c::value_4, {truth_or_not_read})},

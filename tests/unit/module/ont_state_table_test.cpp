@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "module/common/slot_management_db.h"
+#include "support/config_image.h"
 #include "support/onts.h"
 #include "tarn/host_services.h"
 #include "tarn/record.h"
@@ -206,7 +207,7 @@ TEST_F(OntStateTableTest, TriggersActOnExactlyOne) {
     for (const int command : {15, 16, 291}) {
         board.answer(command, {});
     }
-    for (const oid column : {20U, 22U, 23U}) {
+    for (const oid column : {20U, 21U, 22U, 23U}) {
         EXPECT_EQ(set(column, unsigned_value(0)), 0);
         EXPECT_EQ(set(column, unsigned_value(2)), 0);
         EXPECT_EQ(set(column, integer_value(1)), SNMP_ERR_WRONGTYPE);
@@ -222,12 +223,25 @@ TEST_F(OntStateTableTest, TriggersActOnExactlyOne) {
     for (const int command : {15, 16, 291}) {
         board.silence(command);
     }
-    EXPECT_EQ(set(20, unsigned_value(1)), 0);  // whether it worked is not reported
+    EXPECT_EQ(set(20, unsigned_value(1)), 0);  // whether these two worked is not reported
+    EXPECT_EQ(set(21, unsigned_value(1)), 0);
     EXPECT_EQ(set(22, unsigned_value(1)), SNMP_ERR_GENERR);
     EXPECT_EQ(set(23, unsigned_value(1)), SNMP_ERR_GENERR);
     EXPECT_EQ(set(2, octets_value("AAAA0001")), SNMP_ERR_NOTWRITABLE);
     EXPECT_EQ(set(19, unsigned_value(1)), SNMP_ERR_NOTWRITABLE);
     EXPECT_EQ(set(22, unsigned_value(1), "DDDD0001"), SNMP_ERR_NOCREATION);
+}
+
+TEST_F(OntStateTableTest, FirmwareUpdateNamesTheOntByChannelAndNumber) {
+    ConfigImage image;
+    image.add_ont(5 * 64 + 9, "AAAA0001");
+    image.serve();
+    board.answer(18, {});
+    EXPECT_EQ(set(21, unsigned_value(1)), 0);
+    ASSERT_EQ(board.count(18), 1);
+    const Bytes &sent = board.sent.back().bytes;
+    ASSERT_EQ(sent.size(), 438U);
+    EXPECT_EQ(Bytes(sent.begin() + 32, sent.begin() + 37), (Bytes{5, 9, 0, 0, 0}));
 }
 
 TEST_F(OntStateTableTest, LogsAnUnknownMode) {

@@ -70,7 +70,7 @@ std::uint32_t *get_counters(const CounterTable &counters, int slot, const std::u
     const Serial serial = serial_at(ont_entry);
     const CounterCache cache = counters.cache(*db);
     const auto values_of = [&](int k) {
-        return &cache.values[static_cast<std::size_t>(k * counters.positions)];
+        return cache.values.data() + std::ptrdiff_t{k} * counters.positions;
     };
     if (*cache.serial != serial || cache.stamp->expired()) {
         for (int k = 0; k < counters.keys; ++k) {
