@@ -15,15 +15,14 @@ constexpr std::size_t tasks_at = 38;
 constexpr std::size_t max_tasks = 65536;
 constexpr std::size_t longest_file_name = 127;
 
-template <std::size_t Length>
-void address_ont(Request<Length> &request, const std::uint8_t *serial, int channel, int ont_id,
-                 int use_serial) {
+void address_ont(std::uint8_t *request, const std::uint8_t *serial, int channel, int ont_id, int use_serial) {
     if (use_serial != 0) {
-        request.put_bytes(32, serial, serial_size);
+        std::memcpy(request + 32, serial, serial_size);
     } else {
-        request.put(40, static_cast<std::uint8_t>(channel)).put(41, static_cast<std::uint32_t>(ont_id));
+        request[40] = static_cast<std::uint8_t>(channel);
+        store_le32(request + 41, static_cast<std::uint32_t>(ont_id));
     }
-    request.put(45, std::uint16_t{1});
+    store_le16(request + 45, 1);
 }
 
 // Makes the next query ask the card.
@@ -70,7 +69,7 @@ int add_update_ont_scheduler(int slot, const std::uint8_t *serial, const char *f
                              int ont_id, int use_serial) {
     expire_tasks(slot);
     Request<175> request(command::add_update_scheduler, destination::services);
-    address_ont(request, serial, channel, ont_id, use_serial);
+    address_ont(request.bytes.data(), serial, channel, ont_id, use_serial);
     request.put_bytes(47, reinterpret_cast<const std::uint8_t *>(file_name),
                       strnlen(file_name, longest_file_name));
     return act(request, __func__, slot);
@@ -80,6 +79,6 @@ int delete_update_ont_scheduler(int slot, const std::uint8_t *serial, int channe
                                 int use_serial) {
     expire_tasks(slot);
     Request<47> request(command::delete_update_scheduler, destination::services);
-    address_ont(request, serial, channel, ont_id, use_serial);
+    address_ont(request.bytes.data(), serial, channel, ont_id, use_serial);
     return act(request, __func__, slot);
 }
