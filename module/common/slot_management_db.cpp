@@ -1,6 +1,7 @@
 #include "module/common/slot_management_db.h"
 
 #include <cstdlib>
+#include <span>
 #include <type_traits>
 
 #include "module/common/log.h"
@@ -24,7 +25,7 @@ Database *allocate_cleared() {
     return static_cast<Database *>(std::calloc(1, sizeof(Database)));
 }
 
-void release_vlans(std::array<std::uint8_t *, switch_vlans> &vlans) {
+void release_vlans(std::span<std::uint8_t *> vlans) {
     for (std::uint8_t *&vlan : vlans) {
         if (vlan != nullptr) {
             bfree(__FILE__, __LINE__, vlan);

@@ -109,8 +109,8 @@ struct SlotDatabase {
     std::array<std::uint8_t *, switch_vlans> vlans;  // balloc'ed records by board VLAN number, or null
     std::array<Stamp, switch_vlans> vlan_stamps;
     Stamp vlans_block_stamp;
-    std::array<std::uint8_t *, switch_vlans> operational_vlans;
-    std::array<Stamp, switch_vlans> operational_vlan_stamps;
+    std::array<std::uint8_t *, operational_vlans_limit> operational_vlans;  // by number as the card lists it
+    std::array<Stamp, operational_vlans_limit> operational_vlan_stamps;
     Section<switch_general::size> switch_general;
     Section<switch_qos::size> switch_qos;
     std::uint8_t last_8021p_queue;  // whose mask was written last

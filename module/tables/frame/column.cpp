@@ -2,12 +2,20 @@
 
 #include <algorithm>
 
+#include "module/switch/switch_operations.h"
+
 namespace tarn {
 
 namespace {
 
-// net-snmp holds every integer in a long; Gauge32 must not carry sign bits beyond its 32.
+// net-snmp holds every other integer in a long; Gauge32 must not carry sign bits beyond its 32.
 void set_integer(Binding *binding, std::uint8_t type, std::int64_t value) {
+    if (type == ASN_COUNTER64) {
+        struct counter64 counter {};
+        to_c64(&counter, static_cast<std::uint64_t>(value));
+        snmp_set_var_typed_value(binding, type, &counter, sizeof counter);
+        return;
+    }
     const long held = type == ASN_INTEGER ? static_cast<std::int32_t>(value)
                                           : static_cast<long>(static_cast<std::uint32_t>(value));
     snmp_set_var_typed_integer(binding, type, held);

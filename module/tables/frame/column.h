@@ -15,7 +15,7 @@ inline constexpr std::uint8_t integer = ASN_INTEGER;
 inline constexpr std::uint8_t unsigned32 = ASN_GAUGE;
 inline constexpr std::uint8_t octet_string = ASN_OCTET_STR;
 inline constexpr std::uint8_t ip_address = ASN_IPADDRESS;
-inline constexpr std::uint8_t counter64 = ASN_COUNTER64;
+inline constexpr std::uint8_t counter_64 = ASN_COUNTER64;
 
 // ---- Where a value comes from ----
 
@@ -166,7 +166,8 @@ struct Column {
     Source source;
     Check check = read_only;
     Action action = nullptr;
-    bool creates = false;  // a SET of this column does not need the row to exist
+    bool creates = false;              // a SET of this column does not need the row to exist
+    Check second_check = not_checked;  // in the second phase
 };
 
 // Answers a column of a row; 0 or an exception. `missing` is the exception for a record that could not be

@@ -48,6 +48,9 @@ bool writable(const Column *column) {
 
 // The row that a SET works on. A column that creates rows does with a valid index.
 int locate_for_set(const Table &table, Target &target) {
+    if (!table.set_needs_row) {
+        return SNMP_ERR_NOERROR;
+    }
     const bool found = find_row(table, target);
     const bool created = target.column->creates && target.index_valid;
     return found || created ? SNMP_ERR_NOERROR : table.missing_row;
@@ -100,8 +103,10 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
     if (table.ignores_set) {
         return true;
     }
-    if (!target.has_row_data && table.set_without_row_data != 0) {
-        error = table.set_without_row_data;
+    const int without_row_data =
+        mode == MODE_SET_ACTION ? table.act_without_row_data : table.set_without_row_data;
+    if (!target.has_row_data && without_row_data != 0) {
+        error = without_row_data;
         return true;
     }
     switch (mode) {
@@ -111,6 +116,9 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
             return true;
         case MODE_SET_RESERVE2:
             call(table.reserve2);
+            if (target.column != nullptr) {
+                error = check_value(target.column->second_check, binding);
+            }
             return true;
         case MODE_SET_ACTION:
             error = act(table, target, *binding);

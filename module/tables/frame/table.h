@@ -37,8 +37,9 @@ struct Table {
     // request's error.
     int no_row_data = SNMP_NOSUCHINSTANCE;
     bool no_row_data_is_result = false;
-    // Of a SET without row data; 0: a valid index will do.
+    // Of a SET without row data; 0: a valid index will do. In the action phase, where it differs.
     int set_without_row_data = 0;
+    int act_without_row_data = set_without_row_data;
     int unknown_column = SNMP_NOSUCHOBJECT;
     // Whether a GET of an unknown column in a missing row reports the row.
     bool row_before_column = false;
@@ -48,6 +49,9 @@ struct Table {
     bool failure_is_result = false;
 
     // ---- SET ----
+    // Whether a SET needs the row that the index names; if not, stage decides, and an index that is no row's
+    // reads as zeros.
+    bool set_needs_row = true;
     // A table that leaves every mode but GET alone.
     bool ignores_set = false;
     void (*reserve1)() = nullptr;

@@ -1,0 +1,213 @@
+#include "module/switch/switch_operations.h"
+
+#include "module/common/cached_query.h"
+#include "module/common/log.h"
+
+using namespace tarn;
+
+namespace {
+
+template <std::size_t Size>
+using SectionOfSlot = Section<Size> SlotDatabase::*;
+
+template <std::size_t Size>
+std::uint8_t *get_section(int slot, SectionOfSlot<Size> section, std::uint16_t command_code,
+                          const char *operation) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return nullptr;
+    }
+    return refresh(db->*section, Request<payload>(command_code, destination::ethernet_switch), operation,
+                   slot);
+}
+
+template <std::size_t Size>
+int send_section(int slot, const Section<Size> &section, std::uint16_t command_code, const char *operation) {
+    Request<payload + Size> request(command_code, destination::ethernet_switch);
+    request.put_bytes(payload, section.record.data(), Size);
+    return act(request, operation, slot);
+}
+
+bool is_switch_port(int port) {
+    return port >= 0 && port < switch_ports;
+}
+
+// Takes from every queue but `owner` the bits of the owner's mask.
+void leave_bits_to(std::uint8_t *qos, int owner, Field (*mask)(int queue)) {
+    if (owner >= switch_qos::queues) {
+        return;
+    }
+    const std::int64_t owned = load_integer(qos, mask(owner));
+    for (int queue = 0; queue < switch_qos::queues; ++queue) {
+        if (queue != owner) {
+            store_integer(qos, mask(queue), load_integer(qos, mask(queue)) & ~owned);
+        }
+    }
+}
+
+void read_rules(SlotDatabase &db, const Answer &answer, const char *operation) {
+    constexpr std::size_t first_rule = payload + 4;
+    const std::size_t stated = answer.get<std::uint32_t>(payload);
+    const std::size_t count = answer.records(stated, first_rule, switch_blacklist::rule_size);
+    if (count != stated) {
+        log_add(log_error, "%s : %zu rules stated, %zu taken\n", operation, stated, count);
+    }
+    db.blacklist_rule_counts.fill(0);
+    for (std::size_t i = 0; i < count; ++i) {
+        Record<switch_blacklist::rule_size> rule;
+        answer.copy(rule.data(), first_rule + i * rule.size(), rule.size());
+        const auto list = static_cast<std::size_t>(load_integer(rule.data(), switch_blacklist::rule_list));
+        if (list >= switch_blacklist::lists) {
+            continue;
+        }
+        std::uint32_t &rules = db.blacklist_rule_counts[list];
+        if (rules < switch_blacklist::rules_per_list) {
+            db.blacklist_rules[list][rules++] = rule;
+        }
+    }
+}
+
+}  // namespace
+
+std::uint8_t *get_switch_general_cfg(int slot) {
+    return get_section(slot, &SlotDatabase::switch_general, command::get_switch_general_cfg, __func__);
+}
+
+int set_switch_general_cfg(int slot) {
+    slot = slot_byte(slot);
+    const SlotDatabase *db = slot_database(slot);
+    return db == nullptr ? -1
+                         : send_section(slot, db->switch_general, command::set_switch_general_cfg, __func__);
+}
+
+std::uint8_t *get_switch_qos_cfg(int slot) {
+    return get_section(slot, &SlotDatabase::switch_qos, command::get_switch_qos_cfg, __func__);
+}
+
+int set_switch_qos_cfg(int slot) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return -1;
+    }
+    normalize_qos_queries(slot);
+    db->switch_qos.stamp.clear();
+    return send_section(slot, db->switch_qos, command::set_switch_qos_cfg, __func__);
+}
+
+void normalize_qos_queries(int slot) {
+    SlotDatabase *db = slot_database(slot_byte(slot));
+    if (db != nullptr) {
+        std::uint8_t *qos = db->switch_qos.record.data();
+        leave_bits_to(qos, db->last_8021p_queue, switch_qos::priority_mask);
+        leave_bits_to(qos, db->last_dscp_queue, switch_qos::dscp_mask);
+    }
+}
+
+std::uint8_t *get_switch_blacklist_cfg(int slot) {
+    return get_section(slot, &SlotDatabase::switch_blacklist, command::get_switch_blacklist_cfg, __func__);
+}
+
+int set_switch_blacklist_cfg(int slot) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return -1;
+    }
+    db->switch_blacklist.stamp.clear();
+    return send_section(slot, db->switch_blacklist, command::set_switch_blacklist_cfg, __func__);
+}
+
+std::uint8_t *get_switch_blacklist_rules(int slot) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return nullptr;
+    }
+    if (db->blacklist_rules_stamp.expired()) {
+        const Request<payload> request(command::get_switch_blacklist_rules, destination::ethernet_switch);
+        if (const Answer answer = ask(request, __func__, slot, payload + 4)) {
+            read_rules(*db, answer, __func__);
+        }
+        db->blacklist_rules_stamp.set();
+    }
+    return db->blacklist_rules[0][0].data();
+}
+
+int set_switch_blacklist_rules(int slot) {
+    constexpr std::size_t most_rules = switch_blacklist::rules_per_list - 1;
+    constexpr std::size_t first_rule = payload + 4;
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return -1;
+    }
+    Request<first_rule + switch_blacklist::rules_per_list * switch_blacklist::rule_size> request(
+        command::set_switch_blacklist_rules, destination::ethernet_switch);
+    std::uint32_t sent = 0;
+    for (std::size_t list = 0; list < switch_blacklist::lists; ++list) {
+        for (std::size_t i = 0; i < db->blacklist_rule_counts[list]; ++i) {
+            const std::uint8_t *rule = db->blacklist_rules[list][i].data();
+            if (load_integer(rule, switch_blacklist::rule_list) == switch_blacklist::deleted_rule) {
+                continue;
+            }
+            if (sent == most_rules) {
+                log_add(log_error, "%s : exceeded max number of rules!\n", __func__);
+                return -1;
+            }
+            request.put_bytes(first_rule + sent * switch_blacklist::rule_size, rule,
+                              switch_blacklist::rule_size);
+            ++sent;
+        }
+    }
+    request.put(payload, sent);
+    const int result = act(request, __func__, slot);
+    db->blacklist_rules_stamp.clear();
+    return result;
+}
+
+std::uint8_t *get_switch_port_counters(int slot, int port) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr || !is_switch_port(port)) {
+        return nullptr;
+    }
+    Request<payload + 1> request(command::get_switch_port_counters, destination::services);
+    request.put(payload, static_cast<std::uint8_t>(port));
+    return refresh(db->port_counters[static_cast<std::size_t>(port)], request, __func__, slot);
+}
+
+int reset_switch_port_counters(int slot, int port) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr || !is_switch_port(port)) {
+        return 1;
+    }
+    Request<payload + 1> request(command::reset_switch_port_counters, destination::services);
+    request.put(payload, static_cast<std::uint8_t>(port));
+    if (act(request, __func__, slot) != 0) {
+        return 1;
+    }
+    db->port_counters[static_cast<std::size_t>(port)].stamp.clear();
+    return 0;
+}
+
+std::uint8_t *get_switch_port_utilization(int slot, int port) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr || !is_switch_port(port)) {
+        return nullptr;
+    }
+    const ProfilesDatabase *profiles = profiles_database();
+    const std::uint16_t interval = profiles != nullptr ? profiles->utilization_interval : 0;
+    Request<payload + 3> request(command::get_switch_port_utilization, destination::services);
+    request.put(payload, interval).put(payload + 2, static_cast<std::uint8_t>(port));
+    return refresh(db->port_utilization[static_cast<std::size_t>(port)], request, __func__, slot);
+}
+
+void to_c64(struct counter64 *out, std::uint64_t in) {
+    const std::uint64_t quotient = in >> 32 != 0 ? in / 0xFFFFFFFF : 0;
+    out->high = static_cast<std::uint32_t>(quotient);
+    out->low = static_cast<std::uint32_t>(in + quotient);
+}

@@ -1,0 +1,14 @@
+// The MAC addresses that a card's switch has learnt, as one text.
+#include "module/switch/switch_mac_table.h"
+#include "module/tables/tarnRawData/raw_text_table.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr Table table = RawTextTable<get_raw_switch_mac_table, &SlotDatabase::mac_text_length>::table(
+    "tarnRawSwitchMacTable", "tarnRawSwitchMacTable_append_index");
+
+}  // namespace
+
+MODULE_NEXTGEN_TABLE(tarnRawSwitchMacTable, table)

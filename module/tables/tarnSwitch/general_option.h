@@ -1,0 +1,46 @@
+// An option of the switch's general configuration as a table with one row a slot. A SET sends the section at
+// once.
+#ifndef TARN_MODULE_TABLES_TARNSWITCH_GENERAL_OPTION_H
+#define TARN_MODULE_TABLES_TARNSWITCH_GENERAL_OPTION_H
+
+#include "module/common/slot_management_db.h"
+#include "module/switch/switch_operations.h"
+#include "module/tables/frame/table.h"
+#include "module/tables/tarnSwitch/single_row.h"
+
+namespace tarn {
+
+inline std::uint8_t *general_section(Row &row) {
+    return get_switch_general_cfg(row.slot);
+}
+
+// `Failure` is the error of a card that does not answer.
+template <Field Flag, int Failure>
+struct GeneralOption {
+    static int set(Row &row, const Binding &value) {
+        std::uint8_t *section = general_section(row);
+        if (section == nullptr) {
+            return SNMP_NOSUCHINSTANCE;
+        }
+        store_integer(section, Flag, set_truth_value(static_cast<int>(*value.val.integer)));
+        return set_switch_general_cfg(row.slot) == 0 ? SNMP_ERR_NOERROR : Failure;
+    }
+
+    static constexpr Column columns[] = {
+        {1, unsigned32, slot_plus(1)},
+        {.number = 2,
+         .type = integer,
+         .source = field_of(general_section, Flag, nonzero_conversion),
+         .check = any_integer,
+         .action = set,
+         .second_check = integer_within(1, 2, SNMP_ERR_WRONGVALUE)},
+    };
+
+    static constexpr Table table(const char *name) {
+        return {.name = name, .index = slot_index, .columns = columns, .next = single_row<general_section>};
+    }
+};
+
+}  // namespace tarn
+
+#endif

@@ -1,0 +1,48 @@
+// What the three tables that edit a card's QoS configuration share: the cached section is edited in the
+// action phase and sent, for the slots that were edited, in the commit phase. Each table has its own slots to
+// commit.
+#ifndef TARN_MODULE_TABLES_TARNSWITCH_QOS_COMMIT_H
+#define TARN_MODULE_TABLES_TARNSWITCH_QOS_COMMIT_H
+
+#include <array>
+
+#include "module/common/slot_management_db.h"
+#include "module/switch/switch_operations.h"
+#include "module/tables/frame/table.h"
+#include "tarn/board_protocol.h"
+
+namespace tarn {
+
+inline std::uint8_t *qos_section(Row &row) {
+    return get_switch_qos_cfg(row.slot);
+}
+
+// `Tag` is any type of the table's own.
+template <class Tag>
+struct QosCommit {
+    static inline std::array<bool, chassis_slot::line_cards> slots_to_commit;
+
+    static void clear() { slots_to_commit.fill(false); }
+
+    // The section to edit. It is not refreshed between the edits of one SET.
+    static std::uint8_t *edited(Row &row) {
+        bool &to_commit = slots_to_commit[static_cast<std::size_t>(row.slot)];
+        std::uint8_t *section =
+            to_commit ? slot_database(row.slot)->switch_qos.record.data() : get_switch_qos_cfg(row.slot);
+        to_commit = section != nullptr;
+        return section;
+    }
+
+    static int commit(Row & /*row*/) {
+        for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
+            if (slots_to_commit[static_cast<std::size_t>(slot)] && set_switch_qos_cfg(slot) != 0) {
+                return SNMP_ERR_COMMITFAILED;
+            }
+        }
+        return SNMP_ERR_NOERROR;
+    }
+};
+
+}  // namespace tarn
+
+#endif

@@ -1,0 +1,75 @@
+// Which traffic each of a switch's seven queues takes: a mask a queue, as octets whose most significant bit
+// stands for the lowest priority or code point. The queue that was written last keeps its traffic when the
+// section is sent; the others lose it.
+#ifndef TARN_MODULE_TABLES_TARNSWITCH_QOS_MAPPING_H
+#define TARN_MODULE_TABLES_TARNSWITCH_QOS_MAPPING_H
+
+#include "module/tables/tarnSwitch/qos_commit.h"
+
+namespace tarn {
+
+// `Mask` says where a queue's mask lies, `Convert` reverses the bits of its octets, and `LastQueue` remembers
+// the queue that was written last.
+template <Field (*Mask)(int queue), auto Convert, std::uint8_t SlotDatabase::*LastQueue>
+struct QosMapping {
+    using Commit = QosCommit<QosMapping>;
+    static constexpr std::uint16_t octets = Mask(0).size;
+
+    static int queue_of(const Row &row) { return static_cast<int>(row.number[0]); }
+
+    static int answer(Row &row, Binding *binding) {
+        const std::uint8_t *section = qos_section(row);
+        if (section == nullptr) {
+            return SNMP_NOSUCHINSTANCE;
+        }
+        std::uint8_t list[8];
+        store_le64(list, convert(load_integer(section, Mask(queue_of(row)))));
+        snmp_set_var_typed_value(binding, ASN_OCTET_STR, list, octets);
+        return SNMP_ERR_NOERROR;
+    }
+
+    static int set(Row &row, const Binding &value) {
+        std::uint8_t *section = Commit::edited(row);
+        if (section == nullptr) {
+            return SNMP_NOSUCHINSTANCE;
+        }
+        std::uint8_t list[8]{};
+        std::memcpy(list, value.val.string, octets);
+        const auto mask = static_cast<std::int64_t>(load_le64(list));
+        store_integer(section, Mask(queue_of(row)), static_cast<std::int64_t>(convert(mask)));
+        slot_database(row.slot)->*LastQueue = static_cast<std::uint8_t>(queue_of(row));
+        return SNMP_ERR_NOERROR;
+    }
+
+    static constexpr IndexPart row_index[] = {slot_part, number_part(switch_qos::queues)};
+    static constexpr Column columns[] = {
+        {3, octet_string, answered_by(answer), octets_of(octets), set},
+    };
+
+    static bool next(std::int64_t &cursor, Row &row) {
+        if (cursor >= switch_qos::queues) {
+            return false;
+        }
+        row.number[0] = cursor++;
+        row.record = qos_section(row);
+        return row.record != nullptr;
+    }
+
+    static constexpr Table table(const char *name) {
+        return {.name = name,
+                .index = row_index,
+                .columns = columns,
+                .next = next,
+                .reserve2 = Commit::clear,
+                .commit = Commit::commit};
+    }
+
+  private:
+    static std::uint64_t convert(std::int64_t mask) {
+        return Convert(static_cast<decltype(Convert({}))>(mask));
+    }
+};
+
+}  // namespace tarn
+
+#endif

@@ -1,0 +1,14 @@
+// The IEEE 802.1p priorities of each queue.
+#include "module/switch/switch_ports.h"
+#include "module/tables/tarnSwitch/qos_mapping.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr Table table = QosMapping<switch_qos::priority_mask, blade_convert_802_8bit_mask_to_snmp,
+                                   &SlotDatabase::last_8021p_queue>::table("tarnQOS8021pMappingTable");
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnQOS8021pMappingTable, table)

@@ -1,0 +1,42 @@
+// General settings of how a card's switch queues traffic.
+#include "module/tables/tarnSwitch/qos_commit.h"
+#include "module/tables/tarnSwitch/single_row.h"
+
+using namespace tarn;
+
+namespace {
+
+// Only a value of the wrong type is held against the range of the queues.
+int check_value_0(const Binding *value) {
+    const int error = netsnmp_check_vb_uint(value);
+    if (error == SNMP_ERR_NOERROR || value->type != ASN_INTEGER) {
+        return error;
+    }
+    const long number = *value->val.integer;
+    return number < 0 || number >= switch_qos::queues ? SNMP_ERR_WRONGVALUE : error;
+}
+
+constexpr Column columns[] = {
+    {2, unsigned32, field_of(qos_section, switch_qos::value_0), checked_by(check_value_0)},
+    {3, integer, field_of(qos_section, switch_qos::value_64), integer_in(0, 3)},
+    {4, integer, truth_of(qos_section, switch_qos::flag_65), integer_in(1, 2)},
+};
+
+struct ConfigTable;
+using Commit = QosCommit<ConfigTable>;
+
+constexpr Table table{
+    .name = "tarnQOSConfigTable",
+    .index = slot_index,
+    .columns = columns,
+    .next = single_row<qos_section>,
+    .set_without_row_data = SNMP_NOSUCHOBJECT,
+    .act_without_row_data = SNMP_NOSUCHINSTANCE,
+    .reserve2 = Commit::clear,
+    .edited = Commit::edited,
+    .commit = Commit::commit,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnQOSConfigTable, table)

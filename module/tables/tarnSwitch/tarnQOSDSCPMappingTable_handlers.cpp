@@ -1,0 +1,14 @@
+// The DSCP code points of each queue.
+#include "module/switch/switch_ports.h"
+#include "module/tables/tarnSwitch/qos_mapping.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr Table table = QosMapping<switch_qos::dscp_mask, blade_convert_dscp_64bit_mask_to_snmp,
+                                   &SlotDatabase::last_dscp_queue>::table("tarnQOSDSCPMappingTable");
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnQOSDSCPMappingTable, table)

@@ -1,0 +1,13 @@
+// Whether a card's switch snoops on IGMP.
+#include "module/tables/tarnSwitch/general_option.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr Table table =
+    GeneralOption<switch_general::igmp_snooping, SNMP_ERR_GENERR>::table("tarnSwitchIGMPSnoopingTable");
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnSwitchIGMPSnoopingTable, table)
