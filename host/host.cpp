@@ -81,6 +81,7 @@ void Host::stop() {
         (void)module_->cleanup_lib();
         slots_.reset();
     }
+    flush_log();
 }
 
 Host::~Host() {

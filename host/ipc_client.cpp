@@ -10,6 +10,9 @@ namespace tarn::host {
 namespace {
 
 constexpr int silent_requests_before_hold = 2;
+// A card that let a request time out gets no more than this until it answers, or one dead card would keep the
+// agent from serving the others for most of the time.
+constexpr int suspect_timeout_ms = 1000;
 
 // The size of an answer's block: at least what the largest answer of its command takes.
 std::size_t block_size(std::uint16_t command, std::size_t length) {
@@ -131,7 +134,8 @@ int IpcClient::send_request(const std::uint8_t *request, std::uint8_t **answer, 
     if (on_hold(slot)) {
         return ipc_result::on_hold;
     }
-    const Deadline deadline = deadline_in(timeout_ms);
+    const Deadline deadline =
+        deadline_in(slot.silent_requests > 0 ? std::min(timeout_ms, suspect_timeout_ms) : timeout_ms);
     if (slot.socket.is_open() && slot.socket.has_unexpected_input()) {
         slot.socket.close();
     }

@@ -17,7 +17,8 @@ class IpcClient {
     // Slots 0-15 are line cards, 16-18 the chassis' own services.
     static constexpr int slots = 19;
 
-    // After two time-outs in a row a slot is left alone for `hold`: its requests fail at once.
+    // After a time-out a slot's requests wait at most a second; after two in a row the slot is left alone for
+    // `hold`, its requests fail at once. One answer ends both.
     IpcClient(const ChassisAddress &address, std::chrono::seconds hold) : address_(address), hold_(hold) {}
 
     // Sends the request and waits for its answer, at most timeout_ms in all, connecting first where needed.

@@ -3,15 +3,36 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
+#include <utility>
 
 namespace tarn::host {
 namespace {
 
 std::atomic<int> threshold{log_level::information};
-std::mutex write_mutex;
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::seconds repeat_period{5};
+
+// The line that was written last and how often it came again since.
+struct LastLine {
+    std::mutex mutex;
+    std::string text;
+    int level = 0;
+    int repeats = 0;
+    Clock::time_point written{};
+};
+
+LastLine last_line;
+
+void write_repeats() {
+    if (last_line.repeats > 0) {
+        snmp_log(last_line.level, "(the last line came %d times more)\n", last_line.repeats);
+        last_line.repeats = 0;
+    }
+}
 
 std::string format_message(const char *format, va_list arguments) {
     va_list again;
@@ -38,6 +59,12 @@ bool open_log_file(const std::string &path) {
 }
 
 }  // namespace
+
+void flush_log() {
+    const std::lock_guard lock(last_line.mutex);
+    write_repeats();
+    last_line.text.clear();
+}
 
 void set_log_level(int level) {
     threshold = level;
@@ -99,8 +126,17 @@ void log_add(int level, const char *format, ...) {
     }
     va_list arguments;
     va_start(arguments, format);
-    const std::string line = printable(format_message(format, arguments));
+    std::string line = printable(format_message(format, arguments));
     va_end(arguments);
-    const std::lock_guard lock(write_mutex);
+    const std::lock_guard lock(last_line.mutex);
+    const Clock::time_point now = Clock::now();
+    if (level == last_line.level && line == last_line.text && now - last_line.written < repeat_period) {
+        ++last_line.repeats;
+        return;
+    }
+    write_repeats();
     snmp_log(level, "%s\n", line.c_str());
+    last_line.text = std::move(line);
+    last_line.level = level;
+    last_line.written = now;
 }

@@ -26,6 +26,10 @@ bool open_log(std::string_view destination);
 // The level of a name: error, warning, information or debug; -1 for another text.
 int log_level_of(std::string_view name);
 
+// A line that repeats the one before is not written but counted for up to five seconds, so that a card that
+// fails for every row of a table does not flood the log. This writes the count.
+void flush_log();
+
 // The text without its last line end, each other control byte replaced by '?': a text that came from a
 // manager or a card can neither forge a line nor command a terminal.
 std::string printable(std::string_view text);

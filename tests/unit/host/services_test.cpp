@@ -73,6 +73,21 @@ TEST(Logger, DropsWhatIsBelowTheLevelAndKeepsLongLinesWhole) {
     EXPECT_THAT(log.lines, ElementsAre(text + "\n"));
 }
 
+TEST(Logger, CountsRepeatedLines) {
+    CapturedLog log;
+    for (int i = 0; i < 1000; ++i) {
+        log_add(log_level::error, "the card is silent\n");
+    }
+    log_add(log_level::error, "another line\n");
+    log_add(log_level::error, "another line\n");
+    flush_log();
+    flush_log();
+    log_add(log_level::error, "another line\n");
+    EXPECT_THAT(log.lines,
+                ElementsAre("the card is silent\n", "(the last line came 999 times more)\n", "another line\n",
+                            "(the last line came 1 times more)\n", "another line\n"));
+}
+
 TEST(Logger, KnowsItsLevelsAndDestinations) {
     EXPECT_EQ(log_level_of("error"), 3);
     EXPECT_EQ(log_level_of("debug"), 7);

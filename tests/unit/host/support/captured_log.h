@@ -13,6 +13,7 @@ class CapturedLog {
   public:
     // `add_handler`: unless somebody else has net-snmp pass its log on to callbacks.
     explicit CapturedLog(bool add_handler = true) {
+        flush_log();
         snmp_disable_log();
         if (add_handler) {
             netsnmp_register_loghandler(NETSNMP_LOGHANDLER_CALLBACK, LOG_DEBUG)->enabled = 1;
