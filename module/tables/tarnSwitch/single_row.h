@@ -11,7 +11,7 @@ inline constexpr IndexPart slot_index[] = {slot_part};
 // The walk: the one row, whose data is the refreshed record.
 template <std::uint8_t *(*Record)(Row &row)>
 bool single_row(std::int64_t &cursor, Row &row) {
-    if (cursor++ != 0) {
+    if (!next_only_row(cursor, row)) {
         return false;
     }
     row.record = Record(row);

@@ -29,8 +29,12 @@ void enter(Row &row, switch_mac_list_t &entry) {
     row.record = &entry.port;
 }
 
-bool key_before(const switch_mac_list_t &entry, std::uint64_t key) {
+bool entry_before(const switch_mac_list_t &entry, std::uint64_t key) {
     return mac_key(entry) < key;
+}
+
+bool before_entry(std::uint64_t key, const switch_mac_list_t &entry) {
+    return key < mac_key(entry);
 }
 
 bool find_entry(Row &row) {
@@ -40,7 +44,7 @@ bool find_entry(Row &row) {
     }
     const MacEntries entries = mac_entries(row.slot);
     const std::uint64_t key = key_of(row);
-    const auto found = std::lower_bound(entries.begin(), entries.end(), key, key_before);
+    const auto found = std::lower_bound(entries.begin(), entries.end(), key, entry_before);
     if (found == entries.end() || mac_key(*found) != key) {
         return false;
     }
@@ -51,7 +55,7 @@ bool find_entry(Row &row) {
 // An entry without an address is no row of the walk.
 bool next_entry(Row &row) {
     const MacEntries entries = mac_entries(row.slot);
-    auto next = std::lower_bound(entries.begin(), entries.end(), key_of(row) + 1, key_before);
+    auto next = std::upper_bound(entries.begin(), entries.end(), key_of(row), before_entry);
     while (next != entries.end() && (mac_key(*next) & mac_of_key) == 0) {
         ++next;
     }
