@@ -35,6 +35,7 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
             descriptor.version[4]);
     host->slots_ = std::make_unique<Slots>(config.served_slots, host->module_->slot_initializer,
                                            host->module_->slot_deinitializer);
+    host->guard_.watch(true);
     if (!host->slots_->start_chassis()) {
         error = config.module_path + ": the module cannot start its chassis-wide stores";
         return nullptr;
@@ -50,6 +51,7 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
         }
         host->registrations_.push_back(registration);
     }
+    host->guard_.watch(false);
     host->alarm_ = snmp_alarm_register(link_check_seconds, SA_REPEAT, link_alarm, host.get());
     return host;
 }

@@ -13,6 +13,7 @@
 #include "host/ipc_client.h"
 #include "host/module_loader.h"
 #include "host/row_cache.h"
+#include "host/set_guard.h"
 #include "host/slots.h"
 #include "host/table.h"
 
@@ -52,6 +53,7 @@ class Host {
     std::unique_ptr<Module> module_;
     IpcClient ipc_;
     RowCache cache_;
+    SetGuard guard_;
     std::unique_ptr<Slots> slots_;
     std::list<Table> tables_;
     std::vector<netsnmp_handler_registration *> registrations_;

@@ -61,6 +61,14 @@ class FakePdu {
         table.serve(&reqinfo_, requests_.data());
     }
 
+    // The same through net-snmp, for a handler that is registered.
+    void serve(netsnmp_handler_registration *registration, int mode) {
+        reqinfo_.mode = mode;
+        (void)netsnmp_call_handlers(registration, &reqinfo_, requests_.data());
+    }
+
+    [[nodiscard]] netsnmp_pdu &pdu() { return pdu_; }
+
     // The first error-status of a request, 0 when there is none.
     [[nodiscard]] int error() const {
         for (const auto &request : requests_) {
