@@ -5,11 +5,7 @@ namespace tarn::chassis {
 namespace {
 
 // Selector, 16-bit count, entries.
-Refusal get_addresses(Exchange &exchange) {
-    const std::uint8_t selector = exchange.request[payload];
-    if (!is_channel_or_all(selector)) {
-        return no_such_channel(selector);
-    }
+void get_addresses(Exchange &exchange, std::uint8_t selector) {
     std::uint16_t count = 0;
     exchange.answer.push_back(selector);
     exchange.answer.resize(exchange.answer.size() + sizeof count);
@@ -20,15 +16,10 @@ Refusal get_addresses(Exchange &exchange) {
         }
     }
     store_le16(exchange.answer.data() + payload + 1, count);
-    return {};
 }
 
 // 16-bit count, entries; the selector is not repeated.
-Refusal get_sessions(Exchange &exchange) {
-    const std::uint8_t selector = exchange.request[payload];
-    if (!is_channel_or_all(selector)) {
-        return no_such_channel(selector);
-    }
+void get_sessions(Exchange &exchange, std::uint8_t selector) {
     std::uint16_t count = 0;
     exchange.answer.resize(exchange.answer.size() + sizeof count);
     for (const PppoeSession &session : exchange.card.pppoe_sessions) {
@@ -38,24 +29,20 @@ Refusal get_sessions(Exchange &exchange) {
         }
     }
     store_le16(exchange.answer.data() + payload, count);
-    return {};
 }
 
 // No multicast group is ever joined on a simulated card: a 16-bit count of 0.
-Refusal get_igmp_stats(Exchange &exchange) {
-    const std::uint8_t selector = exchange.request[payload];
-    if (!is_channel_or_all(selector)) {
-        return no_such_channel(selector);
-    }
+void get_igmp_stats(Exchange &exchange, std::uint8_t /*selector*/) {
     exchange.answer.resize(exchange.answer.size() + 2);
-    return {};
 }
 
 constexpr RequestRule rules[] = {
     {command::get_global_ont_address_table, destination::services, 47, "get_global_ont_address_table",
-     get_addresses, u16_at(33)},
-    {command::get_pppoe_sessions, destination::services, 33, "get_pppoe_sessions", get_sessions, u16_at(32)},
-    {command::get_igmp_stats, destination::services, 33, "get_igmp_stats", get_igmp_stats, u16_at(32)},
+     with_selector<get_addresses>, u16_at(33)},
+    {command::get_pppoe_sessions, destination::services, 33, "get_pppoe_sessions",
+     with_selector<get_sessions>, u16_at(32)},
+    {command::get_igmp_stats, destination::services, 33, "get_igmp_stats", with_selector<get_igmp_stats>,
+     u16_at(32)},
 };
 
 }  // namespace

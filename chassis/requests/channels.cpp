@@ -8,17 +8,12 @@ namespace {
 
 // Selector, then the records of all eight channels, whichever channel is asked for.
 template <auto record>
-Refusal get_channels(Exchange &exchange) {
-    const std::uint8_t selector = exchange.request[payload];
-    if (!is_channel_or_all(selector)) {
-        return no_such_channel(selector);
-    }
+void get_channels(Exchange &exchange, std::uint8_t selector) {
     exchange.answer.push_back(selector);
     for (int channel = 0; channel < channels_per_slot; ++channel) {
         append(exchange.answer, record(exchange.card.channels[static_cast<std::size_t>(channel)],
                                        working_onts(exchange.card, channel, exchange.now), exchange.now));
     }
-    return {};
 }
 
 void reconfigure(Exchange &exchange, Channel &channel) {
@@ -56,9 +51,9 @@ Refusal set_activation_auth(Exchange &exchange) {
 
 constexpr RequestRule rules[] = {
     {command::get_olt_channel_state, destination::services, 33, "get_olt_channel_state",
-     get_channels<full_channel_state>},
+     with_selector<get_channels<full_channel_state>>},
     {command::get_olt_channels_state_lite, destination::services, 33, "get_olt_channels_state_lite",
-     get_channels<short_channel_state>},
+     with_selector<get_channels<short_channel_state>>},
     {command::reconfigure_olt_channel, destination::services, 33, "reconfigure_olt_channel",
      with_channel<reconfigure>},
     {command::get_olt_channel_config, destination::services, 33, "get_olt_channel_config",

@@ -7,11 +7,7 @@ namespace {
 constexpr std::uint16_t enable_value = 0;
 constexpr std::uint16_t disable_value = 255;
 
-Refusal get_list(Exchange &exchange) {
-    const std::uint8_t selector = exchange.request[payload];
-    if (!is_channel_or_all(selector)) {
-        return no_such_channel(selector);
-    }
+void get_list(Exchange &exchange, std::uint8_t selector) {
     std::uint32_t count = 0;
     exchange.answer.push_back(selector);
     exchange.answer.resize(exchange.answer.size() + sizeof count);
@@ -22,7 +18,6 @@ Refusal get_list(Exchange &exchange) {
         }
     }
     store_le32(exchange.answer.data() + payload + 1, count);
-    return {};
 }
 
 template <auto record>
@@ -88,7 +83,7 @@ Refusal enable(Exchange &exchange) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_ont_list, destination::services, 33, "get_ont_list", get_list, u32_at(33)},
+    {command::get_ont_list, destination::services, 33, "get_ont_list", with_selector<get_list>, u32_at(33)},
     {command::get_ont_state, destination::services, 45, "get_ont_state", with_ont<get_record<state_record>>},
     {command::get_ont_i2c, destination::services, 45, "get_ont_i2c", with_ont<get_record<i2c_record>>},
     {command::get_ont_uni_ports_state, destination::services, 45, "get_ont_uni_ports_state",

@@ -44,6 +44,17 @@ Refusal with_ont(Exchange &exchange) {
     return {};
 }
 
+// A request whose payload starts with one channel or 255 for all: `act` gets that byte.
+template <void (*act)(Exchange &, std::uint8_t selector)>
+Refusal with_selector(Exchange &exchange) {
+    const std::uint8_t selector = exchange.request[payload];
+    if (!is_channel_or_all(selector)) {
+        return no_such_channel(selector);
+    }
+    act(exchange, selector);
+    return {};
+}
+
 // A request whose payload starts with one channel: `act` gets the channel.
 template <void (*act)(Exchange &, Channel &)>
 Refusal with_channel(Exchange &exchange) {
