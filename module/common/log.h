@@ -5,6 +5,7 @@
 namespace tarn {
 
 inline constexpr int log_error = 3;
+inline constexpr int log_warning = 4;
 inline constexpr int log_information = 6;
 
 }  // namespace tarn

@@ -1,5 +1,100 @@
+// Disables or enables one ONT: slot, serial and channel are written first, then one of the actions.
+#include "module/common/board_records.h"
+#include "module/common/operations/board_actions.h"
+#include "module/common/serial.h"
+#include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 
-void init_tarnONTDisable_manual(void) {}
+using namespace tarn;
 
-void deinit_tarnONTDisable_manual(void) {}
+namespace {
+
+std::int32_t slot = 1;  // counted from 1
+Serial serial{};
+std::int32_t channel = 0;  // counted from 0
+
+int get_slot(Binding *binding) {
+    snmp_set_var_typed_integer(binding, ASN_GAUGE, slot);
+    return SNMP_ERR_NOERROR;
+}
+
+int set_slot(const Binding &value) {
+    slot = static_cast<std::int32_t>(*value.val.integer);
+    return SNMP_ERR_NOERROR;
+}
+
+int get_serial(Binding *binding) {
+    snmp_set_var_typed_value(binding, ASN_OCTET_STR, serial.data(), serial.size());
+    return SNMP_ERR_NOERROR;
+}
+
+// A shorter value is filled with zeros, of a longer one the first eight bytes count.
+int set_serial(const Binding &value) {
+    serial = {};
+    std::memcpy(serial.data(), value.val.string, std::min(value.val_len, serial.size()));
+    return SNMP_ERR_NOERROR;
+}
+
+int get_channel(Binding *binding) {
+    snmp_set_var_typed_integer(binding, ASN_GAUGE, channel);
+    return SNMP_ERR_NOERROR;
+}
+
+int set_channel(const Binding &value) {
+    channel = static_cast<std::int32_t>(*value.val.integer);
+    return SNMP_ERR_NOERROR;
+}
+
+int get_zero(Binding *binding) {
+    snmp_set_var_typed_integer(binding, ASN_GAUGE, 0);
+    return SNMP_ERR_NOERROR;
+}
+
+template <int (*Act)(int slot, int channel, const std::uint8_t *serial)>
+int act_on_one(const Binding &value) {
+    return *value.val.integer != 1 || Act(slot - 1, channel, serial.data()) == 0 ? SNMP_ERR_NOERROR
+                                                                                 : SNMP_ERR_GENERR;
+}
+
+// A serial of any length passes.
+constexpr Check any_octets = octets_up_to(65535);
+
+constexpr Scalar disable_slot{"tarnONTDisableSlot", {3, 30000, 1}, get_slot,
+                              any_unsigned32,       set_slot,      unsigned_within(1, 16, SNMP_ERR_BADVALUE)};
+constexpr Scalar disable_serial{"tarnONTDisableONTSerial", {3, 30000, 2}, get_serial, any_octets, set_serial};
+constexpr Scalar disable_channel{
+    "tarnONTDisableChannel", {3, 30000, 3}, get_channel,
+    any_unsigned32,          set_channel,   unsigned_within(0, 7, SNMP_ERR_WRONGVALUE)};
+constexpr Scalar disable_action{
+    "tarnONTDisableActionDisable", {3, 30000, 4}, get_zero, any_unsigned32, act_on_one<disable_ont>};
+constexpr Scalar enable_action{
+    "tarnONTDisableActionEnable", {3, 30000, 5}, get_zero, any_unsigned32, act_on_one<enable_ont>};
+
+}  // namespace
+
+MODULE_SCALAR(tarnONTDisableSlot, disable_slot)
+MODULE_SCALAR(tarnONTDisableONTSerial, disable_serial)
+MODULE_SCALAR(tarnONTDisableChannel, disable_channel)
+MODULE_SCALAR(tarnONTDisableActionDisable, disable_action)
+MODULE_SCALAR(tarnONTDisableActionEnable, enable_action)
+
+void init_tarnONTDisable_manual(void) {
+    slot = 1;
+    serial = {};
+    channel = 0;
+    register_scalar(disable_slot, handle_tarnONTDisableSlot, tarnONTDisableSlot_registration);
+    register_scalar(disable_serial, handle_tarnONTDisableONTSerial, tarnONTDisableONTSerial_registration);
+    register_scalar(disable_channel, handle_tarnONTDisableChannel, tarnONTDisableChannel_registration);
+    register_scalar(disable_action, handle_tarnONTDisableActionDisable,
+                    tarnONTDisableActionDisable_registration);
+    register_scalar(enable_action, handle_tarnONTDisableActionEnable,
+                    tarnONTDisableActionEnable_registration);
+}
+
+void deinit_tarnONTDisable_manual(void) {
+    unregister_scalar(tarnONTDisableSlot_registration);
+    unregister_scalar(tarnONTDisableONTSerial_registration);
+    unregister_scalar(tarnONTDisableChannel_registration);
+    unregister_scalar(tarnONTDisableActionDisable_registration);
+    unregister_scalar(tarnONTDisableActionEnable_registration);
+}

@@ -1,5 +1,37 @@
+// Switches the automatic firmware updates.
+#include "module/common/operations/auto_update.h"
+#include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 
-void init_tarnONTAutoUpdateEnabled_manual(void) {}
+using namespace tarn;
 
-void deinit_tarnONTAutoUpdateEnabled_manual(void) {}
+namespace {
+
+int get_enabled(Binding *binding) {
+    snmp_set_var_typed_integer(binding, ASN_INTEGER, get_ont_fw_autoupdate());
+    return SNMP_ERR_NOERROR;
+}
+
+int set_enabled(const Binding &value) {
+    const int result = set_ont_fw_autoupdate_enabled(static_cast<int>(*value.val.integer));
+    return result == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
+}
+
+constexpr Scalar enabled{.name = "tarnONTAutoUpdateEnabled",
+                         .arcs = {3, 30, 23},
+                         .get = get_enabled,
+                         .check = integer_in(0, 2),
+                         .set = set_enabled,
+                         .unknown_mode = SNMP_ERR_NOERROR};
+
+}  // namespace
+
+MODULE_SCALAR(tarnONTAutoUpdateEnabled, enabled)
+
+void init_tarnONTAutoUpdateEnabled_manual(void) {
+    register_scalar(enabled, handle_tarnONTAutoUpdateEnabled, tarnONTAutoUpdateEnabled_registration);
+}
+
+void deinit_tarnONTAutoUpdateEnabled_manual(void) {
+    unregister_scalar(tarnONTAutoUpdateEnabled_registration);
+}

@@ -1,5 +1,119 @@
+// Updates one ONT over OMCI: slot, serial and file name are written first, then the action.
+#include <algorithm>
+#include <cstring>
+
+#include "module/common/operations/firmware_update.h"
+#include "module/common/serial.h"
+#include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 
-void init_tarnONTFirmwareUpdateViaOMCI_manual(void) {}
+using namespace tarn;
 
-void deinit_tarnONTFirmwareUpdateViaOMCI_manual(void) {}
+namespace {
+
+constexpr int longest_file_name = 127;
+constexpr int board_busy = 5;
+
+std::int32_t omci_slot = 1;  // counted from 1
+Serial omci_serial{};
+char omci_filename[longest_file_name + 1];
+std::size_t omci_filename_length = 0;
+
+int get_slot(Binding *binding) {
+    snmp_set_var_typed_integer(binding, ASN_GAUGE, omci_slot & 0xFF);
+    return SNMP_ERR_NOERROR;
+}
+
+int set_slot(const Binding &value) {
+    omci_slot = static_cast<std::int32_t>(*value.val.integer);
+    return SNMP_ERR_NOERROR;
+}
+
+int get_serial(Binding *binding) {
+    snmp_set_var_typed_value(binding, ASN_OCTET_STR, omci_serial.data(), omci_serial.size());
+    return SNMP_ERR_NOERROR;
+}
+
+int set_serial(const Binding &value) {
+    omci_serial = serial_at(value.val.string);
+    return SNMP_ERR_NOERROR;
+}
+
+int get_file_name(Binding *binding) {
+    snmp_set_var_typed_value(binding, ASN_OCTET_STR, omci_filename, std::strlen(omci_filename));
+    return SNMP_ERR_NOERROR;
+}
+
+int set_file_name(const Binding &value) {
+    omci_filename_length = std::min<std::size_t>(value.val_len, longest_file_name);
+    std::memset(omci_filename, 0, sizeof omci_filename);
+    std::memcpy(omci_filename, value.val.string, omci_filename_length);
+    return SNMP_ERR_NOERROR;
+}
+
+int get_zero(Binding *binding) {
+    snmp_set_var_typed_integer(binding, ASN_GAUGE, 0);
+    return SNMP_ERR_NOERROR;
+}
+
+int start_update(const Binding &value) {
+    if (*value.val.integer != 1) {
+        return SNMP_ERR_NOERROR;
+    }
+    const int slot = omci_slot - 1;
+    if (check_slot_link(slot) == 0) {
+        return SNMP_ERR_RESOURCEUNAVAILABLE;
+    }
+    get_table_handlers(slot);
+    // A name with a NUL inside is no file's: it must not stand for the part in front of it.
+    const bool whole = std::strlen(omci_filename) == omci_filename_length;
+    const int result = update_ont_firmware_via_OMCI(slot, omci_serial.data(), whole ? omci_filename : "");
+    if (result == board_busy) {
+        return SNMP_ERR_RESOURCEUNAVAILABLE;
+    }
+    return result == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
+}
+
+constexpr Scalar slot{"tarnONTFirmwareUpdateViaOMCISlot",
+                      {3, 30, 11, 1},
+                      get_slot,
+                      unsigned_within(1, 16, SNMP_ERR_WRONGVALUE),
+                      set_slot};
+constexpr Scalar serial{
+    "tarnONTFirmwareUpdateViaOMCISerial", {3, 30, 11, 2}, get_serial, octets_of(serial_size), set_serial};
+constexpr Scalar file_name{"tarnONTFirmwareUpdateViaOMCIFilename",
+                           {3, 30, 11, 3},
+                           get_file_name,
+                           octets_up_to(longest_file_name),
+                           set_file_name};
+constexpr Scalar action{
+    "tarnONTFirmwareUpdateViaOMCIAction", {3, 30, 11, 4}, get_zero, any_unsigned32, start_update};
+
+}  // namespace
+
+MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCISlot, slot)
+MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCISerial, serial)
+MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCIFilename, file_name)
+MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCIAction, action)
+
+void init_tarnONTFirmwareUpdateViaOMCI_manual(void) {
+    omci_slot = 1;
+    omci_serial = {};
+    omci_filename[0] = '\0';
+    omci_filename_length = 0;
+    register_scalar(slot, handle_tarnONTFirmwareUpdateViaOMCISlot,
+                    tarnONTFirmwareUpdateViaOMCISlot_registration);
+    register_scalar(serial, handle_tarnONTFirmwareUpdateViaOMCISerial,
+                    tarnONTFirmwareUpdateViaOMCISerial_registration);
+    register_scalar(file_name, handle_tarnONTFirmwareUpdateViaOMCIFilename,
+                    tarnONTFirmwareUpdateViaOMCIFilename_registration);
+    register_scalar(action, handle_tarnONTFirmwareUpdateViaOMCIAction,
+                    tarnONTFirmwareUpdateViaOMCIAction_registration);
+}
+
+void deinit_tarnONTFirmwareUpdateViaOMCI_manual(void) {
+    unregister_scalar(tarnONTFirmwareUpdateViaOMCISlot_registration);
+    unregister_scalar(tarnONTFirmwareUpdateViaOMCISerial_registration);
+    unregister_scalar(tarnONTFirmwareUpdateViaOMCIFilename_registration);
+    unregister_scalar(tarnONTFirmwareUpdateViaOMCIAction_registration);
+}

@@ -1,5 +1,82 @@
+// The file that says which firmware version goes before which, whole.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "module/common/files.h"
+#include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 
-void init_tarnONTFirmwaresVersionPriorityFile_manual(void) {}
+using namespace tarn;
 
-void deinit_tarnONTFirmwaresVersionPriorityFile_manual(void) {}
+namespace {
+
+constexpr std::string_view priority_file = "/mnt/fs/tools/cpe/versions-prio.txt";
+constexpr const char *remount = "sudo mount /dev/mtdblock6 /mnt/ext/ -o remount,ro,exec,noatime";
+constexpr std::size_t longest_read = 16384;
+constexpr int longest_written = 16383;
+
+// What was read or written last, which is the answer while there is no file.
+char text[longest_read + 1];
+
+int get_text(Binding *binding) {
+    const int file = open(rooted(priority_file).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file >= 0) {
+        std::size_t length = 0;
+        ssize_t count = 0;
+        while ((count = read(file, text + length, longest_read - length)) > 0) {
+            length += static_cast<std::size_t>(count);
+        }
+        text[length] = '\0';
+        close(file);
+    }
+    snmp_set_var_typed_value(binding, ASN_OCTET_STR, text, std::strlen(text));
+    return SNMP_ERR_NOERROR;
+}
+
+bool write_all(int file, std::string_view rest) {
+    while (!rest.empty()) {
+        const ssize_t count = write(file, rest.data(), rest.size());
+        if (count <= 0) {
+            return false;
+        }
+        rest.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+int set_text(const Binding &value) {
+    const std::string_view written(reinterpret_cast<const char *>(value.val.string), value.val_len);
+    std::copy(written.begin(), written.end(), text);
+    text[written.size()] = '\0';
+    const int file = open(rooted(priority_file).c_str(),
+                          O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
+    if (file < 0) {
+        return SNMP_ERR_RESOURCEUNAVAILABLE;
+    }
+    const bool whole = write_all(file, written) && (written.ends_with('\n') || write_all(file, "\n"));
+    close(file);
+    // The partition is writable only as long as it must be. Elsewhere there is none to remount.
+    static_cast<void>(std::system(remount));
+    return whole ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
+}
+
+constexpr Scalar priority{
+    "tarnONTFirmwaresVersionPriorityFile", {3, 30, 8}, get_text, octets_up_to(longest_written), set_text};
+
+}  // namespace
+
+MODULE_SCALAR(tarnONTFirmwaresVersionPriorityFile, priority)
+
+void init_tarnONTFirmwaresVersionPriorityFile_manual(void) {
+    text[0] = '\0';
+    register_scalar(priority, handle_tarnONTFirmwaresVersionPriorityFile,
+                    tarnONTFirmwaresVersionPriorityFile_registration);
+}
+
+void deinit_tarnONTFirmwaresVersionPriorityFile_manual(void) {
+    unregister_scalar(tarnONTFirmwaresVersionPriorityFile_registration);
+}

@@ -1,0 +1,34 @@
+// A table of one row a slot whose column 2, written with exactly 1, makes the line card do something.
+#ifndef TARN_MODULE_TABLES_SLOT_TRIGGER_TABLE_H
+#define TARN_MODULE_TABLES_SLOT_TRIGGER_TABLE_H
+
+#include "module/tables/frame/table.h"
+
+namespace tarn {
+
+inline constexpr IndexPart slot_trigger_index[] = {slot_part};
+
+template <int (*Act)(int slot)>
+int act_on_slot(const Row &row) {
+    return Act(row.slot);
+}
+
+template <int (*Act)(int slot)>
+inline constexpr Column slot_trigger_columns[] = {
+    {1, unsigned32, slot_plus(1)},
+    {2, unsigned32, reads_zero, any_unsigned32, on_one<act_on_slot<Act>, SNMP_ERR_COMMITFAILED>},
+};
+
+// Act gives 0 or a failure, which is reported as commitFailed; `refused` answers a SET of another column.
+template <int (*Act)(int slot)>
+constexpr Table slot_trigger_table(const char *name, int refused) {
+    return {.name = name,
+            .index = slot_trigger_index,
+            .columns = slot_trigger_columns<Act>,
+            .next = next_only_row,
+            .refused_column = refused};
+}
+
+}  // namespace tarn
+
+#endif

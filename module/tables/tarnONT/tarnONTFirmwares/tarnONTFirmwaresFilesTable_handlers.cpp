@@ -1,0 +1,68 @@
+// The images of the firmware directory. A row's number is its place in the last listing.
+#include <cstddef>
+#include <string>
+
+#include "module/firmware/acs_firmware_operations.h"
+#include "module/tables/frame/table.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr IndexPart row_index[] = {ordinal_part(TARN_FIRMWARE_IMAGES, ASN_INTEGER)};
+
+constexpr Field file_name = text_at(offsetof(AcsFirmwareFile, file_name), sizeof(AcsFirmwareFile::file_name));
+constexpr Field version = text_at(offsetof(AcsFirmwareFile, version), sizeof(AcsFirmwareFile::version));
+constexpr Field description =
+    text_at(offsetof(AcsFirmwareFile, description), sizeof(AcsFirmwareFile::description));
+
+// A name that fills its field may be the beginning of a longer one, and so another file's.
+int remove_image(Row &row, const Binding &value) {
+    int error = SNMP_ERR_NOERROR;
+    if (*value.val.integer == 1) {
+        const std::string name(load_text(row.record, file_name));
+        const bool whole = name.size() < sizeof(AcsFirmwareFile::file_name) - 1;
+        if (!whole || hub_remove_cpe_firmware_file(name.c_str()) != 0) {
+            error = SNMP_ERR_GENERR;
+        }
+    }
+    expire_files_list();
+    return error;
+}
+
+constexpr Column columns[] = {
+    {1, integer, index_number(0, 1)},
+    {2, octet_string, field(file_name)},
+    {3, octet_string, field(version)},
+    {4, octet_string, field(description)},
+    {10, unsigned32, reads_zero, any_unsigned32, remove_image},
+};
+
+bool find_image(Row &row) {
+    AcsFirmwareCache *cache = get_acs_firmware_cache();
+    if (cache == nullptr || row.number[0] >= cache->files_count) {
+        return false;
+    }
+    row.record = reinterpret_cast<std::uint8_t *>(&cache->files[row.number[0]]);
+    return true;
+}
+
+bool next_image(std::int64_t &cursor, Row &row) {
+    if (cursor == 0) {
+        get_files_list();
+    }
+    row.number[0] = cursor++;
+    return find_image(row);
+}
+
+constexpr Table table{
+    .name = "tarnONTFirmwaresFilesTable",
+    .index = row_index,
+    .columns = columns,
+    .find = find_image,
+    .next = next_image,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTFirmwaresFilesTable, table)

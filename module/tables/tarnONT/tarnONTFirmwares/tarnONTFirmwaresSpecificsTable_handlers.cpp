@@ -1,0 +1,157 @@
+// What the images' parameter files say. A row exists for every image with such a file.
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <string>
+
+#include "module/firmware/acs_firmware_operations.h"
+#include "module/tables/frame/table.h"
+#include "module/tables/tarnONT/tarnONTFirmwares/line_text.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr IndexPart row_index[] = {text_part};
+constexpr int row_status_column = 10;
+constexpr int create_and_go = 4;
+constexpr int destroy = 6;
+
+constexpr Field software_version =
+    text_at(offsetof(AcsFirmwareSpecific, software_version), sizeof(AcsFirmwareSpecific::software_version));
+constexpr Field equipment_list =
+    text_at(offsetof(AcsFirmwareSpecific, equipment_list), sizeof(AcsFirmwareSpecific::equipment_list));
+constexpr Field vendor = text_at(offsetof(AcsFirmwareSpecific, vendor), sizeof(AcsFirmwareSpecific::vendor));
+
+// Catalogue positions whose parameter files are to be written; -1: free.
+using CommitSet = std::array<std::int32_t, 16>;
+constexpr CommitSet empty_set = [] {
+    CommitSet set{};
+    set.fill(-1);
+    return set;
+}();
+CommitSet files_to_commit = empty_set;
+
+// The position of the first image of this name among the first `count`, or -1.
+int image_of_name(const AcsFirmwareCache &cache, std::string_view name, int count) {
+    for (int i = 0; i < count; ++i) {
+        if (name == cache.files[i].file_name) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+}  // namespace
+
+TARN_EXPORT void reset_files_to_commit(void) {
+    files_to_commit = empty_set;
+}
+
+// An image that is not in the catalogue, and the seventeenth one, are dropped.
+TARN_EXPORT void add_to_commit(const char *name) {
+    const AcsFirmwareCache *cache = get_acs_firmware_cache();
+    const int image = cache != nullptr ? image_of_name(*cache, name, TARN_FIRMWARE_IMAGES) : -1;
+    if (image < 0 ||
+        std::find(files_to_commit.begin(), files_to_commit.end(), image) != files_to_commit.end()) {
+        return;
+    }
+    const auto free = std::find(files_to_commit.begin(), files_to_commit.end(), -1);
+    if (free != files_to_commit.end()) {
+        *free = image;
+    }
+}
+
+// Writes the parameter files of the set, up to the first failure, and empties it; 0 or -1.
+TARN_EXPORT int commit_files(void) {
+    const bool all = std::all_of(files_to_commit.begin(), files_to_commit.end(), [](std::int32_t image) {
+        return image < 0 || set_specific_parameters(image) == 0;
+    });
+    reset_files_to_commit();
+    return all ? 0 : -1;
+}
+
+namespace {
+
+bool place_row(Row &row, AcsFirmwareCache &cache, int image) {
+    if (cache.specifics[image].has_spec != 1) {
+        return false;
+    }
+    row.text = cache.files[image].file_name;
+    row.record = reinterpret_cast<std::uint8_t *>(&cache.specifics[image]);
+    return true;
+}
+
+bool find_row(Row &row) {
+    AcsFirmwareCache *cache = get_acs_firmware_cache();
+    const int image = cache != nullptr ? image_of_name(*cache, row.text, cache->files_count) : -1;
+    return image >= 0 && place_row(row, *cache, image);
+}
+
+bool next_row(std::int64_t &cursor, Row &row) {
+    if (cursor == 0) {
+        get_files_list();
+    }
+    AcsFirmwareCache *cache = get_acs_firmware_cache();
+    while (cache != nullptr && cursor < cache->files_count) {
+        if (place_row(row, *cache, static_cast<int>(cursor++))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int answer_name(Row &row, Binding *binding) {
+    snmp_set_var_typed_value(binding, ASN_OCTET_STR, row.text.data(), row.text.size());
+    return SNMP_ERR_NOERROR;
+}
+
+int set_row_status(Row &row, const Binding &value) {
+    const std::string name(row.text);
+    const bool exists = row.record != nullptr;
+    int result = 0;
+    if (*value.val.integer == create_and_go && !exists) {
+        result = is_image_name(row.text) ? create_specific_file(name.c_str()) : -1;
+    } else if (*value.val.integer == destroy) {
+        if (!exists) {
+            return SNMP_NOSUCHINSTANCE;
+        }
+        result = delete_specific_file(name.c_str());
+    }
+    return result == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
+}
+
+constexpr Column columns[] = {
+    {1, octet_string, answered_by(answer_name)},
+    {2, octet_string, field(software_version), checked_by(text_without<line_breaks, octets_up_to(63)>)},
+    {3, octet_string, field(equipment_list), checked_by(text_without<line_breaks, octets_up_to(1023)>)},
+    {4, octet_string, field(vendor), checked_by(text_without<line_breaks, octets_of(4)>)},
+    {row_status_column, integer, constant(1), any_integer, set_row_status, true},
+};
+
+int remember_image(Row &row, const Column &column, const Binding & /*value*/) {
+    if (column.number != row_status_column) {
+        add_to_commit(std::string(row.text).c_str());
+    }
+    return SNMP_ERR_NOERROR;
+}
+
+int commit(Row & /*row*/) {
+    return commit_files() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
+}
+
+constexpr Table table{
+    .name = "tarnONTFirmwaresSpecificsTable",
+    .index = row_index,
+    .columns = columns,
+    .find = find_row,
+    .next = next_row,
+    .reserve2 = reset_files_to_commit,
+    .stage = remember_image,
+    .commit = commit,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTFirmwaresSpecificsTable, table)
