@@ -5,6 +5,7 @@
 
 #include "module/common/common.h"
 #include "module/tables/frame/row.h"
+#include "module/tables/frame/row_status.h"
 #include "tarn/record.h"
 
 namespace tarn {
@@ -36,6 +37,11 @@ inline constexpr Conversion truth_conversion{
 inline constexpr Conversion nonzero_conversion{
     [](std::int64_t stored) -> std::int64_t { return stored != 0 ? 1 : 2; },
     [](std::int64_t value) -> std::int64_t { return set_truth_value(static_cast<int>(value)); }};
+
+// The status of a row that is always active when it can be read: only destroy clears the stored flag.
+inline constexpr Conversion row_status_conversion{
+    [](std::int64_t /*stored*/) -> std::int64_t { return 1; },
+    [](std::int64_t value) -> std::int64_t { return value != destroy ? 1 : 0; }};
 
 struct Source {
     enum class Kind : std::uint8_t { slot, serial, number, constant, field, computed, function };
@@ -81,6 +87,10 @@ constexpr Source computed_of(RecordOf record, std::int64_t (*compute)(const std:
 constexpr Source computed(std::int64_t (*compute)(const std::uint8_t *)) {
     return computed_of(nullptr, compute);
 }
+// A column that cannot be read.
+inline constexpr Source not_readable{
+    .kind = Source::Kind::function,
+    .answer = [](Row & /*row*/, Binding * /*binding*/) -> int { return SNMP_NOSUCHOBJECT; }};
 // Whatever else: the function writes the value itself.
 constexpr Source answered_by(int (*answer)(Row &row, Binding *binding)) {
     return {.kind = Source::Kind::function, .answer = answer};

@@ -22,18 +22,18 @@ struct Target {
     bool has_row_data = true;
 };
 
-bool find_row(const Table &table, Target &target) {
-    return target.index_valid && (table.find == nullptr || table.find(target.row));
+bool find_row(bool (*find)(Row &row), Target &target) {
+    return target.index_valid && (find == nullptr || find(target.row));
 }
 
 int answer_get(const Table &table, Target &target, Binding *binding) {
-    if (!target.has_row_data) {
-        return table.no_row_data;
-    }
     if (target.column == nullptr && !table.row_before_column) {
         return table.unknown_column;
     }
-    if (!find_row(table, target)) {
+    if (!target.has_row_data) {
+        return table.no_row_data;
+    }
+    if (!find_row(table.find, target)) {
         return table.missing_row;
     }
     if (target.column == nullptr) {
@@ -51,17 +51,28 @@ int locate_for_set(const Table &table, Target &target) {
     if (!table.set_needs_row) {
         return SNMP_ERR_NOERROR;
     }
-    const bool found = find_row(table, target);
+    const bool found = find_row(table.find_for_set != nullptr ? table.find_for_set : table.find, target);
     const bool created = target.column->creates && target.index_valid;
-    return found || created ? SNMP_ERR_NOERROR : table.missing_row;
+    if (found || created) {
+        return SNMP_ERR_NOERROR;
+    }
+    return table.set_missing_row != 0 ? table.set_missing_row : table.missing_row;
 }
 
 int reserve(const Table &table, Target &target, const Binding *value) {
     if (!writable(target.column)) {
         return table.refused_column;
     }
-    const int error = locate_for_set(table, target);
+    const int error = table.reserve_needs_row ? locate_for_set(table, target) : SNMP_ERR_NOERROR;
     return error != SNMP_ERR_NOERROR ? error : check_value(target.column->check, value);
+}
+
+std::uint8_t *edited_record(const Table &table, Target &target) {
+    if (table.edited != nullptr) {
+        return table.edited(target.row);
+    }
+    const RecordOf own = target.column->source.record;
+    return own != nullptr ? own(target.row) : target.row.record;
 }
 
 int act(const Table &table, Target &target, const Binding &value) {
@@ -78,7 +89,7 @@ int act(const Table &table, Target &target, const Binding &value) {
     if (target.column->action != nullptr) {
         return target.column->action(target.row, value);
     }
-    std::uint8_t *record = table.edited != nullptr ? table.edited(target.row) : target.row.record;
+    std::uint8_t *record = edited_record(table, target);
     if (record == nullptr) {
         return table.missing_row;
     }

@@ -54,11 +54,18 @@ struct Table {
     bool set_needs_row = true;
     // A table that leaves every mode but GET alone.
     bool ignores_set = false;
+    // The row that a SET works on, with row.record set where columns are stored there; null: as find.
+    bool (*find_for_set)(Row &row) = nullptr;
+    // False: only the action phase looks for the row.
+    bool reserve_needs_row = true;
+    // The error when it is not there; 0: missing_row.
+    int set_missing_row = 0;
     void (*reserve1)() = nullptr;
     void (*reserve2)() = nullptr;
     // In the action phase, before a column is written; 0 or an error.
     int (*stage)(Row &row, const Column &column, const Binding &value) = nullptr;
-    // The record that columns without an action of their own are stored in; null: the row's.
+    // The record that columns without an action of their own are stored in; null: the column's own, or the
+    // row's.
     RecordOf edited = nullptr;
     // Sends what was staged; 0 or an error.
     int (*commit)(Row &row) = nullptr;

@@ -1,0 +1,10 @@
+// The OLT's address-table profiles.
+#include "module/tables/tarnOLT/olt_profile_rows.h"
+
+using namespace tarn;
+
+static constexpr Table table =
+    olt_profile_table<get_olt_address_table_profiles, olt_address_table_profile::size,
+                      olt_address_table_profile::count>("tarnOLTAddressTableProfilesTable");
+
+MODULE_ITERATOR_TABLE(tarnOLTAddressTableProfilesTable, table)

@@ -1,0 +1,10 @@
+// The OLT's VLAN profiles.
+#include "module/tables/tarnOLT/olt_profile_rows.h"
+
+using namespace tarn;
+
+static constexpr Table table =
+    olt_profile_table<get_olt_vlan_profiles, olt_vlan_profile::size, olt_vlan_profile::count>(
+        "tarnOLTVlanProfilesTable");
+
+MODULE_ITERATOR_TABLE(tarnOLTVlanProfilesTable, table)

@@ -1,0 +1,77 @@
+// What the tables of the ONT templates share: rows, and a SET that edits cached templates and sends each of
+// them once. Number 0 of a row is the template, number 1 in the services' tables the service.
+#ifndef TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
+#define TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
+
+#include "module/config/config_records.h"
+#include "module/config/ont_templates.h"
+#include "module/tables/frame/table.h"
+
+namespace tarn {
+
+// Both a service's profiles and their flags lie so far apart; entry 0 of a template is the template.
+inline constexpr int template_stride = ont_template::service_profile_size;
+
+// A template can be edited before it is in use.
+inline bool find_template_to_edit(Row &row) {
+    std::uint8_t *first = get_ont_templates();
+    if (first == nullptr) {
+        return false;
+    }
+    row.record = first + row.number[0] * static_cast<std::int64_t>(ont_template::size) +
+                 row.number[1] * template_stride;
+    return true;
+}
+
+inline bool find_template(Row &row) {
+    return find_template_to_edit(row) &&
+           load_integer(row.record - row.number[1] * template_stride, ont_template::in_use) != 0;
+}
+
+// The templates in use in the order of their indices, each `Entries` times.
+template <int Entries>
+bool next_template(std::int64_t &cursor, Row &row) {
+    for (; cursor < std::int64_t{ont_template::count} * Entries; cursor = (cursor / Entries + 1) * Entries) {
+        row.number[0] = cursor / Entries;
+        row.number[1] = cursor % Entries;
+        if (find_template(row)) {
+            ++cursor;
+            return true;
+        }
+    }
+    return false;
+}
+
+inline int stage_template(Row &row, const Column & /*column*/, const Binding & /*value*/) {
+    add_template_to_commit(static_cast<int>(row.number[0]));
+    return SNMP_ERR_NOERROR;
+}
+
+inline int commit_templates(Row & /*row*/) {
+    return commit_ont_templates() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
+}
+
+inline constexpr IndexPart template_index[] = {number_part(ont_template::count)};
+inline constexpr IndexPart template_service_index[] = {number_part(ont_template::count),
+                                                       ordinal_part(ont_template::services)};
+
+// A table with `Entries` rows a template.
+template <int Entries>
+constexpr Table template_table(const char *name, std::span<const Column> columns) {
+    return {
+        .name = name,
+        .index = Entries == 1 ? Index{template_index} : Index{template_service_index},
+        .columns = columns,
+        .find = find_template,
+        .next = next_template<Entries>,
+        .find_for_set = find_template_to_edit,
+        .reserve_needs_row = false,
+        .reserve2 = cleanup_templates_commit_needs,
+        .stage = stage_template,
+        .commit = commit_templates,
+    };
+}
+
+}  // namespace tarn
+
+#endif

@@ -1,0 +1,124 @@
+// What the tables of the chassis-wide profiles share: rows, the columns that every kind has, and a SET that
+// edits cached profiles and sends each of them once.
+#ifndef TARN_MODULE_TABLES_TARNONT_PROFILE_ROWS_H
+#define TARN_MODULE_TABLES_TARNONT_PROFILE_ROWS_H
+
+#include "module/common/slot_management_db.h"
+#include "module/config/profiles.h"
+#include "module/tables/frame/table.h"
+
+namespace tarn {
+
+// A kind of profile as its tables use it; `Edited` are the profiles of the SET under way that are to be sent.
+// Number 0 of a row is the profile, number 1 in the tables of its entries the entry.
+template <auto Get, auto Add, auto Delete, std::size_t Size, auto Stamp, auto &Edited>
+struct ProfileKind {
+    static constexpr int count = std::tuple_size_v<decltype(Edited.flags)>;
+
+    static int index_of(const Row &row) { return static_cast<int>(row.number[0]); }
+
+    // The profile if it is in use.
+    static bool find(Row &row) { return find_entry<0>(row); }
+    // Its entry, `Stride` bytes behind entry 0, is the row's record.
+    template <int Stride>
+    static bool find_entry(Row &row) {
+        std::uint8_t *first = Get();
+        if (first == nullptr || row.number[0] >= count) {
+            return false;
+        }
+        std::uint8_t *profile = first + row.number[0] * static_cast<std::int64_t>(Size);
+        row.record = profile + row.number[1] * Stride;
+        return load_integer(profile, profile_head::in_use) != 0;
+    }
+    // The profiles in use in the order of their indices, each `Entries` times.
+    template <int Entries>
+    static bool next_entry(std::int64_t &cursor, Row &row) {
+        for (; cursor < std::int64_t{count} * Entries; cursor = (cursor / Entries + 1) * Entries) {
+            row.number[0] = cursor / Entries;
+            row.number[1] = 0;
+            if (find(row)) {
+                row.number[1] = cursor++ % Entries;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    static void begin_set() { Edited.reset(); }
+    static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
+        if (row.number[0] < count) {
+            Edited.add(index_of(row));
+        }
+        return SNMP_ERR_NOERROR;
+    }
+    // What a SET has edited stays in the cache until it is sent, so the array must not be read again before.
+    static void keep_edits() {
+        if (!Edited.empty()) {
+            (profiles_database()->*Stamp).set();
+        }
+    }
+    // 6 deletes, anything else creates; both at once. A deleted profile is not sent again.
+    static int set_row_status(Row &row, const Binding &value) {
+        if (*value.val.integer == destroy) {
+            if (Delete(index_of(row)) != 0) {
+                return SNMP_ERR_GENERR;
+            }
+            Edited.remove(index_of(row));
+        } else if (Add(index_of(row)) != 0) {
+            return SNMP_ERR_NOCREATION;
+        }
+        keep_edits();
+        return SNMP_ERR_NOERROR;
+    }
+    static constexpr Column row_status(int number) {
+        return {number, integer, constant(1), any_integer, set_row_status, true};
+    }
+};
+
+// The index may be any number, so that creation and deletion answer for one that is out of range.
+inline constexpr IndexPart profile_index[] = {number_part(any_unsigned)};
+
+inline constexpr Column profile_number{1, unsigned32, index_number(0, 0)};
+inline constexpr Column profile_description{2, octet_string, field(profile_head::description),
+                                            octets_up_to(255)};
+inline constexpr Column profile_name{3, octet_string, field(profile_head::name), octets_up_to(15)};
+
+// The commit of a whole set, whose flags say what is left to send.
+template <int (*Commit)()>
+int commit_set(Row & /*row*/) {
+    return Commit() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
+}
+// The commit of the row's own profile, once.
+template <auto &Edited, int (*Set)(int)>
+int commit_row(Row &row) {
+    return Edited.commit_one(static_cast<int>(row.number[0]), Set) == 0 ? SNMP_ERR_NOERROR
+                                                                        : SNMP_ERR_COMMITFAILED;
+}
+
+// The kinds that several tables edit.
+using ShapingProfiles =
+    ProfileKind<get_shaping_profiles, add_shaping_profile, delete_shaping_profile, shaping_profile::size,
+                &ProfilesDatabase::shaping_stamp, shaping_profiles_to_commit>;
+using PortsProfiles =
+    ProfileKind<get_ports_profiles, add_ports_profile, delete_ports_profile, ports_profile::size,
+                &ProfilesDatabase::ports_stamp, ports_profiles_to_commit>;
+
+// A table of `Entries` entries in each ports profile, `Stride` bytes apart.
+template <int Entries, int Stride>
+constexpr Table ports_entries_table(const char *name, Index index, std::span<const Column> columns) {
+    return {
+        .name = name,
+        .index = index,
+        .columns = columns,
+        .find = PortsProfiles::find_entry<Stride>,
+        .next = PortsProfiles::next_entry<Entries>,
+        .reserve_needs_row = false,
+        .reserve2 = reset_ports_profiles_commit_needs,
+        .stage = PortsProfiles::stage,
+        .commit = commit_set<commit_ports_profiles>,
+    };
+}
+
+}  // namespace tarn
+
+#endif

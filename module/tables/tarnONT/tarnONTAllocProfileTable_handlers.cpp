@@ -1,0 +1,41 @@
+// Alloc profiles.
+#include "module/tables/tarnONT/profile_rows.h"
+
+using namespace tarn;
+using namespace tarn::alloc_profile;
+
+namespace {
+
+CommitSet<count> profiles_to_commit;
+using Profiles = ProfileKind<get_alloc_profiles, add_alloc_profile, delete_alloc_profile, size,
+                             &ProfilesDatabase::alloc_stamp, profiles_to_commit>;
+
+constexpr Column columns[] = {
+    profile_number,
+    profile_description,
+    profile_name,
+    {4, integer, field(value_278), any_integer},
+    {5, integer, field(value_280), any_integer},
+    {6, unsigned32, field(value_282), any_unsigned32},
+    {7, unsigned32, field(value_286), any_unsigned32},
+    {8, unsigned32, field(value_287), any_unsigned32},
+    {9, unsigned32, field(value_291), any_unsigned32},
+    {10, unsigned32, field(value_295), any_unsigned32},
+    Profiles::row_status(20),
+};
+
+constexpr Table table{
+    .name = "tarnONTAllocProfileTable",
+    .index = profile_index,
+    .columns = columns,
+    .find = Profiles::find,
+    .next = Profiles::next_entry<1>,
+    .reserve_needs_row = false,
+    .reserve2 = Profiles::begin_set,
+    .stage = Profiles::stage,
+    .commit = commit_row<profiles_to_commit, set_alloc_profile>,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTAllocProfileTable, table)

@@ -1,0 +1,55 @@
+// Cross-connect profiles.
+#include "module/tables/tarnONT/profile_rows.h"
+
+using namespace tarn;
+using namespace tarn::crossconnect_profile;
+
+namespace {
+
+CommitSet<count> profiles_to_commit;
+using Profiles = ProfileKind<get_crossconnect_profiles, add_crossconnect_profile, delete_crossconnect_profile,
+                             size, &ProfilesDatabase::crossconnect_stamp, profiles_to_commit>;
+
+// Its range is 16 bits, but only the action phase says so.
+int set_value_295(Row &row, const Binding &value) {
+    if (*value.val.integer >= 65536) {
+        return SNMP_ERR_WRONGVALUE;
+    }
+    store_integer(row.record, value_295, *value.val.integer);
+    return SNMP_ERR_NOERROR;
+}
+
+constexpr Column columns[] = {
+    profile_number,
+    profile_description,
+    profile_name,
+    {4, integer, field(value_278), any_integer},
+    {5, unsigned32, field(value_280), any_unsigned32},
+    {6, integer, field(value_281), any_integer},
+    {7, integer, field(value_283), any_integer},
+    {8, integer, field(value_285), any_integer},
+    {9, integer, field(value_286), any_integer},
+    {10, integer, field(value_288), any_integer},
+    {11, integer, field(value_290), any_integer},
+    {12, integer, field(value_291), any_integer},
+    {13, integer, field(value_293), any_integer},
+    {14, integer, field(value_295), any_integer, set_value_295},
+    {15, unsigned32, field(value_297), unsigned_within(0, 7, SNMP_ERR_WRONGVALUE)},
+    Profiles::row_status(20),
+};
+
+constexpr Table table{
+    .name = "tarnONTCrossConnectProfileTable",
+    .index = profile_index,
+    .columns = columns,
+    .find = Profiles::find,
+    .next = Profiles::next_entry<1>,
+    .reserve_needs_row = false,
+    .reserve2 = Profiles::begin_set,
+    .stage = Profiles::stage,
+    .commit = commit_row<profiles_to_commit, set_crossconnect_profile>,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTCrossConnectProfileTable, table)

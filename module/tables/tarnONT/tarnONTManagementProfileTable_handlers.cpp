@@ -1,0 +1,46 @@
+// Management profiles.
+#include "module/tables/tarnONT/profile_rows.h"
+
+using namespace tarn;
+using namespace tarn::management_profile;
+
+namespace {
+
+// What a SET edits, less what it deletes.
+CommitSet<count> edited_profiles;
+using Profiles = ProfileKind<get_management_profiles, add_management_profile, delete_management_profile, size,
+                             &ProfilesDatabase::management_stamp, edited_profiles>;
+
+constexpr Column columns[] = {
+    profile_number,
+    profile_description,
+    profile_name,
+    {5, octet_string, field(text_280), octets_up_to(127)},
+    {6, octet_string, field(text_408), octets_up_to(26)},
+    {7, octet_string, field(text_434), octets_up_to(26)},
+    {8, integer, field(flag_278, nonzero_conversion), any_integer},
+    Profiles::row_status(20),
+};
+
+// Unlike the other kinds, the profile is sent for each of its columns.
+int commit(Row &row) {
+    const int index = Profiles::index_of(row);
+    return !edited_profiles.contains(index) || set_management_profile(index) == 0 ? SNMP_ERR_NOERROR
+                                                                                  : SNMP_ERR_COMMITFAILED;
+}
+
+constexpr Table table{
+    .name = "tarnONTManagementProfileTable",
+    .index = profile_index,
+    .columns = columns,
+    .find = Profiles::find,
+    .next = Profiles::next_entry<1>,
+    .reserve_needs_row = false,
+    .reserve2 = Profiles::begin_set,
+    .stage = Profiles::stage,
+    .commit = commit,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTManagementProfileTable, table)

@@ -1,0 +1,29 @@
+// The MLD entries of the ports profiles.
+#include "module/tables/tarnONT/profile_rows.h"
+
+using namespace tarn;
+using namespace tarn::ports_profile;
+
+namespace {
+
+constexpr IndexPart row_index[] = {number_part(any_unsigned), number_part(mld_entries)};
+
+// Any length passes; what does not fill the address leaves zeros behind it.
+constexpr Check any_octets = octets_up_to(65535);
+
+constexpr Column columns[] = {
+    {2, unsigned32, field(mld_value), any_unsigned32},  // 65535: none
+    {5, octet_string, field(mld_address_2), any_octets},
+    {6, octet_string, field(mld_address_18), any_octets},
+    {7, unsigned32, field(mld_value_34), any_unsigned32},
+    {8, unsigned32, field(mld_value_36), any_unsigned32},
+    {9, unsigned32, field(mld_value_38), any_unsigned32},
+    {10, unsigned32, field(mld_value_40), any_unsigned32},
+};
+
+constexpr Table table = ports_entries_table<mld_entries, mld_entry_size>(
+    "tarnONTPortsProfileMLDDynamicEntriesTable", row_index, columns);
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTPortsProfileMLDDynamicEntriesTable, table)

@@ -1,0 +1,31 @@
+// Shaping profiles. Their queues are out of reach here; see tarnONTShapingProfileUpstreamTable for the
+// cross-connects.
+#include "module/tables/tarnONT/profile_rows.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr Column columns[] = {
+    profile_number,
+    profile_description,
+    profile_name,
+    {4, integer, truth(shaping_profile::flag_278), any_integer},
+    ShapingProfiles::row_status(10),
+};
+
+constexpr Table table{
+    .name = "tarnONTShapingProfileTable",
+    .index = profile_index,
+    .columns = columns,
+    .find = ShapingProfiles::find,
+    .next = ShapingProfiles::next_entry<1>,
+    .reserve_needs_row = false,
+    .reserve2 = reset_shaping_profiles_commit_needs,
+    .stage = ShapingProfiles::stage,
+    .commit = commit_set<commit_shaping_profiles>,
+};
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTShapingProfileTable, table)

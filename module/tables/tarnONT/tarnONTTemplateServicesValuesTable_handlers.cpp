@@ -1,0 +1,19 @@
+// The two profiles of each service of the ONT templates.
+#include "module/tables/tarnONT/ont_config_rows.h"
+#include "module/tables/tarnONT/ont_template_rows.h"
+
+using namespace tarn;
+using namespace tarn::ont_template;
+
+namespace {
+
+constexpr Column columns[] = {
+    {2, unsigned32, profile(service_profile_325), any_unsigned32},
+    {3, unsigned32, profile(service_profile_389), any_unsigned32},
+};
+
+constexpr Table table = template_table<services>("tarnONTTemplateServicesValuesTable", columns);
+
+}  // namespace
+
+MODULE_ITERATOR_TABLE(tarnONTTemplateServicesValuesTable, table)
