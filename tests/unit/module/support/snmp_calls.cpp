@@ -82,22 +82,6 @@ IndexValues read_list(const netsnmp_variable_list *list) {
     return values;
 }
 
-// Runs a SET's phases through `call`; the first error, else 0.
-template <class CallMode>
-int run_set(CallMode call) {
-    for (const int mode : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT}) {
-        const Outcome out = call(mode);
-        const int error = out.error != 0 ? out.error : out.result;
-        if (error != 0) {
-            if (mode != MODE_SET_COMMIT) {
-                call(mode == MODE_SET_ACTION ? MODE_SET_UNDO : MODE_SET_FREE);
-            }
-            return error;
-        }
-    }
-    return 0;
-}
-
 }  // namespace
 
 Value integer_value(long value) {
@@ -168,13 +152,31 @@ std::vector<Oid> walk_nextgen(get_next_entry_function *next, int slot, const Oid
 
 int set_iterator(module_handler_function *handler, int column, const IndexValues &index, void *row,
                  const Value &value) {
-    return run_set([&](int mode) { return call_iterator(handler, mode, column, index, row, &value); });
+    return set_together({[&](int mode) { return call_iterator(handler, mode, column, index, row, &value); }});
+}
+
+int set_together(const std::vector<std::function<Outcome(int mode)>> &variables) {
+    for (const int mode : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT}) {
+        int error = 0;
+        for (const auto &variable : variables) {
+            const Outcome out = variable(mode);
+            error = error != 0 ? error : out.error != 0 ? out.error : out.result;
+        }
+        if (error != 0) {
+            const int end = mode == MODE_SET_ACTION ? MODE_SET_UNDO : MODE_SET_FREE;
+            for (std::size_t i = 0; mode != MODE_SET_COMMIT && i < variables.size(); ++i) {
+                variables[i](end);
+            }
+            return error;
+        }
+    }
+    return 0;
 }
 
 int set_nextgen(table_handler_nextgen_function *handler, int slot, const Oid &name, const Value &value) {
-    return run_set([&](int mode) { return call_nextgen(handler, mode, slot, name, &value); });
+    return set_together({[&](int mode) { return call_nextgen(handler, mode, slot, name, &value); }});
 }
 
 int set_scalar(Netsnmp_Node_Handler *handler, const Value &value) {
-    return run_set([&](int mode) { return call_scalar(handler, mode, &value); });
+    return set_together({[&](int mode) { return call_scalar(handler, mode, &value); }});
 }

@@ -2,6 +2,7 @@
 #ifndef TARN_TESTS_UNIT_MODULE_SUPPORT_SNMP_CALLS_H
 #define TARN_TESTS_UNIT_MODULE_SUPPORT_SNMP_CALLS_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,8 @@ Oid next_of(get_next_entry_function *next, int slot, const Oid &name, int column
 // A whole SET of one variable: the phases in order, FREE or UNDO after an error. The first error, else 0.
 int set_iterator(module_handler_function *handler, int column, const IndexValues &index, void *row,
                  const Value &value);
+// One SET of several variables, each a call in a mode: every phase goes to all of them before the next.
+int set_together(const std::vector<std::function<Outcome(int mode)>> &variables);
 int set_nextgen(table_handler_nextgen_function *handler, int slot, const Oid &name, const Value &value);
 int set_scalar(Netsnmp_Node_Handler *handler, const Value &value);
 
