@@ -46,9 +46,7 @@ struct ProfileKind {
 
     static void begin_set() { Edited.reset(); }
     static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-        if (row.number[0] < count) {
-            Edited.add(index_of(row));
-        }
+        Edited.add(index_of(row));
         return SNMP_ERR_NOERROR;
     }
     // What a SET has edited stays in the cache until it is sent, so the array must not be read again before.
