@@ -25,7 +25,7 @@ constexpr Source profile(Field field) {
 // ---- Rows ----
 
 // The ONT that is in use under the row's serial.
-inline bool find_ont(Row &row) {
+inline bool find_ont_config(Row &row) {
     row.record = get_all_ont_config_by_serial(row.slot, row.serial.data(), nullptr);
     return row.record != nullptr;
 }
@@ -42,7 +42,7 @@ inline bool has_serial(const std::uint8_t *ont) {
 // Entry row.number[0] of an ONT, `Stride` bytes behind the ONT's entry 0, is the row's record.
 template <int Stride>
 bool find_ont_entry(Row &row) {
-    if (!find_ont(row)) {
+    if (!find_ont_config(row)) {
         return false;
     }
     row.record += row.number[0] * Stride;

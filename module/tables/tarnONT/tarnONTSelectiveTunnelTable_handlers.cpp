@@ -29,7 +29,7 @@ std::int64_t offset_of_place(const Row &row) {
 }
 
 bool find_place(Row &row) {
-    if (!find_ont(row)) {
+    if (!find_ont_config(row)) {
         return false;
     }
     row.record += offset_of_place(row);
