@@ -26,6 +26,12 @@ std::uint32_t symbol_count(const std::uint32_t *hash) {
     return last + 1;
 }
 
+// A dynamic entry's address; the loader has made it absolute.
+template <class T>
+const T *at(const ElfW(Dyn) & entry) {
+    return reinterpret_cast<const T *>(entry.d_un.d_ptr);  // NOLINT(performance-no-int-to-ptr)
+}
+
 }  // namespace
 
 std::vector<std::string_view> defined_symbols(void *handle) {
@@ -37,13 +43,12 @@ std::vector<std::string_view> defined_symbols(void *handle) {
     const char *strings = nullptr;
     const std::uint32_t *hash = nullptr;
     for (const ElfW(Dyn) *entry = map->l_ld; entry->d_tag != DT_NULL; ++entry) {
-        const ElfW(Addr) address = entry->d_un.d_ptr;
         if (entry->d_tag == DT_SYMTAB) {
-            symbols = reinterpret_cast<const ElfW(Sym) *>(address);
+            symbols = at<ElfW(Sym)>(*entry);
         } else if (entry->d_tag == DT_STRTAB) {
-            strings = reinterpret_cast<const char *>(address);
+            strings = at<char>(*entry);
         } else if (entry->d_tag == DT_GNU_HASH) {
-            hash = reinterpret_cast<const std::uint32_t *>(address);
+            hash = at<std::uint32_t>(*entry);
         }
     }
     std::vector<std::string_view> names;

@@ -34,7 +34,7 @@ void write_repeats() {
     }
 }
 
-std::string format_message(const char *format, va_list arguments) {
+__attribute__((format(printf, 1, 0))) std::string format_message(const char *format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     std::string text(512, '\0');

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string>
 
 #include "host/block_allocator.h"
@@ -156,7 +157,7 @@ bool serve(const Settings &settings, const Options &options) {
 
 }  // namespace
 
-int main(int argc, char **argv) {
+int main(int argc, char **argv) try {
     Options options;
     CLI::App app{"SNMP agent of a GPON chassis"};
     app.add_option("--config", options.config, "configuration file, net-snmp's directives and the agent's");
@@ -180,4 +181,7 @@ int main(int argc, char **argv) {
         return EXIT_FAILURE;
     }
     return report_outstanding_blocks() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+} catch (const std::exception &error) {
+    (void)std::fprintf(stderr, "tarn-agentd: %s\n", error.what());
+    return EXIT_FAILURE;
 }
