@@ -128,7 +128,7 @@ TEST_F(Servers, LinksThatAreRefusedAreClosed) {
     Client no_link(socket_path());
     EXPECT_EQ(no_link.ask(make_request(0, 69, 8, "")).at(14), 2);
     EXPECT_TRUE(no_link.receive().empty());
-    for (const char *length : {"1f000000", "01002000"}) {
+    for (const char *length : {"1f000000", "01004000"}) {
         Client client(socket_path());
         EXPECT_EQ(client.link(0), 0);
         client.send(
