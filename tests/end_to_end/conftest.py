@@ -2,15 +2,20 @@ import os
 
 import pytest
 
-import mib
+import mib as mib_reader
 from programs import SOURCE
 from system import System
 
 
 @pytest.fixture(scope="session")
-def tables():
+def mib():
+    return mib_reader.read(SOURCE / "mibs")
+
+
+@pytest.fixture(scope="session")
+def tables(mib):
     """The tables of TARN-MIB by name."""
-    return mib.read_tables(SOURCE / "mibs")
+    return mib.tables
 
 
 @pytest.fixture(scope="session")

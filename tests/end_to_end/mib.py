@@ -9,14 +9,18 @@ from snmp import ENVIRONMENT, ROOT
 # The parser's names of base types, and the types that they have in a message.
 MESSAGE_TYPES = {
     "INTEGER": "INTEGER", "Integer32": "INTEGER", "EnumVal": "INTEGER",
-    "Unsigned": "Gauge32", "Gauge": "Gauge32", "Counter": "Counter32",
-    "String": "OCTET STRING",
+    "Unsigned": "Gauge32", "Gauge": "Gauge32", "Counter": "Counter32", "Counter64": "Counter64",
+    "String": "OCTET STRING", "IpAddr": "IpAddress",
 }
-ACCESS = {"-R--": "read-only", "-RW-": "read-write", "----": "not-accessible"}
+ACCESS = {"-R--": "read-only", "-RW-": "read-write", "CR--": "read-create", "----": "not-accessible",
+          "---N": "accessible-for-notify"}
+READABLE = {"read-only", "read-write", "read-create"}
 
 
 @dataclass
-class Column:
+class Object:
+    """A column of a table, or a scalar."""
+
     name: str
     number: int
     type: str
@@ -39,11 +43,17 @@ class Table:
     columns: list = field(default_factory=list)
 
     def served(self):
-        return [column for column in self.columns if column.access != "not-accessible"]
+        return [column for column in self.columns if column.access in READABLE]
 
     def instance(self, column, *index):
         number = next(c.number for c in self.columns if column in (c.name, c.number))
         return ".".join([self.oid, "1", str(number), *map(str, index)])
+
+
+@dataclass
+class Mib:
+    tables: dict = field(default_factory=dict)   # by name
+    objects: dict = field(default_factory=dict)  # columns and scalars by OID, as a string
 
 
 def parse_ranges(text):
@@ -54,28 +64,33 @@ def parse_ranges(text):
     return ranges
 
 
-def read_tables(mib_directory):
-    """The tables of TARN-MIB by name, from snmptranslate's picture of the tree."""
+def read(mib_directory):
+    """TARN-MIB, from snmptranslate's picture of the tree."""
     picture = subprocess.run(
         ["snmptranslate", "-M", f"{mib_directory}/base:{mib_directory}", "-m", "TARN-MIB", "-Tp", "-OS", ROOT],
         env=ENVIRONMENT, capture_output=True, text=True, check=True)
     assert not picture.stderr, picture.stderr
-    tables, path, table, column = {}, [], None, None
+    mib, path, table, last = Mib(), [], None, None
+
+    def oid_at(match, number):
+        path[match.start() // 3:] = [number]
+        return ".".join([ROOT, *map(str, path[1:])])
+
     for line in picture.stdout.splitlines():
         if node := re.search(r"\+--(\w[\w-]*)\((\d+)\)$", line):
-            depth = node.start() // 3
-            path[depth:] = [int(node.group(2))]
+            oid = oid_at(node, int(node.group(2)))
             if node.group(1).endswith("Table"):
-                table = Table(node.group(1), ROOT + "." + ".".join(map(str, path[1:])), [])
-                tables[table.name] = table
+                table = mib.tables[node.group(1)] = Table(node.group(1), oid, [])
         elif index := re.search(r"\|  Index: (.*)$", line):
             table.index = index.group(1).split(", ")
         elif leaf := re.search(r"\+-- (\S{4}) (\w+)\s+(\w+)\((\d+)\)$", line):
-            column = Column(leaf.group(3), int(leaf.group(4)), MESSAGE_TYPES[leaf.group(2)],
-                            ACCESS[leaf.group(1)])
-            table.columns.append(column)
+            last = Object(leaf.group(3), int(leaf.group(4)), MESSAGE_TYPES[leaf.group(2)], ACCESS[leaf.group(1)])
+            oid = oid_at(leaf, last.number)
+            mib.objects[oid] = last
+            if table and oid.startswith(table.oid + ".1."):
+                table.columns.append(last)
         elif ranges := re.search(r"(?:Range|Size): (.*)$", line):
-            column.ranges = parse_ranges(ranges.group(1))
+            last.ranges = parse_ranges(ranges.group(1))
         elif values := re.search(r"Values: (.*)$", line):
-            column.values = {int(number) for number in re.findall(r"\((-?\d+)\)", values.group(1))}
-    return tables
+            last.values = {int(number) for number in re.findall(r"\((-?\d+)\)", values.group(1))}
+    return mib

@@ -8,6 +8,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 ROOT = "1.3.6.1.4.1.32473.1.22"
+PON_CHANNELS = f"{ROOT}.1"
 READ, WRITE = "public", "private"
 EXCEPTIONS = ("No Such Object", "No Such Instance", "No more variables")
 
@@ -38,7 +39,7 @@ def parse_line(line):
     kind, text = text.split(": ", 1)
     if kind == "Hex-STRING":
         return oid, Value("OCTET STRING", bytes.fromhex(text))
-    if kind in ("INTEGER", "Gauge32", "Counter32"):
+    if kind in ("INTEGER", "Gauge32", "Counter32", "Counter64"):
         return oid, Value(kind, int(text))
     return oid, Value(kind, text)
 
@@ -93,15 +94,15 @@ class Client:
         flat = [str(part) for binding in bindings for part in binding]
         return self._run("snmpset", self.target, *flat, community=community)
 
-    def walk(self, root=ROOT, community=READ):
+    def walk(self, root=PON_CHANNELS, community=READ):
         """By GETNEXT. The tool itself ends with an error when an OID does not increase."""
         return self._without_end(self._run("snmpwalk", self.target, root, community=community))
 
-    def bulk_walk(self, repetitions, root=ROOT, community=READ):
+    def bulk_walk(self, repetitions, root=PON_CHANNELS, community=READ):
         return self._without_end(
             self._run("snmpbulkwalk", f"-Cr{repetitions}", self.target, root, community=community))
 
-    def start_walk(self, root=ROOT):
+    def start_walk(self, root=PON_CHANNELS):
         """A GETNEXT walk that goes on while the test does something else; finish with `finish_walk`."""
         return subprocess.Popen(self._command("snmpwalk", self.target, root), env=ENVIRONMENT,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
@@ -120,7 +121,7 @@ class Client:
         return rows
 
 
-def node_walk(port, node_directory, root=ROOT, repetitions=20):
+def node_walk(port, node_directory, root=PON_CHANNELS, repetitions=20):
     """The rows as the Node.js client sees them."""
     done = subprocess.run(["node", str(Path(__file__).with_name("walk.js")), str(port), READ, root,
                            str(repetitions)],

@@ -3,7 +3,7 @@
 import pytest
 
 import commands
-from snmp import ROOT, SnmpError
+from snmp import PON_CHANNELS, ROOT, SnmpError
 
 WRITES = {commands.RECONFIGURE_CHANNEL, commands.RESET_COUNTERS, commands.SET_CHANNEL_CONFIG,
           commands.SET_ACTIVATION_AUTH_MODE}
@@ -105,4 +105,5 @@ def test_a_get_next_from_odd_places_goes_to_the_next_row(shared):
         f"{STATE}.21.16.8": f"{MODE}.3.1.1",
     }
     assert [oid for oid, _ in shared.snmp.get_next(*following)] == list(following.values())
-    assert shared.snmp.get_next(rows[-1])[0][1].type == "exception"
+    after, end = shared.snmp.get_next(rows[-1])[0]
+    assert end.type == "exception" or not after.startswith(PON_CHANNELS + ".")
