@@ -36,7 +36,8 @@ Bytes part(const Entries &entries, bool last, std::uint32_t cursor, std::uint32_
     tarn::store_le32(answer.data(), count);
     tarn::store_le32(&answer[4], cursor);
     const std::size_t held = std::min<std::size_t>(entries.size(), 128);
-    std::memcpy(&answer[8], entries.data(), held * 10);
+    const auto *bytes = reinterpret_cast<const std::uint8_t *>(entries.data());
+    std::copy(bytes, bytes + held * 10, answer.begin() + 8);
     answer[1288] = last ? 1 : 0;
     return answer;
 }
