@@ -5,7 +5,8 @@
 namespace tarn::chassis {
 namespace {
 
-constexpr CardPlan no_onts{.onts_per_channel = {}, .addresses = 0, .pppoe_sessions = 0};
+constexpr CardPlan no_onts{
+    .onts_per_channel = {}, .addresses = 0, .pppoe_sessions = 0, .vlans = 0, .mac_addresses = 0};
 
 std::string describe(const RequestEntry &entry) {
     return "slot " + std::to_string(entry.slot) + ": command " + std::to_string(entry.command) + " (" +

@@ -138,8 +138,9 @@ int slot_of(const Json &request) {
     return static_cast<int>(number(request, "slot", 0, chassis_slot::line_cards - 1));
 }
 
+// A line card, or one of the chassis' own services.
 Card &card_of(Chassis &chassis, const Json &request) {
-    const int slot = slot_of(request);
+    const auto slot = static_cast<int>(number(request, "slot", 0, chassis_slot::chassis_network));
     Card *card = chassis.card(slot);
     if (card == nullptr) {
         throw ControlError("no card in slot " + std::to_string(slot));

@@ -92,7 +92,49 @@ Json one_ont_json(Card &card, Moment now, const Json &request) {
 Json counts_json(Card &card, Moment, const Json &) {
     return {{"onts", card.onts.size()},
             {"addresses", card.addresses.size()},
-            {"pppoe_sessions", card.pppoe_sessions.size()}};
+            {"pppoe_sessions", card.pppoe_sessions.size()},
+            {"mac_addresses", card.ethernet_switch.macs.size()}};
+}
+
+Json config_json(Card &card, Moment now, const Json &) {
+    const StagedConfig::Status status = card.config.status(now);
+    Json result{{"edited", status.edited},         {"saved", status.saved},
+                {"commits", status.commits},       {"confirmations", status.confirmations},
+                {"roll_backs", status.roll_backs}, {"saves", status.saves},
+                {"defaults", status.defaults},     {"rereads", card.config_rereads},
+                {"reloads", status.reloads}};
+    if (status.confirm_within) {
+        result["confirm_within_ms"] = *status.confirm_within;
+    }
+    return result;
+}
+
+// The records of the working and of the running configuration, by VLAN identifier.
+Json vlans_json(Card &card, Moment now, const Json &) {
+    const auto list = [](const SwitchConfig &config) {
+        Json vlans = Json::object();
+        for (const auto &[vlan_number, record] : config.vlans) {
+            vlans[std::to_string(vlan_number + 1)] = to_hex(record);
+        }
+        return vlans;
+    };
+    return {{"working", list(card.config.working(now).ethernet_switch)},
+            {"running", list(card.config.running(now).ethernet_switch)}};
+}
+
+// A section of the working configuration.
+template <auto section>
+Json switch_section_json(Card &card, Moment now, const Json &) {
+    return {{"hex", to_hex(card.config.working(now).ethernet_switch.*section)}};
+}
+
+Json switch_ports_json(Card &card, Moment now, const Json &) {
+    Json ports = Json::array();
+    for (const SwitchPort &port : card.ethernet_switch.ports) {
+        ports.push_back(
+            {{"counters", to_hex(port_counters_record(port, now))}, {"counter_resets", port.counter_resets}});
+    }
+    return {{"ports", ports}};
 }
 
 struct ReadItem {
@@ -100,8 +142,15 @@ struct ReadItem {
     Json (*read)(Card &card, Moment now, const Json &request);
 };
 
-constexpr ReadItem read_items[] = {
-    {"channel", channel_json}, {"onts", onts_json}, {"ont", one_ont_json}, {"counts", counts_json}};
+constexpr ReadItem read_items[] = {{"channel", channel_json},
+                                   {"onts", onts_json},
+                                   {"ont", one_ont_json},
+                                   {"counts", counts_json},
+                                   {"config", config_json},
+                                   {"vlans", vlans_json},
+                                   {"switch-general", switch_section_json<&SwitchConfig::general>},
+                                   {"switch-qos", switch_section_json<&SwitchConfig::qos>},
+                                   {"switch-ports", switch_ports_json}};
 
 std::int64_t value(const Json &request, std::int64_t highest) {
     return number(request, "value", 0, highest);
@@ -154,6 +203,11 @@ void set_received(Card &card, Moment now, const Json &request) {
     received.since = now;
 }
 
+void set_mac_addresses(Card &card, Moment, const Json &request) {
+    const auto count = static_cast<int>(value(request, switch_mac::max_entries));
+    card.ethernet_switch.macs = make_switch_traffic(card.seed, card.slot, count).macs;
+}
+
 struct WriteItem {
     std::string_view name;
     void (*write)(Card &card, Moment now, const Json &request);
@@ -163,6 +217,7 @@ constexpr WriteItem write_items[] = {
     {"onts", set_onts},
     {"addresses", set_addresses},
     {"pppoe-sessions", set_sessions},
+    {"mac-addresses", set_mac_addresses},
     {"ont-code", set_ont_code},
     {"activation-mode", set_activation_mode},
     {"channel-enabled", set_channel_enabled},

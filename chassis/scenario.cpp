@@ -97,6 +97,9 @@ CardPlan parse_plan(const Mapping &card) {
     plan.addresses = card.integer("addresses", 0, max_addresses, plan.addresses);
     plan.pppoe_sessions = card.integer("pppoe_sessions", 0, max_pppoe_sessions, plan.pppoe_sessions);
 
+    plan.vlans = card.integer("vlans", 0, switch_vlans, plan.vlans);
+    plan.mac_addresses = card.integer("mac_addresses", 0, switch_mac::max_entries, plan.mac_addresses);
+
     const auto &onts = plan.onts_per_channel;
     if (std::accumulate(onts.begin(), onts.end(), 0) == 0) {
         for (const char *key : {"addresses", "pppoe_sessions"}) {
@@ -139,8 +142,9 @@ void parse_cards(Scenario &scenario, const Mapping &top, const std::string &name
     }
     scenario.cards = {};
     for (const YAML::Node &node : cards) {
-        const Mapping card(node, name, "a card",
-                           {"slots", "onts", "onts_per_channel", "addresses", "pppoe_sessions"});
+        const Mapping card(
+            node, name, "a card",
+            {"slots", "onts", "onts_per_channel", "addresses", "pppoe_sessions", "vlans", "mac_addresses"});
         const CardPlan plan = parse_plan(card);
         for (const int slot : parse_slots(card)) {
             auto &place = scenario.cards[static_cast<std::size_t>(slot)];
@@ -219,11 +223,13 @@ Scenario parse_scenario(const std::string &text, const std::string &name) {
     try {
         const YAML::Node root = YAML::Load(text);
         const Mapping top(root, name, "a scenario",
-                          {"seed", "time_factor", "reregister_seconds", "start_time", "cards", "faults"});
+                          {"seed", "time_factor", "reregister_seconds", "confirm_seconds", "start_time",
+                           "cards", "faults"});
         scenario.seed = top.integer("seed", 0, std::numeric_limits<std::int64_t>::max(), scenario.seed);
         scenario.time_factor = parse_factor(top, scenario.time_factor);
         scenario.reregister_seconds =
             top.integer("reregister_seconds", 0, 86400, scenario.reregister_seconds);
+        scenario.confirm_seconds = top.integer("confirm_seconds", 0, 86400, scenario.confirm_seconds);
         // Early enough that connection logs can reach back some months.
         scenario.start_time = top.integer("start_time", 31536000, std::numeric_limits<std::int32_t>::max(),
                                           scenario.start_time);

@@ -10,6 +10,7 @@
 
 #include "chassis/faults.h"
 #include "module/common/board_records.h"
+#include "module/switch/switch_records.h"
 #include "tarn/board_protocol.h"
 
 namespace tarn::chassis {
@@ -23,12 +24,15 @@ struct CardPlan {
     std::array<int, channels_per_slot> onts_per_channel{8, 8, 8, 8, 8, 8, 8, 8};
     int addresses = 128;
     int pppoe_sessions = 8;
+    int vlans = 16;
+    int mac_addresses = 256;
 };
 
 struct Scenario {
     std::uint64_t seed = 1;
     double time_factor = 1;                 // of chassis time; 0 stops it
     int reregister_seconds = 5;             // of chassis time, until an ONT that went down is back
+    int confirm_seconds = 600;              // of chassis time, for a commit to be confirmed; 0: no need to
     std::uint32_t start_time = 1767225600;  // what the cards' clocks say at start, in seconds since 1970
     std::array<std::optional<CardPlan>, chassis_slot::line_cards> cards;
     std::vector<Fault> faults;

@@ -15,6 +15,9 @@ Card make_card(const Scenario &scenario, int slot, const CardPlan &plan) {
     card.onts = make_onts(scenario.seed, slot, plan.onts_per_channel, scenario.start_time);
     card.addresses = make_addresses(scenario.seed, slot, card.onts, plan.addresses);
     card.pppoe_sessions = make_pppoe_sessions(scenario.seed, slot, card.onts, plan.pppoe_sessions);
+    card.config = StagedConfig({make_switch_config(scenario.seed, slot, plan.vlans)},
+                               static_cast<Moment>(scenario.confirm_seconds) * 1000);
+    card.ethernet_switch = make_switch_traffic(scenario.seed, slot, plan.mac_addresses);
     return card;
 }
 

@@ -8,6 +8,8 @@
 #include "chassis/state/channels.h"
 #include "chassis/state/identity.h"
 #include "chassis/state/onts.h"
+#include "chassis/state/staged_config.h"
+#include "chassis/state/switch_traffic.h"
 
 namespace tarn::chassis {
 
@@ -21,6 +23,9 @@ struct Card {
     std::vector<Ont> onts;  // in list order
     std::vector<AddressEntry> addresses;
     std::vector<PppoeSession> pppoe_sessions;
+    StagedConfig config;
+    std::uint32_t config_rereads = 0;
+    SwitchTraffic ethernet_switch;
 };
 
 Card make_card(const Scenario &scenario, int slot, const CardPlan &plan);

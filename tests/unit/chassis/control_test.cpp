@@ -107,7 +107,7 @@ TEST(Control, StateIsReadAndWritten) {
     EXPECT_EQ(control.payload(0, 80, all_addresses).substr(0, 6), "ffe803");
     EXPECT_EQ(control(R"({"do":"state-set","slot":0,"item":"onts","value":1024})"), "{}");
     EXPECT_EQ(control(R"({"do":"state-get","slot":0,"item":"counts"})"),
-              R"({"onts":1024,"addresses":1000,"pppoe_sessions":1})");
+              R"({"onts":1024,"addresses":1000,"pppoe_sessions":1,"mac_addresses":256})");
     EXPECT_EQ(control.payload(0, 73, "ff").size(), 2 * (5 + 1024 * 106U));
 }
 
