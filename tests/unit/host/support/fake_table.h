@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/table.h"
+#include "tarn/host_services.h"
 
 namespace tarn::host::test {
 
