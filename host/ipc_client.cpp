@@ -10,9 +10,8 @@ namespace tarn::host {
 namespace {
 
 constexpr int silent_requests_before_hold = 2;
-// A card that let a request time out gets no more than this until it answers, or one dead card would keep the
-// agent from serving the others for most of the time.
 constexpr int suspect_timeout_ms = 1000;
+constexpr int doublings = 3;
 
 // The size of an answer's block: at least what the largest answer of its command takes.
 std::size_t block_size(std::uint16_t command, std::size_t length) {
@@ -37,6 +36,13 @@ IpcClient *the_client = nullptr;
 
 }  // namespace
 
+int patience_ms(int silent_requests, int timeout_ms) {
+    if (silent_requests == 0) {
+        return timeout_ms;
+    }
+    return std::min(timeout_ms, suspect_timeout_ms << std::min(silent_requests - 1, doublings));
+}
+
 void set_ipc_client(IpcClient *client) {
     the_client = client;
 }
@@ -48,7 +54,8 @@ bool IpcClient::on_hold(const Slot &slot) {
 
 void IpcClient::count_silence(Slot &slot) const {
     ++slot.silent_requests;
-    slot.hold_until = std::chrono::steady_clock::now() + hold_;
+    const int holds = std::clamp(slot.silent_requests - silent_requests_before_hold, 0, doublings);
+    slot.hold_until = std::chrono::steady_clock::now() + hold_ * (1 << holds);
 }
 
 int IpcClient::fail(Slot &slot, SocketResult result) {
@@ -134,8 +141,7 @@ int IpcClient::send_request(const std::uint8_t *request, std::uint8_t **answer, 
     if (on_hold(slot)) {
         return ipc_result::on_hold;
     }
-    const Deadline deadline =
-        deadline_in(slot.silent_requests > 0 ? std::min(timeout_ms, suspect_timeout_ms) : timeout_ms);
+    const Deadline deadline = deadline_in(patience_ms(slot.silent_requests, timeout_ms));
     if (slot.socket.is_open() && slot.socket.has_unexpected_input()) {
         slot.socket.close();
     }

@@ -12,13 +12,18 @@
 
 namespace tarn::host {
 
+// How long a request may wait for a card that let that many requests in a row time out: at first its own
+// time-out, then no more than 1, 2, 4, 8 s, or one dead card would keep the agent from serving the others
+// most of the time while a slow one would never be heard again.
+int patience_ms(int silent_requests, int timeout_ms);
+
 class IpcClient {
   public:
     // Slots 0-15 are line cards, 16-18 the chassis' own services.
     static constexpr int slots = 19;
 
-    // After a time-out a slot's requests wait at most a second; after two in a row the slot is left alone for
-    // `hold`, its requests fail at once. One answer ends both.
+    // After two time-outs in a row a slot is left alone for `hold`, its requests fail at once; the hold
+    // doubles with each further one, up to eight times. One answer ends it.
     IpcClient(const ChassisAddress &address, std::chrono::seconds hold) : address_(address), hold_(hold) {}
 
     // Sends the request and waits for its answer, at most timeout_ms in all, connecting first where needed.

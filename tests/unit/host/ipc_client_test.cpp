@@ -203,6 +203,16 @@ TEST_F(IpcClientTest, LeavesASilentCardAloneUntilItAnswers) {
     EXPECT_EQ(requests, 2);
 }
 
+TEST(IpcPatience, ShrinksForASuspectCardAndGrowsBackForASlowOne) {
+    EXPECT_EQ(patience_ms(0, 30000), 30000);
+    EXPECT_EQ(patience_ms(1, 30000), 1000);
+    EXPECT_EQ(patience_ms(1, 500), 500);
+    EXPECT_EQ(patience_ms(2, 30000), 2000);
+    EXPECT_EQ(patience_ms(4, 30000), 8000);
+    EXPECT_EQ(patience_ms(100, 30000), 8000);
+    EXPECT_EQ(patience_ms(100, 3000), 3000);
+}
+
 TEST_F(IpcClientTest, OneAnswerEndsTheHold) {
     const auto silent = [](Connection &board) {
         board.accept_link();
