@@ -215,8 +215,10 @@ const std::vector<Action> &actions() {
         {"cards", {}, list_cards},
         {"card-pull", {"slot"}, pull_card},
         {"card-insert", {"slot"}, insert_card},
-        {"state-get", {"slot", "item", "channel", "serial"}, read_state},
-        {"state-set", {"slot", "item", "channel", "serial", "value", "offset", "hex"}, write_state},
+        {"state-get", {"slot", "item", "channel", "serial", "kind", "index"}, read_state},
+        {"state-set",
+         {"slot", "item", "channel", "serial", "kind", "index", "value", "offset", "hex"},
+         write_state},
         {"version", {}, version},
         {"shutdown", {}, shutdown},
     };

@@ -23,8 +23,35 @@ Ont &ont_of(Card &card, const Json &request) {
     return *ont;
 }
 
+// What the working configuration of the card provisions.
+Provisioning &provisioned(Card &card, Moment now) {
+    return card.config.working(now).provisioning;
+}
+
+// Record `index` of a list that only some slots have.
+template <class Records>
+std::span<std::uint8_t> indexed_record(Records &records, const Json &request) {
+    if (records.empty()) {
+        throw ControlError("the slot has no such records");
+    }
+    const auto last = static_cast<std::int64_t>(records.size()) - 1;
+    return records[static_cast<std::size_t>(number(request, "index", 0, last))];
+}
+
+std::span<std::uint8_t> profile_of(Card &card, Moment now, const Json &request) {
+    ProfileStore &store = provisioned(card, now).profiles;
+    const std::string name = text(request, "kind");
+    for (std::size_t kind = 0; kind < profile_kind_count; ++kind) {
+        if (profile_kinds[kind].name == name && !store[kind].empty()) {
+            const auto index = number(request, "index", 0, profile_kinds[kind].count - 1);
+            return profile_record(store, kind, static_cast<int>(index));
+        }
+    }
+    throw ControlError("the slot has no profiles of kind \"" + name + '"');
+}
+
 // A record's bytes as held, for reading and for writing some of them in place.
-using RecordOf = std::span<std::uint8_t> (*)(Card &card, const Json &request);
+using RecordOf = std::span<std::uint8_t> (*)(Card &card, Moment now, const Json &request);
 
 struct RecordItem {
     std::string_view name;
@@ -32,23 +59,43 @@ struct RecordItem {
 };
 
 constexpr RecordItem records[] = {
-    {"olt-state", [](Card &card, const Json &) { return std::span<std::uint8_t>(card.identity.olt); }},
+    {"olt-state",
+     [](Card &card, Moment, const Json &) { return std::span<std::uint8_t>(card.identity.olt); }},
     {"channel-record",
-     [](Card &card, const Json &request) {
+     [](Card &card, Moment, const Json &request) {
          return std::span<std::uint8_t>(channel_of(card, request).state);
      }},
     {"channel-config",
-     [](Card &card, const Json &request) {
+     [](Card &card, Moment, const Json &request) {
          return std::span<std::uint8_t>(channel_of(card, request).config);
      }},
+    {"ont-config", [](Card &card, Moment now,
+                      const Json &request) { return indexed_record(provisioned(card, now).onts, request); }},
+    {"ont-template",
+     [](Card &card, Moment now, const Json &request) {
+         return indexed_record(provisioned(card, now).templates, request);
+     }},
+    {"profile", profile_of},
+    {"network-config", [](Card &card, Moment now,
+                          const Json &) { return std::span<std::uint8_t>(provisioned(card, now).network); }},
+    {"olt-config", [](Card &card, Moment now,
+                      const Json &) { return std::span<std::uint8_t>(provisioned(card, now).olt); }},
+    {"alarms-config", [](Card &card, Moment now,
+                         const Json &) { return std::span<std::uint8_t>(provisioned(card, now).alarms); }},
     {"ont-list-record",
-     [](Card &card, const Json &request) { return std::span<std::uint8_t>(ont_of(card, request).list); }},
+     [](Card &card, Moment, const Json &request) {
+         return std::span<std::uint8_t>(ont_of(card, request).list);
+     }},
     {"ont-state-record",
-     [](Card &card, const Json &request) { return std::span<std::uint8_t>(ont_of(card, request).state); }},
+     [](Card &card, Moment, const Json &request) {
+         return std::span<std::uint8_t>(ont_of(card, request).state);
+     }},
     {"ont-i2c-record",
-     [](Card &card, const Json &request) { return std::span<std::uint8_t>(ont_of(card, request).i2c); }},
+     [](Card &card, Moment, const Json &request) {
+         return std::span<std::uint8_t>(ont_of(card, request).i2c);
+     }},
     {"ont-uni-ports-record",
-     [](Card &card, const Json &request) {
+     [](Card &card, Moment, const Json &request) {
          return std::span<std::uint8_t>(ont_of(card, request).uni_ports);
      }},
 };
@@ -236,7 +283,7 @@ const Item *find_item(const Item (&items)[size], const std::string &name) {
 Json get_state(Card &card, Moment now, const Json &request) {
     const std::string name = text(request, "item");
     if (const RecordItem *item = find_item(records, name)) {
-        return {{"hex", to_hex(item->record(card, request))}};
+        return {{"hex", to_hex(item->record(card, now, request))}};
     }
     if (const ReadItem *item = find_item(read_items, name)) {
         return item->read(card, now, request);
@@ -247,7 +294,7 @@ Json get_state(Card &card, Moment now, const Json &request) {
 void set_state(Card &card, Moment now, const Json &request) {
     const std::string name = text(request, "item");
     if (const RecordItem *item = find_item(records, name)) {
-        const std::span<std::uint8_t> record = item->record(card, request);
+        const std::span<std::uint8_t> record = item->record(card, now, request);
         const Bytes bytes = from_hex(text(request, "hex"));
         const auto offset =
             static_cast<std::size_t>(number(request, "offset", 0, static_cast<std::int64_t>(record.size())));

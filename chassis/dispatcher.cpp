@@ -9,9 +9,9 @@ constexpr int request_kind = 1;
 
 std::vector<RequestRule> all_rules() {
     std::vector<RequestRule> rules;
-    for (const auto topic :
-         {olt_requests(), channel_requests(), ont_requests(), address_requests(), counter_requests(),
-          identity_requests(), switch_requests(), configuration_requests()}) {
+    for (const auto topic : {olt_requests(), channel_requests(), ont_requests(), address_requests(),
+                             counter_requests(), identity_requests(), switch_requests(),
+                             configuration_requests(), provisioning_requests(), profile_requests()}) {
         rules.insert(rules.end(), topic.begin(), topic.end());
     }
     return rules;

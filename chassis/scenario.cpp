@@ -224,7 +224,7 @@ Scenario parse_scenario(const std::string &text, const std::string &name) {
         const YAML::Node root = YAML::Load(text);
         const Mapping top(root, name, "a scenario",
                           {"seed", "time_factor", "reregister_seconds", "confirm_seconds", "start_time",
-                           "cards", "faults"});
+                           "profiles", "cards", "faults"});
         scenario.seed = top.integer("seed", 0, std::numeric_limits<std::int64_t>::max(), scenario.seed);
         scenario.time_factor = parse_factor(top, scenario.time_factor);
         scenario.reregister_seconds =
@@ -233,6 +233,7 @@ Scenario parse_scenario(const std::string &text, const std::string &name) {
         // Early enough that connection logs can reach back some months.
         scenario.start_time = top.integer("start_time", 31536000, std::numeric_limits<std::int32_t>::max(),
                                           scenario.start_time);
+        scenario.profiles = top.integer("profiles", 0, 128, scenario.profiles);
         parse_cards(scenario, top, name);
         parse_faults(scenario, top, name);
     } catch (const YAML::Exception &error) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "chassis/state/provisioning.h"
 #include "chassis/state/switch_config.h"
 #include "chassis/state/time.h"
 
@@ -14,6 +15,7 @@ namespace tarn::chassis {
 // Everything that is committed together.
 struct CardConfig {
     SwitchConfig ethernet_switch;
+    Provisioning provisioning;
 
     bool operator==(const CardConfig &) const = default;
 };

@@ -1,0 +1,54 @@
+// The chassis-wide profiles: five kinds of ONT profiles, and the OLT profiles, which are only listed.
+#ifndef TARN_CHASSIS_STATE_PROFILES_H
+#define TARN_CHASSIS_STATE_PROFILES_H
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "module/config/config_defaults.h"
+
+namespace tarn::chassis {
+
+struct ProfileKind {
+    std::string_view name;
+    std::size_t size;
+    int count;
+    std::span<const Default> defaults;
+};
+
+// In the order of ProfileStore.
+inline constexpr ProfileKind profile_kinds[] = {
+    {"management", management_profile::size, management_profile::count, management_profile::defaults},
+    {"crossconnect", crossconnect_profile::size, crossconnect_profile::count, crossconnect_profile::defaults},
+    {"shaping", shaping_profile::size, shaping_profile::count, shaping_profile::defaults},
+    {"alloc", alloc_profile::size, alloc_profile::count, alloc_profile::defaults},
+    {"ports", ports_profile::size, ports_profile::count, ports_profile::defaults},
+};
+inline constexpr std::size_t profile_kind_count = std::size(profile_kinds);
+
+// The records of each kind, one behind the other, as the card sends them.
+using ProfileStore = std::array<std::vector<std::uint8_t>, profile_kind_count>;
+
+struct OltProfileLists {
+    std::vector<std::uint8_t> address_tables;
+    std::vector<std::uint8_t> vlans;
+
+    bool operator==(const OltProfileLists &) const = default;
+};
+
+// The first `used` profiles of each kind exist, named after their index; a kind holds no more than its count.
+ProfileStore make_profiles(int used);
+OltProfileLists make_olt_profiles(int used);
+
+// One profile's record.
+inline std::span<std::uint8_t> profile_record(ProfileStore &store, std::size_t kind, int index) {
+    const std::size_t size = profile_kinds[kind].size;
+    return std::span(store[kind]).subspan(static_cast<std::size_t>(index) * size, size);
+}
+
+}  // namespace tarn::chassis
+
+#endif
