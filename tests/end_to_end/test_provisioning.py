@@ -1,0 +1,374 @@
+"""What an operator provisions: ONTs, profiles and templates, compared byte by byte with what the chassis stores."""
+
+import struct
+
+import pytest
+
+from snmp import SnmpError, Value, oid_key
+
+SLOT = 3
+SERIAL = b"TARN\x00\x00\xa0\x01"
+OTHER_SERIAL = b"TARN\x00\x00\xa0\x02"
+CHANNEL, ONT_ID = 6, 40
+STORE_INDEX = CHANNEL * 64 + ONT_ID
+SET_ONT_CONFIG, GET_ALL_CONFIG, SET_TEMPLATE = 123, 302, 301
+
+# The fields of a record by column: what is written, and what then stands where. A column that is missing here
+# is tested on its own below.
+
+
+def u8(offset, value=0x5A):
+    return "u", value, offset, struct.pack("<B", value)
+
+
+def u16(offset, value=0x1234, letter="u"):
+    return letter, value, offset, struct.pack("<H", value)
+
+
+def u32(offset, value=0x12345678):
+    return "u", value, offset, struct.pack("<I", value)
+
+
+def s16(offset, value=-2):
+    return "i", value, offset, struct.pack("<h", value)
+
+
+def integer(field):
+    return "i", *field[1:]
+
+
+def flag(offset, stored=1):
+    return "i", 1 if stored else 2, offset, struct.pack("<H", stored)
+
+
+def text(offset, size, value="north"):
+    return "s", value, offset, value.encode().ljust(size, b"\0")
+
+
+def octets(offset, size):
+    return "x", "c5" * size, offset, b"\xc5" * size
+
+
+def address(offset):
+    return "a", "192.0.2.7", offset, bytes([192, 0, 2, 7])
+
+
+ONT = {6: text(272, 11), 7: flag(284), 8: text(6, 256), 9: u16(1824),
+       **{11 + k: u16(1756 + 2 * k, k) for k in range(8)}, 19: u16(1754), 22: flag(286, 0),
+       **{23 + k: u16(1788 + 2 * k, 100 + k) for k in range(8)}, 31: u16(1820), 32: u16(1828, 7, "i"),
+       35: flag(262, 0), 37: u32(288), 38: u32(292), 39: flag(1830), 40: u16(1832, 9, "i"), 41: u16(1834),
+       43: u16(1826)}
+
+# Table, chassis' kind, record size, RowStatus, defaults of a new record, columns.
+PROFILES = [
+    ("tarnONTCrossConnectProfileTable", "crossconnect", 298, 20,
+     {278: bytes.fromhex("000001000001 00ff 0100 0000 ff 7f00")},
+     {2: text(22, 256), 3: text(6, 16), 4: u16(278, 1, "i"), 5: u8(280), 6: u16(281, 2, "i"), 7: s16(283),
+      8: integer(u8(285)), 9: u16(286, 3, "i"), 10: u16(288, 4, "i"), 11: integer(u8(290)),
+      12: u16(291, 5, "i"), 13: u16(293, 6, "i"), 14: u16(295, 65535, "i"), 15: u8(297, 7)}),
+    ("tarnONTAllocProfileTable", "alloc", 301, 20,
+     {282: struct.pack("<IB", 48600, 8), 291: struct.pack("<II", 64, 1273856)},
+     {2: text(22, 256), 3: text(6, 16), 4: u16(278, 1, "i"), 5: u16(280, 2, "i"), 6: u32(282), 7: u8(286),
+      8: u32(287), 9: u32(291), 10: u32(295)}),
+    ("tarnONTShapingProfileTable", "shaping", 1032, 10,
+     {**{280 + 6 * k: struct.pack("<HI", 0, 2488320) for k in range(16)},
+      **{376 + 10 * k: struct.pack("<HII", 0, 1244160, 1244160) for k in range(16)}},
+     {2: text(22, 256), 3: text(6, 16), 4: flag(278)}),
+    ("tarnONTPortsProfileTable", "ports", 1622, 20,
+     {280: b"\3", 290: struct.pack("<III", 125, 100, 10),
+      **{at + 57 * port: struct.pack("<I", 2488320) for port in range(4) for at in (1423, 1427, 1433, 1437)}},
+     {2: text(22, 256), 3: text(6, 16), 4: u8(280, 2), 5: u16(281, 1, "i"), 6: flag(283), 7: u8(285),
+      8: address(286), 9: u32(290), 10: u32(294), 11: u32(298), 12: flag(1376), 13: u16(1378), 14: u8(1380),
+      15: u16(1381, 2, "i"), 16: u16(1388), 17: u32(1390), 21: u16(1383), 22: u8(1385),
+      23: u16(1386, 3, "i"), 30: u16(278, 1, "i"), 31: u8(502, 2), 32: u16(503, 4, "i"), 33: flag(505),
+      34: u8(507), 35: octets(508, 16), 36: u32(524), 37: u32(528), 38: u32(532)}),
+    ("tarnONTManagementProfileTable", "management", 604, 20, {278: struct.pack("<H", 1)},
+     {2: text(22, 256), 3: text(6, 16), 5: text(280, 128), 6: text(408, 26), 7: text(434, 26),
+      8: flag(278, 0)}),
+]
+
+# Tables of entries: index behind the record's, and the columns of that entry.
+PROFILE_ENTRIES = [
+    ("tarnONTShapingProfileUpstreamTable", "shaping", 15,
+     {2: flag(526), 3: u32(528), 4: u32(532), 5: flag(370), 6: u32(372)}),
+    ("tarnONTPortsProfileUNITable", "ports", 3,
+     {2: integer(u8(1569)), 3: flag(1574), 4: u16(1576), 5: u8(1578), 6: u16(1579, 1, "i"), 7: u16(1586),
+      8: u32(1588), 9: flag(1592), 10: u32(1594), 11: u32(1598), 12: flag(1602), 13: u32(1604),
+      14: u32(1608), 15: u16(1581), 16: u8(1583), 17: u16(1584, 2, "i")}),
+    ("tarnONTPortsProfileMCDynamicEntriesTable", "ports", 19, {2: u16(492, 65535), 3: address(494), 4: address(498)}),
+    ("tarnONTPortsProfileMLDDynamicEntriesTable", "ports", 19,
+     {2: u16(1334), 5: octets(1336, 16), 6: octets(1352, 16), 7: u16(1368), 8: u16(1370), 9: u16(1372),
+      10: u16(1374)}),
+]
+
+TEMPLATE = {2: text(6, 16), 3: text(22, 256), 4: octets(278, 8), 6: text(288, 11), 7: flag(301), 9: u16(461),
+            **{11 + k: u16(325 + 2 * k, k) for k in range(8)}, 19: u16(321), 22: flag(305),
+            **{23 + k: u16(389 + 2 * k, 100 + k) for k in range(8)}, 31: u16(453), 32: u16(465, 3, "i"),
+            37: u32(309), 38: u32(315), 39: flag(469)}
+OVERRIDES = {4: 286, 6: 299, 7: 303, 9: 463, **{11 + k: 357 + 2 * k for k in range(8)}, 19: 323, 22: 307,
+             **{23 + k: 421 + 2 * k for k in range(8)}, 31: 455, 32: 467, 37: 313, 38: 319, 39: 471}
+
+
+def new_ont_record():
+    record = bytearray(2122)
+
+    def put(offset, value):
+        record[offset:offset + len(value)] = value
+
+    put(4, b"\1\0")
+    put(262, b"\1\0")
+    put(264, SERIAL)
+    put(272, b"1111111111")
+    put(286, b"\1\0")
+    put(288, struct.pack("<II", 0xFFFFFFFF, 60))
+    for k in range(16):
+        put(300 + 7 * k, b"\xff" * 5)
+    put(410, b"\xff" * 1344)
+    put(1756, b"\xff" * 64)
+    put(1824, b"\xff" * 4)
+    put(1832, b"\4\0\xff\xff")
+    for entry in (1861, 1966):
+        put(entry, b"\1")
+        put(entry + 76, struct.pack("<H", 600))
+    put(2065, b"\1")
+    for port in range(4):
+        put(2072 + 12 * port + 9, b"\2")
+    return record
+
+
+def edit(record, columns):
+    for _, _, offset, stored in columns.values():
+        record[offset:offset + len(stored)] = stored
+    return record
+
+
+class Provisioning:
+    """A system, and its tables addressed by name, column and index."""
+
+    def __init__(self, system, tables):
+        self.system, self.tables = system, tables
+        self.snmp, self.chassis = system.snmp, system.chassis
+
+    def bindings(self, table, index, columns):
+        return [(self.tables[table].instance(column, *index), letter, value)
+                for column, (letter, value, *_) in columns.items()]
+
+    def set(self, *bindings):
+        return self.snmp.set(*bindings)
+
+    def record(self, item, slot, **keys):
+        return bytearray.fromhex(self.chassis.ask("state-get", slot=slot, item=item, **keys)["hex"])
+
+    def ont(self):
+        """The stored record without its first word, which is the card's own."""
+        record = self.record("ont-config", SLOT, index=STORE_INDEX)
+        record[:4] = bytes(4)
+        return record
+
+    def profile(self, kind, index):
+        return self.record("profile", 16, kind=kind, index=index)
+
+    def template(self, index):
+        return self.record("ont-template", 16, index=index)
+
+    def writes(self, command):
+        return [request for request in self.chassis.requests() if request.command == command]
+
+    def check_values(self, table, index, columns):
+        shown = {"i": lambda v: v, "u": lambda v: v, "s": str.encode, "x": bytes.fromhex, "a": lambda v: v}
+        names = [self.tables[table].instance(column, *index) for column in columns]
+        read = [value.value for _, value in self.snmp.get_all(names)]
+        assert read == [shown[letter](value) for letter, value, *_ in columns.values()]
+
+    def set_each(self, table, index, columns, record, read):
+        """Writes each column by itself and holds the stored record against the expected one."""
+        for column, (letter, value, offset, stored) in columns.items():
+            self.set((self.tables[table].instance(column, *index), letter, value))
+            record[offset:offset + len(stored)] = stored
+            assert read() == record, (table, column)
+        self.check_values(table, index, columns)
+
+
+def ont_index(serial=SERIAL):
+    return (SLOT + 1, 8, *serial)
+
+
+@pytest.fixture
+def provisioning(start, tables):
+    return Provisioning(start(), tables)
+
+
+@pytest.fixture
+def ont(provisioning):
+    """A new ONT, and its record as it is stored."""
+    place = {20: ("i", 4), 3: ("u", CHANNEL), 4: ("u", ONT_ID)}
+    provisioning.set(*provisioning.bindings("tarnONTConfigTable", ont_index(), place))
+    record = provisioning.ont()
+    assert record == new_ont_record()
+    return record
+
+
+def test_an_ont_from_its_creation_to_its_end(provisioning, ont):
+    table = "tarnONTConfigTable"
+    provisioning.set_each(table, ont_index(), ONT, ont, provisioning.ont)
+    provisioning.check_values(table, ont_index(), {3: ("u", CHANNEL), 4: ("u", ONT_ID), 20: ("i", 1)})
+    taken = provisioning.tables["tarnONTConfigFreenessTable"].instance(4, SLOT + 1, CHANNEL, ONT_ID)
+    assert provisioning.snmp.get(taken)[0][1].value == SERIAL
+
+    provisioning.chassis.forget_requests()
+    provisioning.set(*provisioning.bindings(table, ont_index(), {20: ("i", 6)}))
+    assert len(provisioning.writes(SET_ONT_CONFIG)) == 2
+    ont[4:6] = b"\0\0"
+    assert provisioning.ont() == ont
+    gone = [provisioning.tables[table].instance(9, *ont_index()), taken]
+    assert [value.type for _, value in provisioning.snmp.get(*gone)] == ["exception"] * 2
+
+
+def test_twelve_columns_reach_the_card_as_one_record(provisioning, ont):
+    twelve = {column: ONT[column] for column in (43, 6, 40, 8, 7, 38, 11, 30, 22, 19, 35, 9)}
+    provisioning.chassis.forget_requests()
+    provisioning.set(*provisioning.bindings("tarnONTConfigTable", ont_index(), twelve))
+    first, second = provisioning.writes(SET_ONT_CONFIG)
+    assert first.payload == second.payload
+    assert first.payload[:5] == bytes([CHANNEL, ONT_ID, 0, 0, 0])
+    assert provisioning.ont() == edit(ont, twelve)
+
+
+def test_the_entries_of_an_ont(provisioning, ont):
+    ports = "tarnOntConfigUniPortTable"
+    index = (*ont_index(), 2)
+    provisioning.set_each(ports, index, {4: ("i", 4, 2088, b"\1\0")}, ont, provisioning.ont)  # createAndGo
+    provisioning.check_values(ports, index, {5: ("i", 1)})
+    provisioning.set_each(ports, index, {6: u8(2092, 5), 7: u8(2093, 3)}, ont, provisioning.ont)
+    provisioning.set(*provisioning.bindings(ports, index, {5: ("i", 2)}))
+    ont[2088:2090] = b"\0\0"
+    assert provisioning.ont() == ont
+    assert provisioning.snmp.get(provisioning.tables[ports].instance(6, *index))[0][1].type == "exception"
+
+    provisioning.set_each("tarnONTFullServicesConfigTable", (*ont_index(), 16),
+                          {4: u16(1786), 5: u16(1818, 65535)}, ont, provisioning.ont)
+    provisioning.set_each("tarnONTCustomCrossConnectTable", (*ont_index(), 16),
+                          {4: flag(403), 5: s16(405), 6: integer(u8(407)), 7: s16(408)}, ont, provisioning.ont)
+    tunnels = "tarnONTSelectiveTunnelTable"
+    for place, vid in ((42, 4094), (7, 100)):
+        provisioning.set(*provisioning.bindings(tunnels, (*ont_index(), 9, place), {5: ("i", vid)}))
+    # Compacted after each write: the first one stands in front.
+    ont[410 + 84 * 8:410 + 84 * 8 + 4] = struct.pack("<HH", 4094, 100)
+    assert provisioning.ont() == ont
+    provisioning.check_values(tunnels, (*ont_index(), 9, 3), {5: ("i", -1)})
+
+
+@pytest.mark.parametrize("table, kind, size, status, defaults, columns", PROFILES)
+def test_a_profile_from_its_creation_to_its_end(provisioning, table, kind, size, status, defaults, columns):
+    def read():
+        return provisioning.profile(kind, 20)
+
+    expected = bytearray(size)
+    expected[4] = 1
+    expected[6:8] = b"20"
+    for offset, stored in defaults.items():
+        expected[offset:offset + len(stored)] = stored
+    create = provisioning.bindings(table, (20,), {status: ("i", 4)})
+    provisioning.set(*create)
+    assert read() == expected
+    with pytest.raises(SnmpError, match="noCreation"):
+        provisioning.set(*create)
+    provisioning.set_each(table, (20,), columns, expected, read)
+    provisioning.check_values(table, (20,), {1: ("u", 20), status: ("i", 1)})
+    # All of them in one SET, in front of them the creation.
+    provisioning.set(*provisioning.bindings(table, (21,), {status: ("i", 4), **columns}))
+    assert provisioning.profile(kind, 21) == expected
+    provisioning.set(*provisioning.bindings(table, (20,), {status: ("i", 6)}))
+    assert read() == bytes(size)
+    assert provisioning.snmp.get(provisioning.tables[table].instance(3, 20))[0][1].type == "exception"
+
+
+@pytest.mark.parametrize("table, kind, entry, columns", PROFILE_ENTRIES)
+def test_the_entries_of_a_profile(provisioning, table, kind, entry, columns):
+    provisioning.set_each(table, (1, entry), columns, provisioning.profile(kind, 1),
+                          lambda: provisioning.profile(kind, 1))
+
+
+def test_a_template_from_its_creation_to_its_end(provisioning):
+    values = "tarnONTTemplateValuesTable"
+    expected = provisioning.template(20)
+    assert expected == bytes(473)
+    provisioning.set(*provisioning.bindings(values, (20,), {100: ("i", 4)}))
+    expected[4] = 1
+    assert provisioning.template(20) == expected
+    provisioning.set_each(values, (20,), TEMPLATE, expected, lambda: provisioning.template(20))
+    provisioning.set_each("tarnONTTemplateOverridesTable", (20,),
+                          {column: flag(offset) for column, offset in OVERRIDES.items()}, expected,
+                          lambda: provisioning.template(20))
+    provisioning.set_each("tarnONTTemplateServicesValuesTable", (20, 16), {2: u16(355), 3: u16(419)}, expected,
+                          lambda: provisioning.template(20))
+    provisioning.set_each("tarnONTTemplateServicesOverridesTable", (20, 16), {2: flag(387), 3: flag(451)}, expected,
+                          lambda: provisioning.template(20))
+    provisioning.set(*provisioning.bindings(values, (20,), {100: ("i", 6)}))
+    expected[4] = 0
+    assert provisioning.template(20) == expected
+
+
+def test_the_olt_profiles_are_listed(provisioning):
+    for name, prefix in (("tarnOLTAddressTableProfilesTable", "addresses"), ("tarnOLTVlanProfilesTable", "vlans")):
+        table = provisioning.tables[name]
+        rows = provisioning.snmp.walk(table.oid)
+        assert rows == ([(table.instance(1, n), Value("Gauge32", n)) for n in range(8)] +
+                        [(table.instance(2, n), Value("OCTET STRING", f"{prefix}-{n}".encode())) for n in range(8)])
+
+
+def refused(provisioning, *bindings):
+    with pytest.raises(SnmpError) as error:
+        provisioning.set(*bindings)
+    return error.value.reason
+
+
+def test_a_set_that_fails_leaves_nothing_behind(provisioning, ont):
+    def change(serial=SERIAL, **columns):
+        return provisioning.bindings("tarnONTConfigTable", ont_index(serial),
+                                     {int(name[1:]): value for name, value in columns.items()})
+
+    listed = provisioning.snmp.walk(provisioning.tables["tarnONTConfigTable"].instance(2, SLOT + 1))
+    other = next(value.value for _, value in listed if value.value != SERIAL)
+    provisioning.chassis.forget_requests()
+    assert refused(provisioning, *change(c9=("u", 1)), *change(other, c9=("u", 1))) == "inconsistentName"
+    assert refused(provisioning, *change(OTHER_SERIAL, c9=("u", 1))) == "inconsistentName"
+    assert refused(provisioning, *change(c3=("u", 1))) == "commitFailed"
+    assert refused(provisioning, *change(OTHER_SERIAL, c20=("i", 4))) == "commitFailed"
+    assert refused(provisioning, *change(c20=("i", 7))) == "badValue"
+    assert refused(provisioning, *change(c9=("i", 1))) == "wrongType"
+    assert refused(provisioning, *change(c6=("s", "12345678901"))) == "wrongLength"
+    assert not provisioning.writes(SET_ONT_CONFIG)
+    provisioning.chassis.fault("status", slot=SLOT, command=SET_ONT_CONFIG, times=1, status=5)
+    assert refused(provisioning, *change(c9=("u", 1))) == "commitFailed"
+    assert provisioning.ont() == ont
+    # The next one carries its own columns and nothing else.
+    provisioning.set(*change(c40=("i", 8)))
+    ont[1832] = 8
+    assert provisioning.ont() == ont
+
+
+def test_an_image_that_is_cut_short_is_not_taken(start, tables):
+    system = start(cache_period=0)
+    names = tables["tarnONTConfigTable"].instance(2, SLOT + 1)
+    whole = system.snmp.walk(names)
+    assert whole
+    system.chassis.fault("truncated", slot=SLOT, command=GET_ALL_CONFIG, bytes=500000)
+    assert system.snmp.walk(names) == whole
+    assert "get_all_config : short answer, 500000 bytes of 1024036" in system.agent.log()
+
+
+def test_every_record_of_a_full_card(start, tables):
+    """532 ONTs on one card, few on the others, walked completely from one image a card."""
+    system = start(scenario="time_factor: 0\ncards:\n"
+                            "  - {slots: [0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15], onts: 1, addresses: 0}\n"
+                            "  - {slots: 3, onts: 1024, addresses: 0}\n")
+    rows_of = {"tarnONTConfigTable": 1, "tarnONTConfigFreenessTable": 1, "tarnONTFullServicesConfigTable": 16,
+               "tarnONTCustomCrossConnectTable": 16, "tarnONTSelectiveTunnelTable": 672}
+    for name, each in rows_of.items():
+        table = tables[name]
+        keys = [oid_key(oid) for oid, _ in system.snmp.bulk_walk(100, table.instance(table.served()[-1].number))]
+        assert len(keys) == each * (532 + 15), name
+        assert all(a < b for a, b in zip(keys, keys[1:])), name
+    images = [request.slot for request in system.chassis.requests() if request.command == GET_ALL_CONFIG]
+    assert sorted(images) == list(range(16))
