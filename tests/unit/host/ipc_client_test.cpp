@@ -130,7 +130,7 @@ TEST_F(IpcClientTest, ClosesTheConnectionOnProtocolErrors) {
         message(71, 0, 40),       // another command
         message(70, 1, 40),       // another slot
         message(70, 0, 0),        // too short to be true
-        message(70, 0, 2097153),  // longer than any message
+        message(70, 0, 4194305),  // longer than any message
     };
     for (Bytes wrong : wrong_answers) {
         wrong.resize(32);
