@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "chassis/state/ont_life.h"
+
 namespace tarn::chassis {
 namespace {
 
@@ -75,7 +77,12 @@ bool Chassis::is_up(int slot) const {
 }
 
 Card *Chassis::card(int slot) {
-    return is_up(slot) ? places_[static_cast<std::size_t>(slot)].card.get() : nullptr;
+    if (!is_up(slot)) {
+        return nullptr;
+    }
+    Card *card = places_[static_cast<std::size_t>(slot)].card.get();
+    live(card->onts, now(), card->reregister_time, card->start_time);
+    return card;
 }
 
 bool Chassis::pull(int slot) {

@@ -236,6 +236,22 @@ void set_ont_code(Card &card, Moment, const Json &request) {
     ont.registering_until = 0;
 }
 
+// 0 takes the ONT down, 1 lets it register again.
+void set_ont_signal(Card &card, Moment now, const Json &request) {
+    Ont &ont = ont_of(card, request);
+    const bool signal = value(request, 1) == 1;
+    if (!signal) {
+        lose_signal(ont, now, card.start_time);
+    } else if (!ont.has_signal) {
+        ont.has_signal = true;
+        reregister(ont, now, card.reregister_time, card.start_time);
+    }
+}
+
+void set_optical_power(Card &card, Moment, const Json &request) {
+    ont_of(card, request).optical_power = static_cast<double>(number(request, "value", -500, 200)) / 10;
+}
+
 void set_activation_mode(Card &card, Moment, const Json &request) {
     channel_of(card, request).activation_auth = static_cast<std::uint16_t>(value(request, 65535));
 }
@@ -266,6 +282,8 @@ constexpr WriteItem write_items[] = {
     {"pppoe-sessions", set_sessions},
     {"mac-addresses", set_mac_addresses},
     {"ont-code", set_ont_code},
+    {"ont-signal", set_ont_signal},
+    {"optical-power", set_optical_power},
     {"activation-mode", set_activation_mode},
     {"channel-enabled", set_channel_enabled},
     {"received", set_received},

@@ -1,5 +1,6 @@
-// Clearing counters.
+// Reading and clearing counters.
 #include "chassis/requests/selectors.h"
+#include "chassis/state/performance.h"
 
 namespace tarn::chassis {
 namespace {
@@ -15,6 +16,7 @@ void reset_channel(Channel &channel, Moment now) {
 
 void reset_ont(Exchange &exchange, Ont &ont) {
     ont.errors.reset(exchange.now);
+    ont.counters_since = exchange.now;
     ++ont.counter_resets;
 }
 
@@ -44,7 +46,40 @@ Refusal reset(Exchange &exchange) {
     }
 }
 
+// Counter module at 32-33, direction at 34-35, channel at 36, key at 37-40, ONT number at 41-44. The answer
+// is a count and the values.
+Refusal get(Exchange &exchange) {
+    const std::uint8_t *request = exchange.request.data();
+    const CounterSelection selection{load_le16(request + 32), load_le16(request + 34),
+                                     load_le32(request + 37)};
+    const std::uint8_t channel = request[36];
+    if (!is_channel(channel)) {
+        return no_such_channel(channel);
+    }
+    if (!has_counters(selection)) {
+        return {board_status::malformed, "no counters of module " + std::to_string(selection.module) +
+                                             ", direction " + std::to_string(selection.direction) + ", key " +
+                                             std::to_string(selection.key)};
+    }
+    const Ont *ont = find_ont(exchange.card.onts, channel, load_le32(request + 41));
+    if (ont == nullptr) {
+        return no_such_ont();
+    }
+    if (ont->code_at(exchange.now) != ont_code::working) {
+        return {board_status::not_available, "the ONT is not working"};
+    }
+    const std::vector<std::uint32_t> values = counter_values(exchange.card, *ont, selection, exchange.now);
+    exchange.answer.push_back(static_cast<std::uint8_t>(values.size()));
+    for (const std::uint32_t value : values) {
+        std::array<std::uint8_t, sizeof value> bytes{};
+        store_le32(bytes.data(), value);
+        append(exchange.answer, bytes);
+    }
+    return {};
+}
+
 constexpr RequestRule rules[] = {
+    {command::get_counters, destination::services, 50, "get_counters", get, u8_at(32)},
     {command::reset_counters, destination::services, 50, "reset_counters", reset},
 };
 

@@ -36,8 +36,9 @@ Refusal get_connections(Exchange &exchange) {
         return no_such_ont();
     }
     append(exchange.answer, exchange.request.subspan(payload));
-    exchange.answer.push_back(static_cast<std::uint8_t>(ont->connections.size()));
-    append(exchange.answer, connections_record(*ont));
+    const std::size_t count = begun_connections(*ont, exchange.now, exchange.card.start_time);
+    exchange.answer.push_back(static_cast<std::uint8_t>(count));
+    append(exchange.answer, connections_record(*ont, count));
     return {};
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "chassis/state/generator.h"
+#include "chassis/state/ont_life.h"
 
 namespace tarn::chassis {
 namespace {
@@ -86,11 +87,35 @@ Ont make_ont(std::uint64_t seed, int slot, std::uint32_t position, std::uint8_t 
     return ont;
 }
 
+// One of thirty working ONTs has a bad fibre.
+Outages make_outages(std::uint64_t seed, int slot, std::uint32_t position) {
+    Generator generator(seed, slot, "outages", position);
+    if (!generator.chance(3)) {
+        return {};
+    }
+    const auto seconds = [&](std::int64_t low, std::int64_t high) {
+        return static_cast<Moment>(generator.between(low, high)) * 1000;
+    };
+    const Moment period = seconds(1800, 14400);
+    return {.period = period, .length = seconds(10, 120), .next = period / 2};
+}
+
+// Ends the connection that is up.
+void end_connection(Ont &ont, Moment now, std::uint16_t last_state, std::uint32_t start_time) {
+    if (!ont.connections.empty() && ont.connections.back().link_down == 0) {
+        ont.connections.back().link_down = start_time + static_cast<std::uint32_t>(now / 1000);
+        ont.connections.back().last_state = static_cast<std::uint8_t>(last_state);
+    }
+}
+
 }  // namespace
 
 std::uint16_t Ont::code_at(Moment now) const {
     if (!enabled) {
         return ont_code::disabled;
+    }
+    if (!has_signal || now < lost_until) {
+        return ont_code::lost;
     }
     return now < registering_until ? ont_code::registering : code;
 }
@@ -100,9 +125,12 @@ std::vector<Ont> make_onts(std::uint64_t seed, int slot,
     std::vector<Ont> onts;
     for (std::size_t channel = 0; channel < per_channel.size(); ++channel) {
         for (int id = 0; id < per_channel[channel]; ++id) {
-            onts.push_back(make_ont(seed, slot, static_cast<std::uint32_t>(onts.size()),
-                                    static_cast<std::uint8_t>(channel), static_cast<std::uint32_t>(id),
-                                    start_time));
+            const auto position = static_cast<std::uint32_t>(onts.size());
+            onts.push_back(make_ont(seed, slot, position, static_cast<std::uint8_t>(channel),
+                                    static_cast<std::uint32_t>(id), start_time));
+            if (onts.back().code == ont_code::working) {
+                onts.back().outages = make_outages(seed, slot, position);
+            }
         }
     }
     return onts;
@@ -121,16 +149,24 @@ Ont *find_ont(std::vector<Ont> &onts, int channel, std::uint32_t id) {
 }
 
 void reregister(Ont &ont, Moment now, Moment duration, std::uint32_t start_time) {
-    if (!ont.connections.empty() && ont.connections.back().link_down == 0) {
-        ont.connections.back().link_down = start_time + static_cast<std::uint32_t>(now / 1000);
-        ont.connections.back().last_state = static_cast<std::uint8_t>(ont.code_at(now));
-    }
+    end_connection(ont, now, ont.code_at(now), start_time);
     ont.registering_until = now + duration;
     ont.connections.push_back({start_time + static_cast<std::uint32_t>(ont.registering_until / 1000), 0,
                                static_cast<std::uint8_t>(ont.code)});
     if (ont.connections.size() > ont_connections::max_entries) {
         ont.connections.erase(ont.connections.begin());
     }
+}
+
+void lose_signal(Ont &ont, Moment now, std::uint32_t start_time) {
+    ont.has_signal = false;
+    end_connection(ont, now, ont_code::lost, start_time);
+}
+
+std::size_t begun_connections(const Ont &ont, Moment now, std::uint32_t start_time) {
+    return static_cast<std::size_t>(std::ranges::count_if(ont.connections, [&](const Connection &connection) {
+        return connection.link_up <= start_time + now / 1000;
+    }));
 }
 
 RecordBytes<ont_list::size> list_record(const Ont &ont, Moment now) {
@@ -140,8 +176,9 @@ RecordBytes<ont_list::size> list_record(const Ont &ont, Moment now) {
     put(record, ont_list::channel, ont.channel);
     put(record, ont_list::ont_id, ont.id);
     put(record, ont_list::state_code, code);
-    store_double(record.data(), ont_list::optical_power,
-                 code == ont_code::working ? ont.optical_power : std::numeric_limits<double>::quiet_NaN());
+    store_double(
+        record.data(), ont_list::optical_power,
+        code == ont_code::working ? optical_power_at(ont, now) : std::numeric_limits<double>::quiet_NaN());
     return record;
 }
 
@@ -153,7 +190,7 @@ RecordBytes<ont_state::size> state_record(const Ont &ont, Moment now) {
 
 RecordBytes<ont_i2c::size> i2c_record(const Ont &ont, Moment now) {
     if (ont.code_at(now) == ont_code::working) {
-        return ont.i2c;
+        return optics_at(ont, now);
     }
     RecordBytes<ont_i2c::size> record{};
     put(record, ont_i2c::value_4, no_i2c_reading);
@@ -164,11 +201,11 @@ RecordBytes<ont_uni_ports::size> uni_ports_record(const Ont &ont, Moment now) {
     return ont.code_at(now) == ont_code::working ? ont.uni_ports : RecordBytes<ont_uni_ports::size>{};
 }
 
-RecordBytes<ont_connections::size> connections_record(const Ont &ont) {
+RecordBytes<ont_connections::size> connections_record(const Ont &ont, std::size_t count) {
     // The record ends inside its tenth entry: filled in whole first, then cut.
     RecordBytes<ont_connections::head_size + ont_connections::max_entries * ont_connections::entry_size>
         whole{};
-    for (std::size_t i = 0; i < ont.connections.size() && i < ont_connections::max_entries; ++i) {
+    for (std::size_t i = 0; i < std::min<std::size_t>(count, ont_connections::max_entries); ++i) {
         const Connection &connection = ont.connections[i];
         const auto entry = [i](Field field) {
             return field.at(static_cast<int>(i), ont_connections::entry_size);

@@ -30,12 +30,22 @@ struct Connection {
     std::uint8_t last_state = 0;
 };
 
+// When an ONT loses its signal by itself; ms of chassis time.
+struct Outages {
+    Moment period = 0;  // 0: never
+    Moment length = 0;
+    Moment next = 0;
+};
+
 struct Ont {
     Serial serial{};
     std::uint8_t channel = 0;
     std::uint32_t id = 0;                    // within its channel
     std::uint16_t code = ont_code::working;  // while neither registering nor disabled
     bool enabled = true;
+    bool has_signal = true;
+    Outages outages;
+    Moment lost_until = 0;
     Moment registering_until = 0;
     double optical_power = 0;  // dBm; reported only while the ONT is working
     // Identity and readings. Serial, channel, id, state code and optical power of the list record and the
@@ -50,6 +60,7 @@ struct Ont {
     std::uint32_t reboots = 0;
     std::uint32_t defaults = 0;
     std::uint32_t counter_resets = 0;
+    Moment counters_since = 0;  // of the performance counters
 
     [[nodiscard]] std::uint16_t code_at(Moment now) const;
 };
@@ -64,13 +75,18 @@ Ont *find_ont(std::vector<Ont> &onts, int channel, std::uint32_t id);
 
 // Takes the ONT down and lets it come back after `duration` ms; logs both in its connection log.
 void reregister(Ont &ont, Moment now, Moment duration, std::uint32_t start_time);
+// Takes the ONT down until reregister and `has_signal`; logs it in its connection log.
+void lose_signal(Ont &ont, Moment now, std::uint32_t start_time);
+// How many entries of the connection log have begun.
+std::size_t begun_connections(const Ont &ont, Moment now, std::uint32_t start_time);
 
 RecordBytes<ont_list::size> list_record(const Ont &ont, Moment now);
 RecordBytes<ont_state::size> state_record(const Ont &ont, Moment now);
 // An ONT that is not working has no readings.
 RecordBytes<ont_i2c::size> i2c_record(const Ont &ont, Moment now);
 RecordBytes<ont_uni_ports::size> uni_ports_record(const Ont &ont, Moment now);
-RecordBytes<ont_connections::size> connections_record(const Ont &ont);
+// The oldest `count` connections.
+RecordBytes<ont_connections::size> connections_record(const Ont &ont, std::size_t count);
 
 }  // namespace tarn::chassis
 

@@ -68,6 +68,7 @@ struct TestChassis {
         ont.uni_ports = {};
         ont.errors = {};
         ont.connections.clear();
+        ont.outages = {};
     }
 
     Reply send(int slot, int command, const std::string &payload_hex = "", int destination = 8) {
