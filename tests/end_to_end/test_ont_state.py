@@ -1,8 +1,10 @@
 """State, ports, connections and counters of ONTs and OLTs, from the chassis to the manager."""
 
+import re
 import struct
 import time
 from collections import Counter
+from datetime import datetime
 
 import pytest
 
@@ -212,3 +214,31 @@ def test_two_managers_get_the_rows_of_one(shared, tables):
     assert shared.snmp.finish_walk(whole) == rows
     start = middle.rsplit(".", 10)[0] + "."
     assert shared.snmp.finish_walk(half) == [row for row in rows if row[0].startswith(start)]
+
+
+def test_the_connection_log_tells_when_an_ont_was_away(start, tables):
+    system = start(cache_period=1)
+    ont = working_ont(system)
+    log = tables["tarnONTConnectionLogTable"].instance(3, INDEX, *serial_index(ont))
+
+    def shown():
+        return system.snmp.get(log)[0][1].value.decode()
+
+    listed = record(system, "ont-list-record", ont)
+    serial = bytes.fromhex(ont["serial"])
+    before = shown()
+    assert before.count("Serial number") == 2
+    system.chassis.ask("state-set", slot=SLOT, item="ont-signal", serial=ont["serial"], value=0)
+    wait_until(lambda: shown() != before, "the log to change")
+    earlier, latest = before.split("\n\n")[0] + "\n", before.split("\n\n")[1]
+    link_up = re.search("LinkUp :             (.*)\n", latest).group(1)
+    # The chassis' clock stands still at its start; the agent shows it in its time zone.
+    now = datetime.fromtimestamp(1767225600).strftime("%Y-%m-%d %H:%M:%S")
+    assert shown() == earlier + (
+        "\n----------------------------------------------\n"
+        f"    Serial number:       {serial[:4].decode()}{serial[4:].hex().upper()}\n"
+        f"    Equipment ID:        {text(listed[18:50]).decode()}\n"
+        f"    Version:             {text(listed[50:68]).decode()}\n"
+        f"    LinkUp :             {link_up}\n"
+        f"    LinkDown :           {now}\n"
+        "    Last state :         loss of signal\n")
