@@ -124,6 +124,19 @@ Json ont_json(const Ont &ont, Moment now) {
             {"counter_resets", ont.counter_resets}};
 }
 
+Json ont_firmware_json(Card &card, Moment now, const Json &request) {
+    const Ont &ont = ont_of(card, request);
+    return {{"updates", ont.update.count},
+            {"file", ont.update.file_name},
+            {"progress", update_progress(ont, now)}};
+}
+
+Json firmware_json(Card &card, Moment, const Json &) {
+    return {{"card_updates", card.firmware.card_updates},
+            {"rule_reads", card.firmware.rule_reads},
+            {"tasks", card.firmware.tasks.size()}};
+}
+
 Json onts_json(Card &card, Moment now, const Json &) {
     Json list = Json::array();
     for (const Ont &ont : card.onts) {
@@ -197,7 +210,9 @@ constexpr ReadItem read_items[] = {{"channel", channel_json},
                                    {"vlans", vlans_json},
                                    {"switch-general", switch_section_json<&SwitchConfig::general>},
                                    {"switch-qos", switch_section_json<&SwitchConfig::qos>},
-                                   {"switch-ports", switch_ports_json}};
+                                   {"switch-ports", switch_ports_json},
+                                   {"firmware", firmware_json},
+                                   {"ont-firmware", ont_firmware_json}};
 
 std::int64_t value(const Json &request, std::int64_t highest) {
     return number(request, "value", 0, highest);

@@ -9,9 +9,10 @@ constexpr int request_kind = 1;
 
 std::vector<RequestRule> all_rules() {
     std::vector<RequestRule> rules;
-    for (const auto topic : {olt_requests(), channel_requests(), ont_requests(), address_requests(),
-                             counter_requests(), identity_requests(), switch_requests(),
-                             configuration_requests(), provisioning_requests(), profile_requests()}) {
+    for (const auto topic :
+         {olt_requests(), channel_requests(), ont_requests(), address_requests(), counter_requests(),
+          identity_requests(), switch_requests(), configuration_requests(), provisioning_requests(),
+          profile_requests(), firmware_requests()}) {
         rules.insert(rules.end(), topic.begin(), topic.end());
     }
     return rules;
@@ -54,6 +55,7 @@ const RequestRule *find_rule(std::uint16_t command, std::optional<std::uint8_t> 
 }
 
 Refusal dispatch(Exchange &exchange) {
+    run_due_tasks(exchange.card, exchange.now);
     exchange.answer = answer_header(exchange.request, board_status::success);
     Refusal refusal = carry_out(exchange);
     if (refusal.status != board_status::success) {

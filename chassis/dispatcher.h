@@ -59,6 +59,7 @@ std::span<const RequestRule> switch_requests();
 std::span<const RequestRule> configuration_requests();
 std::span<const RequestRule> provisioning_requests();
 std::span<const RequestRule> profile_requests();
+std::span<const RequestRule> firmware_requests();
 
 // The rule for the pair; null when there is none. Without a destination: the command's first.
 const RequestRule *find_rule(std::uint16_t command, std::optional<std::uint8_t> destination);

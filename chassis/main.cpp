@@ -56,6 +56,7 @@ struct Options {
     std::string tcp;
     std::string control;
     std::string scenario;
+    std::string tftp_root;
     std::string log;
     bool log_requests = false;
 };
@@ -72,12 +73,15 @@ int run(const Options &options) {
     }
     Log log(options.log.empty() ? std::cerr : log_file);
     const auto start = std::chrono::steady_clock::now();
-    Chassis chassis(
-        options.scenario.empty() ? default_scenario() : read_scenario(options.scenario), log, [start] {
-            return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
-                                                  std::chrono::steady_clock::now() - start)
-                                                  .count());
-        });
+    Scenario scenario = options.scenario.empty() ? default_scenario() : read_scenario(options.scenario);
+    if (!options.tftp_root.empty()) {
+        scenario.tftp_root = options.tftp_root;
+    }
+    Chassis chassis(std::move(scenario), log, [start] {
+        return static_cast<std::uint64_t>(
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
+                .count());
+    });
     chassis.log_requests = options.log_requests;
 
     asio::io_context context(1);
@@ -116,6 +120,9 @@ int main(int argc, char **argv) try {
         ->excludes(socket);
     app.add_option("--control", options.control, "Unix control socket")->type_name("PATH");
     app.add_option("--scenario", options.scenario, "what the chassis starts with")->type_name("FILE");
+    app.add_option("--tftp-root", options.tftp_root,
+                   "directory that cards fetch firmware from; without it they do not check it")
+        ->type_name("DIRECTORY");
     app.add_option("--log", options.log, "append the log to a file instead of standard error")
         ->type_name("FILE");
     app.add_flag("--log-requests", options.log_requests,

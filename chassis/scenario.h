@@ -35,6 +35,7 @@ struct Scenario {
     int confirm_seconds = 600;              // of chassis time, for a commit to be confirmed; 0: no need to
     std::uint32_t start_time = 1767225600;  // what the cards' clocks say at start, in seconds since 1970
     int profiles = 8;                       // of each kind, and templates, as far as there is room
+    std::string tftp_root;  // where cards fetch images from; empty: they take them as announced
     std::array<std::optional<CardPlan>, chassis_slot::line_cards> cards;
     std::vector<Fault> faults;
 };

@@ -19,6 +19,7 @@ Card make_card(const Scenario &scenario, int slot, const CardPlan &plan) {
                                 make_provisioning(scenario.seed, slot, card.onts, scenario.profiles)},
                                static_cast<Moment>(scenario.confirm_seconds) * 1000);
     card.ethernet_switch = make_switch_traffic(scenario.seed, slot, plan.mac_addresses);
+    card.firmware.tftp_root = scenario.tftp_root;
     return card;
 }
 

@@ -6,6 +6,7 @@
 #include "chassis/scenario.h"
 #include "chassis/state/addresses.h"
 #include "chassis/state/channels.h"
+#include "chassis/state/firmware.h"
 #include "chassis/state/identity.h"
 #include "chassis/state/onts.h"
 #include "chassis/state/staged_config.h"
@@ -26,6 +27,7 @@ struct Card {
     StagedConfig config;
     std::uint32_t config_rereads = 0;
     SwitchTraffic ethernet_switch;
+    Firmware firmware;
 };
 
 Card make_card(const Scenario &scenario, int slot, const CardPlan &plan);

@@ -117,6 +117,9 @@ std::uint16_t Ont::code_at(Moment now) const {
     if (!has_signal || now < lost_until) {
         return ont_code::lost;
     }
+    if (now < update.done) {
+        return ont_code::not_asked;
+    }
     return now < registering_until ? ont_code::registering : code;
 }
 

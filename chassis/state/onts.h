@@ -3,6 +3,7 @@
 #define TARN_CHASSIS_STATE_ONTS_H
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "chassis/state/record_bytes.h"
@@ -37,6 +38,14 @@ struct Outages {
     Moment next = 0;
 };
 
+// The last update of an ONT's firmware; `count` of them so far.
+struct OntUpdate {
+    std::string file_name;
+    Moment start = 0;
+    Moment done = 0;
+    std::uint32_t count = 0;
+};
+
 struct Ont {
     Serial serial{};
     std::uint8_t channel = 0;
@@ -61,6 +70,7 @@ struct Ont {
     std::uint32_t defaults = 0;
     std::uint32_t counter_resets = 0;
     Moment counters_since = 0;  // of the performance counters
+    OntUpdate update;
 
     [[nodiscard]] std::uint16_t code_at(Moment now) const;
 };
