@@ -144,6 +144,18 @@ void log_level_directive(const char *token, char *line) {
     }
 }
 
+// The module takes directory names of at most 62 bytes.
+template <std::string FirmwareDirectories::*member>
+void firmware_directive(const char *token, char *line) {
+    constexpr std::size_t longest = 62;
+    const std::string text = text_of(line);
+    if (text.empty() || text.size() > longest) {
+        complain(token, "a directory of at most 62 bytes", text);
+        return;
+    }
+    target->host.firmware.*member = text;
+}
+
 // "SLOT CHANNEL ID": slot and channel from 1, the ONT's id within its channel from 0.
 void locked_ont_directive(const char *token, char *line) {
     const std::vector<std::string> words = split(text_of(line), ' ');
@@ -175,6 +187,12 @@ constexpr std::array directives = {
     Directive{"tarnSilentHold", silent_hold_directive, "SECONDS"},
     Directive{"tarnMaxBulk", max_bulk_directive, "VARIABLES of a GETBULK answer"},
     Directive{"tarnRowBudget", row_budget_directive, "ROWS to remember in all"},
+    Directive{"tarnTftpDirectory", firmware_directive<&FirmwareDirectories::tftp_root>,
+              "DIRECTORY that line cards fetch images from"},
+    Directive{"tarnOntFirmwarePath", firmware_directive<&FirmwareDirectories::ont_path>,
+              "DIRECTORY of ONT images below it"},
+    Directive{"tarnCommandPath", text_directive<&Settings::command_path>,
+              "DIRECTORY[:DIRECTORY...] of the module's commands"},
     Directive{"tarnLog", text_directive<&Settings::log>, "stderr | syslog | file PATH"},
     Directive{"tarnLogLevel", log_level_directive, "error | warning | information | debug"},
 };

@@ -17,7 +17,8 @@ struct Settings {
     SlotSet slots = SlotSet().set();
     std::string log;  // as open_log takes it
     int log_level = 6;
-    int largest_bulk = 1000;  // variables of a GETBULK answer
+    std::string command_path = "/usr/sbin:/usr/bin:/sbin:/bin";  // where the module's commands are
+    int largest_bulk = 1000;                                     // variables of a GETBULK answer
     HostConfig host;
     bool configured_slots_given = false;
     bool candidate_slots_given = false;

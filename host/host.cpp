@@ -1,5 +1,6 @@
 #include "host/host.h"
 
+#include "host/agent_thread.h"
 #include "host/cache_clock.h"
 #include "host/logger.h"
 #include "host/mib_reader.h"
@@ -25,6 +26,8 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
     set_cache_period(config.cache_period);
     set_configured_slots(config.configured);
     set_ipc_client(&host->ipc_);
+    set_firmware_directories(config.firmware);
+    become_agent_thread();
     host->module_ = Module::load(config.module_path, error);
     if (host->module_ == nullptr) {
         return nullptr;
@@ -66,6 +69,7 @@ void Host::follow_links() {
 }
 
 void Host::link_alarm(unsigned /*alarm*/, void *host) {
+    run_left_work();
     static_cast<Host *>(host)->follow_links();
 }
 
@@ -83,6 +87,7 @@ void Host::stop() {
         (void)module_->cleanup_lib();
         slots_.reset();
     }
+    run_left_work();
     flush_log();
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/chassis_address.h"
+#include "host/firmware_files.h"
 #include "host/ipc_client.h"
 #include "host/module_loader.h"
 #include "host/row_cache.h"
@@ -27,6 +28,7 @@ struct HostConfig {
     ConfiguredSlots configured{SlotSet().set(), SlotSet().set(), {}};
     int cache_period = 20;         // seconds; 0: always stale
     std::chrono::seconds hold{5};  // for which a silent card is left alone
+    FirmwareDirectories firmware = default_firmware_directories();
     std::size_t row_budget = 2'000'000;
 };
 

@@ -9,6 +9,8 @@
 #include <mutex>
 #include <utility>
 
+#include "host/agent_thread.h"
+
 namespace tarn::host {
 namespace {
 
@@ -56,6 +58,20 @@ bool open_log_file(const std::string &path) {
     (void)std::fclose(probe);
     snmp_enable_filelog(path.c_str(), 1 /* append */);
     return true;
+}
+
+void write_line(int level, std::string line) {
+    const std::lock_guard lock(last_line.mutex);
+    const Clock::time_point now = Clock::now();
+    if (level == last_line.level && line == last_line.text && now - last_line.written < repeat_period) {
+        ++last_line.repeats;
+        return;
+    }
+    write_repeats();
+    snmp_log(level, "%s\n", line.c_str());
+    last_line.text = std::move(line);
+    last_line.level = level;
+    last_line.written = now;
 }
 
 }  // namespace
@@ -128,15 +144,9 @@ void log_add(int level, const char *format, ...) {
     va_start(arguments, format);
     std::string line = printable(format_message(format, arguments));
     va_end(arguments);
-    const std::lock_guard lock(last_line.mutex);
-    const Clock::time_point now = Clock::now();
-    if (level == last_line.level && line == last_line.text && now - last_line.written < repeat_period) {
-        ++last_line.repeats;
-        return;
+    if (is_agent_thread()) {
+        write_line(level, std::move(line));
+    } else {
+        leave_for_agent([level, line = std::move(line)] { write_line(level, line); });
     }
-    write_repeats();
-    snmp_log(level, "%s\n", line.c_str());
-    last_line.text = std::move(line);
-    last_line.level = level;
-    last_line.written = now;
 }

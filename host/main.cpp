@@ -49,9 +49,8 @@ void set_boolean(int store, int which) {
     (void)netsnmp_ds_set_boolean(store, which, 1);
 }
 
-// Commands that the module runs are found in these places only; net-snmp reads nothing that was not named.
+// net-snmp reads nothing that was not named.
 void prepare_environment() {
-    (void)setenv("PATH", "/usr/sbin:/usr/bin:/sbin:/bin", 1);
     (void)setenv("MIBS", "", 1);
     (void)setenv("MIBDIRS", "", 1);
     (void)setenv("SNMPCONFPATH", "/nonexistent", 1);
@@ -103,6 +102,8 @@ bool read_configuration(const Options &options, Settings &settings) {
         return false;
     }
     override_settings(options, settings);
+    // Commands that the module runs are found in these places only.
+    (void)setenv("PATH", settings.command_path.c_str(), 1);
     set_log_level(settings.log_level);
     if (!open_log(settings.log)) {
         log_add(log_level::error, "the log %s cannot be opened\n", settings.log.c_str());

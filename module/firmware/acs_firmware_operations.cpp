@@ -193,7 +193,7 @@ char *get_acs_firmware_name(const char *name) {
 }
 
 char *get_sub_str(const char *text, int start, int n) {
-    std::string_view part;
+    std::string_view part = "";
     if (text != nullptr && start >= 0 && n > 0) {
         part = text;
         part =
