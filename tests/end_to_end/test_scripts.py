@@ -20,7 +20,7 @@ def test_demo():
     assert re.search(r"^TARN-MIB::tarnPONChannelAddressMacAddress\.1\.1\.\d+ = STRING: 2:[0-9a-f:]+$", demo.stdout,
                      re.MULTILINE)
     assert re.search(r"^ index Slot Channel .* Reconfigure ResetCounters$", demo.stdout, re.MULTILINE)
-    assert len(re.findall(r"^ +\d+\.\d +\d+ +\d .* Tarn Optics .*$", demo.stdout, re.MULTILINE)) == 16 * 8
+    assert len(re.findall(r'^ +\d+\.\d +\d+ +\d .* "Tarn Optics" .*$', demo.stdout, re.MULTILINE)) == 16 * 8
     assert demo.stdout.rstrip().endswith("TARN-MIB::tarnPONChannelActModeAuth.1.1 = INTEGER: false(2)")
 
 
