@@ -100,6 +100,24 @@ void place(std::vector<std::uint8_t> &image, std::size_t offset, const Records &
     }
 }
 
+// An image whose records are empty. The rest of it, which only the card itself reads, compresses as badly as
+// settings do, so that an image is about as large as a real one.
+std::vector<std::uint8_t> make_empty_image() {
+    std::vector<std::uint8_t> image(config_image::size);
+    constexpr std::size_t network_end = config_image::network + network_config::size;
+    constexpr std::size_t templates_end = config_image::templates + ont_template::count * ont_template::size;
+    Generator values(0, 0, "image", 0);
+    const auto fill = [&](std::size_t from, std::size_t to) {
+        std::generate(image.begin() + static_cast<std::ptrdiff_t>(from),
+                      image.begin() + static_cast<std::ptrdiff_t>(to),
+                      [&] { return static_cast<std::uint8_t>(values.bits() & 0x7F); });
+    };
+    fill(0, config_image::ont_records);
+    fill(network_end, config_image::templates);
+    fill(templates_end, image.size());
+    return image;
+}
+
 }  // namespace
 
 Provisioning make_provisioning(std::uint64_t seed, int slot, const std::vector<Ont> &onts, int profiles) {
@@ -118,7 +136,8 @@ Provisioning make_provisioning(std::uint64_t seed, int slot, const std::vector<O
 }
 
 std::vector<std::uint8_t> image_payload(const Provisioning &provisioning) {
-    std::vector<std::uint8_t> image(config_image::size);
+    static const std::vector<std::uint8_t> empty_image = make_empty_image();
+    std::vector<std::uint8_t> image = empty_image;
     place(image, config_image::ont_records, provisioning.onts);
     place(image, config_image::network, std::span(&provisioning.network, 1));
     place(image, config_image::templates, provisioning.templates);
