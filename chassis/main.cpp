@@ -24,6 +24,7 @@ constexpr const char *footer =
     seed: 1                 the same seed gives the same chassis
     time_factor: 1.0        chassis seconds a second; 0 stops counters
     reregister_seconds: 5   chassis time until an ONT that went down is back
+    confirm_seconds: 600    chassis time for a commit to be confirmed; 0: it need not be
     start_time: 1767225600  the cards' clocks at start, seconds since 1970
     cards:                  without it: a card in every slot
       - slots: [0, 1, 2]    slots 0 to 15; all that a card needs
@@ -31,6 +32,8 @@ constexpr const char *footer =
         onts_per_channel: 8 at most 128, or a list of eight
         addresses: 128
         pppoe_sessions: 8
+        vlans: 16
+        mac_addresses: 256  at most 16384
     faults:                 at start, as on the control socket
       - {kind: slow, milliseconds: 500, slot: 3, command: 70, times: 1}
 

@@ -179,6 +179,7 @@ constexpr std::array directives = {
     Directive{"tarnModule", text_directive<&Settings::module_path>, "PATH of the module"},
     Directive{"tarnMibs", text_directive<&Settings::mib_directories>, "DIRECTORY[:DIRECTORY...]"},
     Directive{"tarnChassis", chassis_directive, "unix:PATH | tcp:ADDRESS:PORT"},
+    Directive{"tarnControl", text_directive<&Settings::control>, "PATH of the control socket"},
     Directive{"tarnSlots", served_slots_directive, "SLOTS to serve, such as 1-8,12"},
     Directive{"tarnConfiguredSlots", configured_slots_directive, "SLOTS of the running configuration"},
     Directive{"tarnCandidateSlots", candidate_slots_directive, "SLOTS of the candidate configuration"},
@@ -237,6 +238,7 @@ bool host_config(const Settings &settings, HostConfig &config, std::string &erro
     config.module_path = settings.module_path;
     config.mib_directories = split(settings.mib_directories, ':');
     config.served_slots = settings.slots;
+    config.control = settings.control;
     if (!settings.configured_slots_given) {
         config.configured.running = settings.slots;
     }

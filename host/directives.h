@@ -14,6 +14,7 @@ struct Settings {
     std::string module_path;
     std::string mib_directories;  // separated by colons
     std::string chassis;
+    std::string control;  // path of a socket
     SlotSet slots = SlotSet().set();
     std::string log;  // as open_log takes it
     int log_level = 6;

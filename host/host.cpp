@@ -55,8 +55,18 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
         host->registrations_.push_back(registration);
     }
     host->guard_.watch(false);
+    if (!config.control.empty() && !host->open_control(config.control, error)) {
+        return nullptr;
+    }
     host->alarm_ = snmp_alarm_register(link_check_seconds, SA_REPEAT, link_alarm, host.get());
     return host;
+}
+
+bool Host::open_control(const std::string &path, std::string &error) {
+    commands_ = std::make_unique<ControlCommands>(*module_, *slots_, [this] { cache_.clear(); });
+    control_ = ControlSocket::open(
+        path, [this](const std::string &line) { return commands_->answer(line); }, error);
+    return control_ != nullptr;
 }
 
 void Host::follow_links() {
@@ -74,6 +84,7 @@ void Host::link_alarm(unsigned /*alarm*/, void *host) {
 }
 
 void Host::stop() {
+    control_.reset();
     if (alarm_ != 0) {
         snmp_alarm_unregister(alarm_);
         alarm_ = 0;

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "host/chassis_address.h"
+#include "host/control_commands.h"
+#include "host/control_socket.h"
 #include "host/firmware_files.h"
 #include "host/ipc_client.h"
 #include "host/module_loader.h"
@@ -30,6 +32,7 @@ struct HostConfig {
     std::chrono::seconds hold{5};  // for which a silent card is left alone
     FirmwareDirectories firmware = default_firmware_directories();
     std::size_t row_budget = 2'000'000;
+    std::string control;  // path of the control socket; empty: none
 };
 
 class Host {
@@ -49,6 +52,7 @@ class Host {
 
   private:
     explicit Host(const HostConfig &config) : ipc_(config.chassis, config.hold), cache_(config.row_budget) {}
+    bool open_control(const std::string &path, std::string &error);
     void follow_links();
     static void link_alarm(unsigned alarm, void *host);
 
@@ -59,6 +63,8 @@ class Host {
     std::unique_ptr<Slots> slots_;
     std::list<Table> tables_;
     std::vector<netsnmp_handler_registration *> registrations_;
+    std::unique_ptr<ControlCommands> commands_;
+    std::unique_ptr<ControlSocket> control_;
     unsigned alarm_ = 0;
 };
 

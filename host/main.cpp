@@ -41,6 +41,7 @@ struct Options {
     std::string module;
     std::string mibs;
     std::string chassis;
+    std::string control;
     std::string log;
     bool foreground = false;
 };
@@ -81,6 +82,7 @@ void override_settings(const Options &options, Settings &settings) {
     replace(settings.module_path, options.module);
     replace(settings.mib_directories, options.mibs);
     replace(settings.chassis, options.chassis);
+    replace(settings.control, options.control);
     replace(settings.log, options.log);
     if (settings.log.empty()) {
         settings.log = options.foreground ? "stderr" : "syslog";
@@ -166,6 +168,7 @@ int main(int argc, char **argv) try {
     app.add_option("--mibs", options.mibs,
                    "directories of MIB files separated by colons, overrides tarnMibs");
     app.add_option("--chassis", options.chassis, "unix:PATH or tcp:ADDRESS:PORT, overrides tarnChassis");
+    app.add_option("--control", options.control, "path of the control socket, overrides tarnControl");
     app.add_option("--log", options.log, "stderr, syslog or \"file PATH\", overrides tarnLog");
     app.add_flag("--foreground", options.foreground, "do not go to the background");
     app.set_version_flag("--version", std::string("tarn-agentd ") + TARN_VERSION);

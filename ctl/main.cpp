@@ -1,0 +1,152 @@
+// tarnctl: the operator's command.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <optional>
+
+#include "ctl/client.h"
+#include "ctl/commands.h"
+#include "ctl/report.h"
+
+namespace {
+
+using namespace tarn::ctl;
+
+constexpr const char *description =
+    R"(tarnctl - commit, confirm, roll back and save the configuration of line cards
+
+Talks to the control socket of a running tarn-agentd, and to that of a simulated chassis.)";
+
+constexpr const char *footer = R"(SLOTS
+  As in 1-4,7, counted from 1; or "all": every slot that is up.
+
+EXIT STATUS
+  0  everything that was asked for was done
+  1  some of it was not: a card did not answer, the agent could not be reached, or
+     a question was not answered with yes
+  2  the command line is wrong
+
+EXAMPLES
+  tarnctl commit 3 && tarnctl confirm 3 && tarnctl save 3
+  tarnctl profiles commit
+  tarnctl --json slots
+  tarnctl --yes reload 1-4
+  tarnctl --chassis-socket chassis-control chassis '{"do":"cards"}')";
+
+struct Options {
+    std::string agent = "/run/tarn/agent-control";
+    std::string chassis = "/run/tarn/chassis-control";
+    bool json = false;
+    bool yes = false;
+    std::string slots;
+    std::string request;
+};
+
+// Whether to go on with a command that destroys something. Without a terminal nobody can say yes.
+bool agreed(const Options &options, const std::string &question) {
+    if (options.yes || question.empty()) {
+        return true;
+    }
+    if (isatty(STDIN_FILENO) == 0) {
+        std::cerr << "tarnctl: " << question << "? There is nobody to ask; say --yes\n";
+        return false;
+    }
+    std::cerr << question << "? [y/N] ";
+    std::string reply;
+    std::getline(std::cin, reply);
+    return reply == "y" || reply == "yes";
+}
+
+int finish(const Options &options, const Json &answer) {
+    const int status = exit_status(answer);
+    if (options.json) {
+        std::cout << answer.dump() << '\n';
+    } else {
+        (status == exit_done ? std::cout : std::cerr) << describe(answer);
+    }
+    return status;
+}
+
+int run_on_slots(const Options &options, const Command &command) {
+    Json request{{"do", command.name}};
+    if (options.slots != "all") {
+        request["slots"] = parse_slots(options.slots);
+    }
+    const std::string question(command.question);
+    const std::string where = options.slots == "all" ? " in every slot" : " in slot " + options.slots;
+    if (!agreed(options, question.empty() ? "" : question + where)) {
+        return exit_failed;
+    }
+    return finish(options, ask(options.agent, request));
+}
+
+int run_on_profiles(const Options &options, const Command &command) {
+    const std::string question(command.question);
+    if (!agreed(options, question.empty() ? "" : question + " of the profiles")) {
+        return exit_failed;
+    }
+    return finish(options, ask(options.agent, {{"do", std::string(command.name) + "-profiles"}}));
+}
+
+int pass_to_chassis(const Options &options) {
+    const Json request = Json::parse(options.request, nullptr, false);
+    if (!request.is_object()) {
+        throw std::invalid_argument("a request to the chassis is a JSON object");
+    }
+    return finish(options, ask(options.chassis, request));
+}
+
+// The subcommands; each leaves in `run` what is to be done.
+void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
+    CLI::App *profiles = app.add_subcommand("profiles", "the same for the chassis-wide profiles");
+    profiles->require_subcommand(1);
+    for (const Command &command : commands()) {
+        CLI::App *of_slots = app.add_subcommand(std::string(command.name), std::string(command.help));
+        of_slots->add_option("slots", options.slots, "slots as in 1-4,7, or all")->required();
+        of_slots->callback([&options, &run, &command] {
+            run = [&options, &command] { return run_on_slots(options, command); };
+        });
+        if (command.of_profiles) {
+            profiles->add_subcommand(std::string(command.name), std::string(command.help))
+                ->callback([&options, &run, &command] {
+                    run = [&options, &command] { return run_on_profiles(options, command); };
+                });
+        }
+    }
+    app.add_subcommand("slots", "list the slots of the agent")->callback([&options, &run] {
+        run = [&options] { return finish(options, ask(options.agent, {{"do", "slots"}})); };
+    });
+    CLI::App *chassis = app.add_subcommand("chassis", "pass a request to a simulated chassis");
+    chassis->add_option("request", options.request, "a JSON object, see docs/protocol.md")->required();
+    chassis->callback([&options, &run] { run = [&options] { return pass_to_chassis(options); }; });
+}
+
+}  // namespace
+
+int main(int argc, char **argv) try {
+    Options options;
+    std::function<int()> run;
+    CLI::App app{description};
+    app.footer(footer);
+    app.add_option("--socket", options.agent, "the agent's control socket")->capture_default_str();
+    app.add_option("--chassis-socket", options.chassis, "the simulated chassis' control socket")
+        ->capture_default_str();
+    app.add_flag("--json", options.json, "print the answer as JSON");
+    app.add_flag("--yes", options.yes, "do not ask before something is destroyed");
+    app.set_version_flag("--version", std::string("tarnctl ") + TARN_VERSION);
+    app.require_subcommand(1);
+    add_commands(app, options, run);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? exit_done : exit_usage;
+    }
+    return run();
+} catch (const std::invalid_argument &error) {
+    std::cerr << "tarnctl: " << error.what() << '\n';
+    return tarn::ctl::exit_usage;
+} catch (const std::exception &error) {
+    std::cerr << "tarnctl: " << error.what() << '\n';
+    return tarn::ctl::exit_failed;
+}
