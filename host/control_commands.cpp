@@ -20,16 +20,17 @@ struct ConfigurationCommand {
     std::string_view name;
     const char *of_slot;
     const char *of_profiles;  // null: there is none
+    bool forgets;             // what the module remembers of the slot no longer holds
 };
 
 constexpr ConfigurationCommand commands[] = {
-    {"commit", "slot_lib_set_commit_change", "slot_lib_set_commit_blade_profiles"},
-    {"confirm", "slot_lib_set_confirm_change", "slot_lib_confirm_blade_profiles"},
-    {"rollback", "slot_lib_set_rollback_change", "slot_lib_set_rollback_blade_profiles"},
-    {"save", "slot_lib_set_save_to_startup", nullptr},
-    {"default", "slot_lib_set_to_default", "slot_lib_set_default_blade_profiles"},
-    {"reread", "slot_lib_set_reread_config", nullptr},
-    {"reload", "slot_lib_set_reload_blade_slot", nullptr},
+    {"commit", "slot_lib_set_commit_change", "slot_lib_set_commit_blade_profiles", false},
+    {"confirm", "slot_lib_set_confirm_change", "slot_lib_confirm_blade_profiles", false},
+    {"rollback", "slot_lib_set_rollback_change", "slot_lib_set_rollback_blade_profiles", true},
+    {"save", "slot_lib_set_save_to_startup", nullptr, false},
+    {"default", "slot_lib_set_to_default", "slot_lib_set_default_blade_profiles", true},
+    {"reread", "slot_lib_set_reread_config", nullptr, false},
+    {"reload", "slot_lib_set_reload_blade_slot", nullptr, true},
 };
 
 using profiles_function = int();
@@ -72,14 +73,18 @@ std::vector<int> requested_slots(const Json &request, const Slots &slots) {
 }
 
 Json run_on_slots(const ConfigurationCommand &command, const Json &request, const Module &module,
-                  const Slots &slots) {
+                  Slots &slots) {
     need_keys(request, {"slots"});
     auto *function = find_function<slot_function>(module, command.of_slot);
     Json results = Json::array();
     for (const int slot : requested_slots(request, slots)) {
         Json result{{"slot", slot + 1}};
         if (slots.is_up(slot)) {
-            result["result"] = function(slot);
+            const int outcome = function(slot);
+            result["result"] = outcome;
+            if (outcome == 0 && command.forgets) {
+                slots.restart(slot);
+            }
         } else {
             result["error"] = "not up";
         }

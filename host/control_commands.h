@@ -14,7 +14,7 @@ class ControlCommands {
   public:
     // `changed` is called when a card's or the chassis' configuration may have changed. All three must
     // outlive the commands.
-    ControlCommands(const Module &module, const Slots &slots, std::function<void()> changed)
+    ControlCommands(const Module &module, Slots &slots, std::function<void()> changed)
         : module_(module), slots_(slots), changed_(std::move(changed)) {}
 
     // The answer to one line, with its newline. A request that is not understood changes nothing and is
@@ -25,7 +25,7 @@ class ControlCommands {
 
   private:
     const Module &module_;
-    const Slots &slots_;
+    Slots &slots_;
     std::function<void()> changed_;
 };
 

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdarg>
@@ -18,21 +20,23 @@ std::atomic<int> threshold{log_level::information};
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds repeat_period{5};
 
-// The line that was written last and how often it came again since.
-struct LastLine {
-    std::mutex mutex;
+// A line that was written, and how often it came again since.
+struct WrittenLine {
     std::string text;
     int level = 0;
     int repeats = 0;
     Clock::time_point written{};
 };
 
-LastLine last_line;
+// The last few: whatever is logged for each row of a table may be more than one line.
+std::mutex last_lines_mutex;
+std::array<WrittenLine, 4> last_lines;
+std::size_t oldest_line = 0;
 
-void write_repeats() {
-    if (last_line.repeats > 0) {
-        snmp_log(last_line.level, "(the last line came %d times more)\n", last_line.repeats);
-        last_line.repeats = 0;
+void write_repeats(WrittenLine &line) {
+    if (line.repeats > 0) {
+        snmp_log(line.level, "%s (came %d times more)\n", line.text.c_str(), line.repeats);
+        line.repeats = 0;
     }
 }
 
@@ -61,25 +65,29 @@ bool open_log_file(const std::string &path) {
 }
 
 void write_line(int level, std::string line) {
-    const std::lock_guard lock(last_line.mutex);
+    const std::lock_guard lock(last_lines_mutex);
     const Clock::time_point now = Clock::now();
-    if (level == last_line.level && line == last_line.text && now - last_line.written < repeat_period) {
-        ++last_line.repeats;
+    WrittenLine *same = std::find_if(last_lines.begin(), last_lines.end(), [&](const WrittenLine &written) {
+        return level == written.level && line == written.text;
+    });
+    if (same != last_lines.end() && now - same->written < repeat_period) {
+        ++same->repeats;
         return;
     }
-    write_repeats();
+    WrittenLine &place = same != last_lines.end() ? *same : last_lines[oldest_line++ % last_lines.size()];
+    write_repeats(place);
     snmp_log(level, "%s\n", line.c_str());
-    last_line.text = std::move(line);
-    last_line.level = level;
-    last_line.written = now;
+    place = {std::move(line), level, 0, now};
 }
 
 }  // namespace
 
 void flush_log() {
-    const std::lock_guard lock(last_line.mutex);
-    write_repeats();
-    last_line.text.clear();
+    const std::lock_guard lock(last_lines_mutex);
+    for (WrittenLine &line : last_lines) {
+        write_repeats(line);
+        line.text.clear();
+    }
 }
 
 void set_log_level(int level) {

@@ -26,8 +26,8 @@ bool open_log(std::string_view destination);
 // The level of a name: error, warning, information or debug; -1 for another text.
 int log_level_of(std::string_view name);
 
-// A line that repeats the one before is not written but counted for up to five seconds, so that a card that
-// fails for every row of a table does not flood the log. This writes the count.
+// A line that repeats one of the last few is not written but counted for up to five seconds, so that a card
+// that fails for every row of a table does not flood the log. This writes the counts.
 void flush_log();
 
 // The text without its last line end, each other control byte replaced by '?': a text that came from a

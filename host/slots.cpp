@@ -54,6 +54,11 @@ void Slots::stop(int slot) {
     }
 }
 
+void Slots::restart(int slot) {
+    stop(slot);
+    (void)start(slot);
+}
+
 bool Slots::follow(const std::function<bool(int slot)> &has_link) {
     bool changed = false;
     for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {

@@ -29,6 +29,9 @@ class Slots {
     // Starts and stops slots so that the served ones with a link are up. True when a slot changed.
     bool follow(const std::function<bool(int slot)> &has_link);
 
+    // Has the module forget all that it knows of a slot that is up.
+    void restart(int slot);
+
     // The slots that are up, ascending.
     [[nodiscard]] const std::vector<int> &up() const { return up_; }
     [[nodiscard]] bool is_up(int slot) const;

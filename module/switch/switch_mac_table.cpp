@@ -128,7 +128,7 @@ char *get_raw_switch_mac_table(int slot) {
         const MacEntries entries = mac_entries(slot);
         const std::size_t length = text_head + text_record_size * entries.size();
         db->mac_text_stamp.set();
-        if (!db->mac_text.resize(length + 1)) {
+        if (!db->mac_text.resize(length + 1) || db->mac_text.bytes == nullptr) {
             log_add(log_error, "%s : memory allocation error. Tried to allocate %d bytes\n", __func__,
                     static_cast<int>(length + 1));
         } else {

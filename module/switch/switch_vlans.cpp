@@ -97,10 +97,12 @@ int fetch_block(SlotDatabase &db, int slot, int first, const char *operation) {
     if (count != static_cast<int>(stated)) {
         log_add(log_error, "%s : %zu VLANs stated, %d taken\n", operation, stated, count);
     }
-    for (int i = 0; i < count && first + i < switch_vlans; ++i) {
+    std::size_t place = first_record;
+    for (int number = first; number < std::min(first + count, switch_vlans); ++number) {
         Record<vlan_record::size> record;
-        answer.copy(record.data(), first_record + static_cast<std::size_t>(i) * record.size(), record.size());
-        take_vlan(db.vlans[static_cast<std::size_t>(first + i)], record, operation);
+        answer.copy(record.data(), place, record.size());
+        take_vlan(db.vlans[static_cast<std::size_t>(number)], record, operation);
+        place += record.size();
     }
     return answer.get<std::uint16_t>(payload) + count;
 }

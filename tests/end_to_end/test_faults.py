@@ -15,21 +15,17 @@ STATE, MODE, ADDRESS = f"{ROOT}.1.1.1", f"{ROOT}.1.2.1", f"{ROOT}.1.3.1"
 SLOT = 2          # the card that fails, as the chassis counts
 INDEX = SLOT + 1  # and in instance identifiers
 FAILURE = re.compile(r"(\w+) : (?:.* [12]:\(-?\d+\)|short answer)")
-REPEATS = re.compile(r"the last line came (\d+) times more")
+REPEATS = re.compile(r"\(came (\d+) times more\)$")
 
 
 def failures(system):
     """How often each operation has logged that a request failed. Ends the agent, which folds what repeats."""
     system.agent.stop()
-    counts, operation = Counter(), None
+    counts = Counter()
     for line in system.agent.log().splitlines():
-        if repeats := REPEATS.search(line):
-            counts[operation] += int(repeats.group(1))
-        else:
-            found = FAILURE.search(line)
-            operation = found and found.group(1)
-            counts[operation] += 1
-    del counts[None]
+        if failure := FAILURE.search(line):
+            repeats = REPEATS.search(line)
+            counts[failure.group(1)] += int(repeats.group(1)) if repeats else 1
     return counts
 
 

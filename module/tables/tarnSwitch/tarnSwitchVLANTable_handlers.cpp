@@ -142,8 +142,9 @@ constexpr Column columns[] = {
 
 // The first position in a VLAN list whose VLAN has a greater index; the list's count when there is none.
 TARN_EXPORT int get_next_vlan_index(const std::uint8_t *list, int index) {
+    const int count = vlans_listed(list);
     int position = 0;
-    while (position < vlans_listed(list) && load_integer(list, vlan_list::number(position)) + 1 <= index) {
+    while (position < count && load_integer(list, vlan_list::number(position)) + 1 <= index) {
         ++position;
     }
     return position;

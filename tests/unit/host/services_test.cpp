@@ -73,19 +73,28 @@ TEST(Logger, DropsWhatIsBelowTheLevelAndKeepsLongLinesWhole) {
     EXPECT_THAT(log.lines, ElementsAre(text + "\n"));
 }
 
-TEST(Logger, CountsRepeatedLines) {
+TEST(Logger, CountsRepeatsOfTheLastLines) {
     CapturedLog log;
     for (int i = 0; i < 1000; ++i) {
         log_add(log_level::error, "the card is silent\n");
+        log_add(log_level::error, "another line\n");
     }
-    log_add(log_level::error, "another line\n");
-    log_add(log_level::error, "another line\n");
+    log_add(log_level::error, "once\n");
     flush_log();
     flush_log();
     log_add(log_level::error, "another line\n");
-    EXPECT_THAT(log.lines,
-                ElementsAre("the card is silent\n", "(the last line came 999 times more)\n", "another line\n",
-                            "(the last line came 1 times more)\n", "another line\n"));
+    EXPECT_THAT(log.lines, ElementsAre("the card is silent\n", "another line\n", "once\n",
+                                       "the card is silent (came 999 times more)\n",
+                                       "another line (came 999 times more)\n", "another line\n"));
+}
+
+TEST(Logger, ForgetsALineThatManyOthersFollow) {
+    CapturedLog log;
+    for (const char *line : {"1", "2", "2", "3", "4", "5", "1"}) {
+        log_add(log_level::error, "%s\n", line);
+    }
+    EXPECT_THAT(log.lines, ElementsAre("1\n", "2\n", "3\n", "4\n", "5\n", "2 (came 1 times more)\n", "1\n"));
+    flush_log();
 }
 
 TEST(Logger, KnowsItsLevelsAndDestinations) {

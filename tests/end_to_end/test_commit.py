@@ -1,0 +1,130 @@
+"""The commit commands: tarnctl, the agent's control socket, the module, and what the chassis makes of it."""
+
+import json
+import stat
+
+import pytest
+
+from chassis import scenario
+from programs import run_to_end
+
+CONTROL = "agent-control"
+SLOT = 5
+CARD = SLOT - 1
+
+
+@pytest.fixture
+def system(start):
+    return start(scenario="confirm_seconds: 60\n" + scenario(), agent_lines=[f"tarnControl {CONTROL}"])
+
+
+def tarnctl(system, *arguments):
+    return run_to_end("tarnctl", "--socket", CONTROL, "--chassis-socket", system.chassis.CONTROL, *arguments,
+                      directory=system.agent.directory)
+
+
+def state(system, slot=CARD):
+    return system.chassis.ask("state-get", slot=slot, item="config")
+
+
+def edit(system, tables, name):
+    table = tables["tarnSwitchVLANTable"]
+    system.snmp.get(table.instance(3, SLOT, 1))
+    system.snmp.set((table.instance(3, SLOT, 1), "s", name))
+
+
+def names(system):
+    vlans = system.chassis.ask("state-get", slot=CARD, item="vlans")
+    return [bytes.fromhex(vlans[kind]["1"])[:32].rstrip(b"\0").decode() for kind in ("working", "running")]
+
+
+def test_every_command_of_a_slot_reaches_its_card(system, tables):
+    edit(system, tables, "first")
+    assert names(system) == ["first", "default"]
+    assert tarnctl(system, "commit", SLOT) == (0, f"slot {SLOT}: done\n")
+    assert names(system) == ["first", "first"]
+    assert "confirm_within_ms" in state(system)
+    assert tarnctl(system, "confirm", SLOT) == (0, f"slot {SLOT}: done\n")
+    assert "confirm_within_ms" not in state(system)
+    assert tarnctl(system, "save", SLOT)[0] == 0
+    assert state(system)["saved"]
+
+    edit(system, tables, "second")
+    assert tarnctl(system, "commit", SLOT)[0] == 0
+    assert tarnctl(system, "--yes", "rollback", SLOT)[0] == 0
+    assert names(system) == ["first", "first"]
+    # The agent does not go on showing what was taken back.
+    name = tables["tarnSwitchVLANTable"].instance(3, SLOT, 1)
+    assert system.snmp.get(name)[0][1].value == b"first"
+    assert tarnctl(system, "--yes", "default", SLOT)[0] == 0
+    assert names(system) == ["default", "first"]
+    assert tarnctl(system, "reread", SLOT)[0] == 0
+    assert tarnctl(system, "--yes", "reload", SLOT)[0] == 0
+    assert names(system) == ["first", "first"]
+    counts = state(system)
+    assert {key: counts[key] for key in ("commits", "confirmations", "roll_backs", "saves", "defaults", "rereads",
+                                         "reloads")} == {
+        "commits": 2, "confirmations": 1, "roll_backs": 1, "saves": 1, "defaults": 1, "rereads": 1, "reloads": 1}
+    assert state(system, slot=0)["commits"] == 0
+
+
+def test_the_profiles_are_told_in_turn(system):
+    for command, count in (("commit", "commits"), ("confirm", "confirmations"), ("rollback", "roll_backs"),
+                           ("default", "defaults")):
+        assert tarnctl(system, "--yes", "profiles", command) == (0, "done\n")
+        assert [state(system, slot)[count] for slot in (16, 17, 18)] == [1, 1, 1], command
+    system.chassis.fault("silent", slot=17)
+    status, output = tarnctl(system, "profiles", "commit")
+    assert (status, output) == (1, "failed: no answer (-1)\n")
+    system.chassis.clear_faults()
+    assert [state(system, slot)["commits"] for slot in (16, 17, 18)] == [2, 1, 1]
+
+
+def test_what_fails_is_said_for_each_slot(system):
+    system.chassis.ask("card-pull", slot=1)
+    system.chassis.fault("status", slot=2, command=406, status=5)
+    status, output = tarnctl(system, "commit", "1-3")
+    assert status == 1
+    assert output in ("slot 1: done\nslot 2: failed: not up\nslot 3: failed: no answer (-1)\n",
+                      # The agent has not noticed yet that the card is gone.
+                      "slot 1: done\nslot 2: failed: no answer (-1)\nslot 3: failed: no answer (-1)\n")
+    status, output = tarnctl(system, "--json", "reload", "--help")
+    assert status == 0
+    status, output = tarnctl(system, "--json", "--yes", "reload", "3,1")
+    assert (status, json.loads(output)) == (0, {"results": [{"slot": 1, "result": 0}, {"slot": 3, "result": 0}]})
+
+
+def test_destruction_needs_a_yes(system):
+    for arguments in (("rollback", "all"), ("default", 3), ("reload", 3), ("profiles", "rollback"),
+                      ("profiles", "default")):
+        status, output = tarnctl(system, *arguments)
+        assert status == 1 and "say --yes" in output, arguments
+    assert not system.chassis.requests()
+    assert tarnctl(system, "--yes", "rollback", "all")[0] == 0
+    assert len(system.chassis.requests()) == 16
+
+
+def test_the_command_line_is_checked(system):
+    for arguments in ((), ("commit",), ("commit", "0"), ("commit", "17"), ("commit", "3-1"), ("commit", "x"),
+                      ("profiles",), ("profiles", "save"), ("nonsense",), ("chassis", "[]")):
+        status, output = tarnctl(system, *arguments)
+        assert status == 2, (arguments, output)
+        assert output
+    assert not system.chassis.requests()
+
+
+def test_slots_and_the_chassis(system):
+    status, output = tarnctl(system, "slots")
+    assert status == 0 and output.splitlines() == [f"slot {slot}: up" for slot in range(1, 17)]
+    status, output = tarnctl(system, "--json", "chassis", '{"do":"version"}')
+    assert status == 0 and json.loads(output)["program"] == "tarn-chassisd"
+    assert tarnctl(system, "chassis", '{"do":"nonsense"}')[0] == 1
+
+
+def test_the_socket_is_the_users_alone_and_goes_with_the_agent(system):
+    path = system.agent.directory / CONTROL
+    assert stat.S_IMODE(path.stat().st_mode) == 0o600
+    assert system.agent.stop() == 0
+    assert not path.exists()
+    status, output = tarnctl(system, "slots")
+    assert (status, output) == (1, f"tarnctl: {CONTROL}: No such file or directory\n")
