@@ -35,7 +35,7 @@ def edit(system, tables, name):
 
 def names(system):
     vlans = system.chassis.ask("state-get", slot=CARD, item="vlans")
-    return [bytes.fromhex(vlans[kind]["1"])[:32].rstrip(b"\0").decode() for kind in ("working", "running")]
+    return [bytes.fromhex(vlans[kind]["1"])[:32].split(b"\0")[0].decode() for kind in ("working", "running")]
 
 
 def test_every_command_of_a_slot_reaches_its_card(system, tables):
