@@ -30,6 +30,7 @@ EXIT STATUS
 EXAMPLES
   tarnctl commit 3 && tarnctl confirm 3 && tarnctl save 3
   tarnctl profiles commit
+  tarnctl firmware download 192.0.2.7 images/ont.img
   tarnctl --json slots
   tarnctl --yes reload 1-4
   tarnctl --chassis-socket chassis-control chassis '{"do":"cards"}')";
@@ -41,6 +42,8 @@ struct Options {
     bool yes = false;
     std::string slots;
     std::string request;
+    std::string server;
+    std::string path;
 };
 
 // Whether to go on with a command that destroys something. Without a terminal nobody can say yes.
@@ -97,6 +100,25 @@ int pass_to_chassis(const Options &options) {
     return finish(options, ask(options.chassis, request));
 }
 
+void add_firmware_commands(CLI::App &app, Options &options, std::function<int()> &run) {
+    CLI::App *firmware = app.add_subcommand("firmware", "download images of ONT firmware");
+    firmware->require_subcommand(1);
+    CLI::App *download =
+        firmware->add_subcommand("download", "start a download; its end is notified by SNMP");
+    download->add_option("server", options.server, "IPv4 address of the TFTP server")->required();
+    download->add_option("path", options.path, "path of the image on the server")->required();
+    download->callback([&options, &run] {
+        run = [&options] {
+            return finish(options, ask(options.agent, {{"do", "firmware-download"},
+                                                       {"server", options.server},
+                                                       {"path", options.path}}));
+        };
+    });
+    firmware->add_subcommand("state", "how the last download goes or went")->callback([&options, &run] {
+        run = [&options] { return finish(options, ask(options.agent, {{"do", "firmware-state"}})); };
+    });
+}
+
 // The subcommands; each leaves in `run` what is to be done.
 void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
     CLI::App *profiles = app.add_subcommand("profiles", "the same for the chassis-wide profiles");
@@ -117,6 +139,7 @@ void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
     app.add_subcommand("slots", "list the slots of the agent")->callback([&options, &run] {
         run = [&options] { return finish(options, ask(options.agent, {{"do", "slots"}})); };
     });
+    add_firmware_commands(app, options, run);
     CLI::App *chassis = app.add_subcommand("chassis", "pass a request to a simulated chassis");
     chassis->add_option("request", options.request, "a JSON object, see docs/protocol.md")->required();
     chassis->callback([&options, &run] { run = [&options] { return pass_to_chassis(options); }; });

@@ -37,6 +37,9 @@ std::string describe(const Json &answer) {
         }
         return text;
     }
+    if (answer.contains("download")) {
+        return "download: " + answer["download"].get<std::string>() + '\n';
+    }
     if (answer.contains("result") || answer.contains("error")) {
         return outcome(answer) + '\n';
     }

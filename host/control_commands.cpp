@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "host/download.h"
 #include "host/logger.h"
 
 namespace tarn::host {
@@ -103,6 +104,22 @@ Json list_slots(const Slots &slots) {
     return {{"slots", list}};
 }
 
+std::string text_of(const Json &request, const char *key) {
+    if (!request.contains(key) || !request[key].is_string()) {
+        throw ControlError(std::string(key) + " must be a text");
+    }
+    return request[key].get<std::string>();
+}
+
+Json download_firmware(const Json &request, const Module &module) {
+    need_keys(request, {"server", "path"});
+    std::string error;
+    if (!start_download(module, text_of(request, "server"), text_of(request, "path"), error)) {
+        throw ControlError(error);
+    }
+    return {{"download", "started"}};
+}
+
 constexpr std::string_view profiles_suffix = "-profiles";
 
 }  // namespace
@@ -122,6 +139,14 @@ std::string ControlCommands::answer(const std::string &line) try {
         const Json answer = name == "slots" ? list_slots(slots_)
                                             : Json{{"program", "tarn-agentd"}, {"version", TARN_VERSION}};
         return answer.dump() + '\n';
+    }
+    if (name == "firmware-state") {
+        need_keys(request, {});
+        return Json{{"download", download_state(module_)}}.dump() + '\n';
+    }
+    if (name == "firmware-download") {
+        log_add(log_level::information, "control: %s\n", printable(line).c_str());
+        return download_firmware(request, module_).dump() + '\n';
     }
     const bool of_profiles = name.ends_with(profiles_suffix);
     if (of_profiles) {

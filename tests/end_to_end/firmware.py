@@ -71,9 +71,8 @@ class Site:
         def answers():
             with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
                 probe.settimeout(0.2)
-                probe.connect(("127.0.0.1", self.tftp_port))
                 try:
-                    probe.send(b"\0\1nothing\0octet\0")
+                    probe.sendto(b"\0\1nothing\0octet\0", ("127.0.0.1", self.tftp_port))
                     return bool(probe.recv(600))
                 except OSError:
                     return False

@@ -40,6 +40,7 @@ class Program:
         self.log_file = self.directory / f"{name}.log"
         with self.log_file.open("ab") as log:
             self.process = subprocess.Popen([BUILD / "bin" / name, *map(str, arguments)], cwd=directory,
+                                            env={"TARN_ROOT": str(self.directory / "root"), **os.environ},
                                             stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT)
 
     def log(self):
