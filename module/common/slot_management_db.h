@@ -71,6 +71,7 @@ struct SlotDatabase {
     Sections<ont_uni_ports::size, max_onts> ont_uni_ports;
     Sections<ont_i2c::size, max_onts> ont_i2c;
     Sections<22, max_onts> ont_downstream_ber;
+    std::array<std::uint8_t, serial_size> services_utilization_serial;  // whose figures follow
     Section<2 * 256> ont_services_utilization;
     std::array<std::uint8_t, serial_size> connections_serial;
     std::uint8_t connections_count;
@@ -96,7 +97,8 @@ struct SlotDatabase {
 
     // Configuration
     Sections<olt_channel_config::size, channels_per_slot> olt_channel_configs;
-    Record<olt_config::size + 2> olt_config;  // the hold flag behind it
+    std::array<bool, channels_per_slot> olt_channel_configs_seen;  // the card has shown them
+    Record<olt_config::size + 2> olt_config;                       // the hold flag behind it
     Stamp olt_config_stamp;
     Section<network_config::size> network_config;
     Records<ont_config::size, ont_config::count> ont_configs;

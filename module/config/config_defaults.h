@@ -55,8 +55,10 @@ inline constexpr Default defaults[] = {{flag_278, 1}};
 }
 
 namespace crossconnect_profile {
-inline constexpr Default defaults[] = {{value_280, 1}, {value_283, 1},   {value_285, 255},
-                                       {value_286, 1}, {value_290, 255}, {value_291, 127}};
+inline constexpr Default defaults[] = {
+    {value_278, 0}, {value_280, 1}, {value_281, 0},   {value_283, 1},   {value_285, 255},
+    {value_286, 1}, {value_288, 0}, {value_290, 255}, {value_291, 127},
+};
 }
 
 namespace shaping_profile {

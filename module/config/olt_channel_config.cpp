@@ -8,10 +8,14 @@ namespace {
 
 using ChannelConfig = Section<olt_channel_config::size>;
 
+bool is_channel(int channel) {
+    return channel >= 0 && channel < channels_per_slot;
+}
+
 ChannelConfig *section_of(int slot, int channel) {
     SlotDatabase *db = slot_database(slot);
-    const auto index = static_cast<std::size_t>(channel);
-    return db != nullptr && index < channels_per_slot ? &db->olt_channel_configs[index] : nullptr;
+    return db != nullptr && is_channel(channel) ? &db->olt_channel_configs[static_cast<std::size_t>(channel)]
+                                                : nullptr;
 }
 
 }  // namespace
@@ -29,6 +33,7 @@ std::uint8_t *get_olt_channel_config(int slot, int channel) {
         if (const Answer answer = ask(request, __func__, slot, record + olt_channel_config::size)) {
             answer.copy(section->record.data(), record, olt_channel_config::size);
             section->stamp.set();
+            slot_database(slot)->olt_channel_configs_seen[static_cast<std::size_t>(channel)] = true;
         }
     }
     return section->record.data();

@@ -114,8 +114,9 @@ int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record
     return 0;
 }
 
-int delete_ont_config(int slot, const std::uint8_t *serial) {
-    const int index = get_ont_config_index_by_serial(slot, serial);
+int delete_ont_config(int slot, const std::uint8_t *serial_bytes) {
+    const Serial serial = serial_at(serial_bytes);  // may lie in the records that are refreshed next
+    const int index = get_ont_config_index_by_serial(slot, serial.data());
     if (index == ont_not_found) {
         log_add(log_error, "%s : tried to delete nonexistent config : %02X%02X%02X%02X\n", __func__,
                 serial[4], serial[5], serial[6], serial[7]);

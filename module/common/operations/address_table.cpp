@@ -66,7 +66,9 @@ std::uint8_t *get_global_ont_address_table(int slot) {
         return nullptr;
     }
     if (db->addresses.bytes == nullptr) {
-        db->addresses.resize(initial_bytes / ont_address::size);
+        if (db->addresses.resize(initial_bytes / ont_address::size)) {
+            std::memset(db->addresses.bytes, 0, db->addresses.capacity * ont_address::size);
+        }
     }
     if (db->addresses_stamp.expired()) {
         Request<47> request(command::get_global_ont_address_table, destination::services);
@@ -88,6 +90,7 @@ void insert_sort_global_ont_address_table(int slot) {
     if (!db->addresses_by_serial.resize(count)) {
         log_add(log_error, "%s : memory allocation failed. Tried to allocate %lu bytes\n", __func__,
                 static_cast<unsigned long>(count * sizeof(std::uint32_t)));
+        db->addresses_by_serial.release();  // its positions are those of another table
         return;
     }
     std::uint32_t *positions = sorted_positions(*db);
@@ -135,8 +138,12 @@ std::size_t address_entries(const SlotDatabase &db) {
     return std::min<std::size_t>(db.address_count, db.addresses.capacity);
 }
 
+std::size_t sorted_address_entries(const SlotDatabase &db) {
+    return std::min(address_entries(db), db.addresses_by_serial.capacity);
+}
+
 const std::uint8_t *address_by_serial(const SlotDatabase &db, std::size_t position) {
-    if (position >= std::min(address_entries(db), db.addresses_by_serial.capacity)) {
+    if (position >= sorted_address_entries(db)) {
         return nullptr;
     }
     const std::uint32_t entry = sorted_positions(db)[position];

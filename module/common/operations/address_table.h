@@ -20,6 +20,8 @@ namespace tarn {
 // The number of entries that are there: the count that the card stated may exceed what memory could be had
 // for.
 std::size_t address_entries(const SlotDatabase &db);
+// The length of the order by serial; shorter than the table when memory was short.
+std::size_t sorted_address_entries(const SlotDatabase &db);
 // The entry at a position of the order by serial; null beyond the end.
 const std::uint8_t *address_by_serial(const SlotDatabase &db, std::size_t position);
 void release_address_table(SlotDatabase &db);

@@ -81,6 +81,11 @@ int ont_default_via_omci(int slot, const std::uint8_t *ont_record) {
     return act_on_ont(slot, command::ont_default_via_omci, ont_record, __func__);
 }
 
+int test_c(void) {
+    constexpr int tried_slot = 5;
+    return act(Request<32>(command::get_terminal_vlans, destination::configuration), __func__, tried_slot);
+}
+
 int get_activation_auth_mode(int slot, int channel) {
     Request<33> request(command::get_activation_auth_mode, destination::services);
     request.put(32, static_cast<std::uint8_t>(channel));

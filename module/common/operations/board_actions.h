@@ -19,6 +19,10 @@ TARN_EXPORT int enable_ont(int slot, int channel, const std::uint8_t *serial);
 // Takes the serial from the first 8 bytes of an ONT record.
 TARN_EXPORT int ont_default_via_omci(int slot, const std::uint8_t *ont_record);
 
+// Asks slot 5 for its terminal VLANs and drops them: a trial of the way to a card, which nothing in the
+// module makes.
+TARN_EXPORT int test_c(void);
+
 // 0 when the card says that authentication at activation is off, 1 when it is on or no answer came.
 TARN_EXPORT int get_activation_auth_mode(int slot, int channel);
 // A non-zero flag switches it on.

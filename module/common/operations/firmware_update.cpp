@@ -151,7 +151,7 @@ int update_ont_firmware_via_OMCI(int slot, const std::uint8_t *serial, const cha
                       std::strlen(file_name));
     request.put_bytes(tftp_path_at, reinterpret_cast<const std::uint8_t *>(path), std::strlen(path));
     request.put(image_size_at, image.size).put(image_crc_at, image.crc);
-    int status = 0;
+    int status = -1;
     const Answer answer(ipc_send_request_wrapper_with_result(request.bytes.data(), __func__, slot, &status));
     return answer ? 0 : status;
 }

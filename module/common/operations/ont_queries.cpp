@@ -200,6 +200,10 @@ std::uint8_t *get_ont_services_utilization(int slot, const std::uint8_t *serial_
     if (db == nullptr) {
         return nullptr;
     }
+    if (db->services_utilization_serial != serial) {
+        db->services_utilization_serial = serial;
+        db->ont_services_utilization = {};
+    }
     Request<45> request(command::get_ont_services_utilization, destination::services);
     request.put_bytes(32, serial.data(), serial.size());
     return refresh(db->ont_services_utilization, request, __func__, slot);

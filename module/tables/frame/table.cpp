@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "module/common/cached_query.h"
 #include "module/common/log.h"
 
 namespace tarn {
@@ -156,7 +157,7 @@ Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_contex
         cursor = 0;
     }
     Row row;
-    row.slot = slot;
+    row.slot = slot_byte(slot);
     if (!table.next(cursor, row)) {
         return nullptr;
     }
@@ -213,7 +214,7 @@ void get_next_entry(const Table &table, table_entry *result, int slot, const oid
         return;
     }
     Row row;
-    row.slot = slot;
+    row.slot = slot_byte(slot);
     const std::size_t index_start = std::min(length, table.prefix + 2);
     parse_partial_index(table.index, name + index_start, length - index_start, row);
     if (table.successor(row)) {
@@ -226,8 +227,8 @@ int handle_nextgen(const Table &table, int mode, netsnmp_request_info *request, 
     create_pair(&name, request->requestvb);
     const std::size_t index_start = table.prefix + 2;
     Target target;
-    target.row.slot = slot;
-    if (name.length > index_start) {
+    target.row.slot = slot_byte(slot);
+    if (name.length >= index_start) {
         // The column stands behind the entry; get_colnum_from_oid knows tables of 11 sub-identifiers only.
         target.column =
             find_column(table, get_int_from_oid(name.name, name.length, static_cast<int>(table.prefix) + 1));

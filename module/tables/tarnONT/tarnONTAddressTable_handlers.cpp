@@ -49,7 +49,7 @@ bool find_entry(Row &row) {
 // The first position whose entry lies behind (serial, entry number).
 std::size_t first_behind(const SlotDatabase &db, const Serial &serial, std::int64_t entry_number) {
     std::size_t low = 0;
-    std::size_t high = address_entries(db);
+    std::size_t high = sorted_address_entries(db);
     while (low < high) {
         const std::size_t middle = low + (high - low) / 2;
         const int order =

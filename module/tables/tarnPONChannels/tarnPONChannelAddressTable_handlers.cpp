@@ -1,5 +1,6 @@
 // The addresses learnt behind a card's ONTs, one row an entry, in the card's order. The rows are therefore
 // not in the order of their identifiers, which begin with the channel; the host sorts them.
+#include "module/common/cached_query.h"
 #include "module/common/operations/address_table.h"
 #include "module/tables/frame/table.h"
 
@@ -61,10 +62,12 @@ MODULE_NEXTGEN_TABLE(tarnPONChannelAddressTable, table)
 // The entry number (from 1) that follows the one in the identifier; 1 when it names none. 0: there is none.
 TARN_EXPORT int tarnPONChannelAddressTable_get_first_available_config_index_2(int slot, const oid *name,
                                                                               std::size_t length) {
-    const int next = length < 16 ? 1 : get_int_from_oid(name, length, 15) + 1;
+    const std::int64_t next = length < 16 ? 1 : std::int64_t{get_int_from_oid(name, length, 15)} + 1;
     get_global_ont_address_table(slot);
-    const SlotDatabase *db = slot_database(slot);
-    return db != nullptr && next >= 1 && static_cast<std::size_t>(next) <= address_entries(*db) ? next : 0;
+    const SlotDatabase *db = slot_database(slot_byte(slot));
+    return db != nullptr && next >= 1 && static_cast<std::size_t>(next) <= address_entries(*db)
+               ? static_cast<int>(next)
+               : 0;
 }
 
 // Builds the identifier of a row: channel 0-7, entry number from 1.
@@ -81,7 +84,7 @@ TARN_EXPORT void tarnPONChannelAddressTable_append_index(table_entry *result, co
 // The entry that an identifier names, or null.
 TARN_EXPORT std::uint8_t *get_entry_by_oid(int slot, const oid *name, std::size_t length) {
     Row row;
-    row.slot = slot;
+    row.slot = slot_byte(slot);
     if (length < 16 || !parse_exact_index(row_index, name + 13, length - 13, row) || !find_entry(row)) {
         return nullptr;
     }

@@ -36,7 +36,7 @@ int set_enabled(Row &row, const Binding &value) {
     }
     // Never send a record that the card has not shown first: it would wipe what we do not know.
     const auto channel = static_cast<std::size_t>(channel_of(row));
-    if (!slot_database(row.slot)->olt_channel_configs[channel].stamp.is_set()) {
+    if (!slot_database(row.slot)->olt_channel_configs_seen[channel]) {
         return SNMP_ERR_GENERR;
     }
     store_integer(config, olt_channel_config::enabled, set_truth_value(static_cast<int>(*value.val.integer)));

@@ -144,6 +144,15 @@ TEST_F(PonChannelTablesTest, AConfigurationThatTheCardNeverShowedIsNotWritten) {
     EXPECT_EQ(board.count(86), 0);
 }
 
+TEST_F(PonChannelTablesTest, AConfigurationThatTheCardOnceShowedIsWrittenAgain) {
+    board.answer(85, Bytes(98, 0xEE));
+    board.answer(86, {});
+    EXPECT_EQ(set_state(5, integer_value(1)), 0);
+    board.silence(85);  // the write made it stale, but it is known
+    EXPECT_EQ(set_state(5, integer_value(2)), 0);
+    EXPECT_EQ(board.count(86), 2);
+}
+
 TEST_F(PonChannelTablesTest, RefusedWritesSendNothing) {
     EXPECT_EQ(set_state(20, integer_value(1)), SNMP_ERR_WRONGTYPE);
     EXPECT_EQ(set_state(5, unsigned_value(1)), SNMP_ERR_WRONGTYPE);
@@ -243,6 +252,16 @@ TEST_F(PonChannelTablesTest, EveryAddressColumnComesFromItsField) {
     EXPECT_EQ(get(9, {3, 6, 3}).error, SNMP_NOSUCHOBJECT);
     EXPECT_EQ(get(9, {3, 6}).error, SNMP_NOSUCHOBJECT);
     EXPECT_EQ(get(9, {}).error, SNMP_NOSUCHOBJECT);
+}
+
+TEST_F(PonChannelTablesTest, SlotsBeyondAByteWrapAround) {
+    board.answer(80, two_addresses());
+    const Oid second = address_oid(9, {3, 2, 2});
+    EXPECT_EQ(
+        call_nextgen(tarnPONChannelAddressTable_table_handler_nextgen, MODE_GET, 258, second).octets.size(),
+        6U);
+    EXPECT_EQ(next_of(tarnPONChannelAddressTable_get_next_entry, 258, address_table, 9).size(), 16U);
+    EXPECT_NE(get_entry_by_oid(258, second.data(), 16), nullptr);
 }
 
 TEST_F(PonChannelTablesTest, AddressesAreNeverWritten) {
