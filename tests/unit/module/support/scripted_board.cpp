@@ -15,9 +15,9 @@ ScriptedBoard board;
 
 namespace {
 
-// Logs and traps may come from another thread.
-std::mutex reports_mutex;
-std::condition_variable trap_sent;
+// Logs and traps may come from another thread, which may still be at it when the process ends.
+std::mutex &reports_mutex = *new std::mutex;
+std::condition_variable &trap_sent = *new std::condition_variable;
 
 int copy_out(const std::string &text, char *buffer, int size) {
     if (text.empty() || text.size() >= static_cast<std::size_t>(size)) {
@@ -173,10 +173,8 @@ int check_firmware_select(int, int, int) {
 }
 
 void send_acs_firmware_download_trap(int status, const char *text) {
-    {
-        const std::lock_guard lock(reports_mutex);
-        board.traps.emplace_back(status, text);
-    }
+    const std::lock_guard lock(reports_mutex);
+    board.traps.emplace_back(status, text);
     trap_sent.notify_all();
 }
 
