@@ -41,7 +41,7 @@ int main() {
     try {
         // 16 x 512 x 16 rows of two columns, and 16 x 512 x 672 rows of one.
         const double services = ratio_of("tarnONTFullServicesConfigTable", 5);
-        const double tunnels = ratio_of("tarnONTSelectiveTunnelTable", 2);
+        const double tunnels = ratio_of("tarnONTSelectiveTunnelTable", 1);
         return std::max(services, tunnels) <= largest_ratio ? EXIT_SUCCESS : EXIT_FAILURE;
     } catch (const std::exception &error) {
         (void)std::fprintf(stderr, "%s\n", error.what());

@@ -17,6 +17,15 @@ const std::uint8_t *serial_of(const SlotDatabase &db, std::uint16_t index) {
     return db.ont_configs[index].data() + ont_config::serial.offset;
 }
 
+const std::uint8_t *serial_at_position(const SlotDatabase &db, int position) {
+    return serial_of(db, db.ont_configs_by_serial[static_cast<std::size_t>(position)]);
+}
+
+bool is_first_not_below(const SlotDatabase &db, int position, const std::uint8_t *serial) {
+    return position < ont_config::count && compare_serials(serial_at_position(db, position), serial) >= 0 &&
+           (position == 0 || compare_serials(serial_at_position(db, position - 1), serial) < 0);
+}
+
 // The first record with this serial that passes, by store index; -1: none.
 template <class Passes>
 int find_ont(int slot, const std::uint8_t *serial_bytes, Passes passes) {
@@ -130,22 +139,29 @@ int delete_ont_config(int slot, const std::uint8_t *serial_bytes) {
 
 namespace tarn {
 
+// Walks ask for the same serial, or the next one, again and again; a search goes through records that lie far
+// apart.
 int first_ont_not_below(const SlotDatabase &db, const std::uint8_t *serial) {
+    static int last_found = 0;
+    for (const int position : {last_found, last_found + 1}) {
+        if (is_first_not_below(db, position, serial)) {
+            return last_found = position;
+        }
+    }
     const auto &view = db.ont_configs_by_serial;
     const auto found = std::lower_bound(view.begin(), view.end(), serial,
                                         [&db](std::uint16_t index, const std::uint8_t *wanted) {
                                             return compare_serials(serial_of(db, index), wanted) < 0;
                                         });
-    return static_cast<int>(found - view.begin());
+    return last_found = static_cast<int>(found - view.begin());
 }
 
 int first_ont_above(const SlotDatabase &db, const std::uint8_t *serial) {
-    const auto &view = db.ont_configs_by_serial;
-    const auto found = std::upper_bound(view.begin(), view.end(), serial,
-                                        [&db](const std::uint8_t *wanted, std::uint16_t index) {
-                                            return compare_serials(wanted, serial_of(db, index)) < 0;
-                                        });
-    return static_cast<int>(found - view.begin());
+    int position = first_ont_not_below(db, serial);
+    while (position < ont_config::count && compare_serials(serial_at_position(db, position), serial) == 0) {
+        ++position;
+    }
+    return position;
 }
 
 }  // namespace tarn
