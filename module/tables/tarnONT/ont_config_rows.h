@@ -93,6 +93,23 @@ inline int commit_ont(Row &row) {
     return commit_ont_config(row.slot) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
 
+// A table of `Entries` entries in each ONT with a serial, `Stride` bytes apart, all of them rows.
+template <int Entries, int Stride>
+constexpr Table ont_entries_table(const char *name, Index index, std::span<const Column> columns) {
+    return {
+        .name = name,
+        .index = index,
+        .columns = columns,
+        .find = find_ont_entry<Stride>,
+        .next = next_ont_entry<Entries, Stride, has_serial, always>,
+        .find_for_set = any_row,
+        .stage = stage_ont,
+        .edited = staged_entry<Stride>,
+        .commit = commit_ont,
+        .drop = invalidate_config_buffer,
+    };
+}
+
 }  // namespace tarn
 
 #endif

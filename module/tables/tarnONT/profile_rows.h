@@ -9,6 +9,9 @@
 
 namespace tarn {
 
+// The index may be any number, so that creation and deletion answer for one that is out of range.
+inline constexpr IndexPart profile_index[] = {number_part(any_unsigned)};
+
 // A kind of profile as its tables use it; `Edited` are the profiles of the SET under way that are to be sent.
 // Number 0 of a row is the profile, number 1 in the tables of its entries the entry.
 template <auto Get, auto Add, auto Delete, std::size_t Size, auto Stamp, auto &Edited>
@@ -71,10 +74,29 @@ struct ProfileKind {
     static constexpr Column row_status(int number) {
         return {number, integer, constant(1), any_integer, set_row_status, true};
     }
-};
 
-// The index may be any number, so that creation and deletion answer for one that is out of range.
-inline constexpr IndexPart profile_index[] = {number_part(any_unsigned)};
+    // A table of `Entries` entries in each profile, `Stride` bytes apart; `Commit` sends what a SET has
+    // edited.
+    template <int Entries, int Stride, int (*Commit)(Row &)>
+    static constexpr Table entries_table(const char *name, Index index, std::span<const Column> columns) {
+        return {
+            .name = name,
+            .index = index,
+            .columns = columns,
+            .find = find_entry<Stride>,
+            .next = next_entry<Entries>,
+            .reserve_needs_row = false,
+            .reserve2 = begin_set,
+            .stage = stage,
+            .commit = Commit,
+        };
+    }
+    // The table of the profiles themselves.
+    template <int (*Commit)(Row &)>
+    static constexpr Table table(const char *name, std::span<const Column> columns) {
+        return entries_table<1, 0, Commit>(name, profile_index, columns);
+    }
+};
 
 inline constexpr Column profile_number{1, unsigned32, index_number(0, 0)};
 inline constexpr Column profile_description{2, octet_string, field(profile_head::description),
@@ -100,22 +122,6 @@ using ShapingProfiles =
 using PortsProfiles =
     ProfileKind<get_ports_profiles, add_ports_profile, delete_ports_profile, ports_profile::size,
                 &ProfilesDatabase::ports_stamp, ports_profiles_to_commit>;
-
-// A table of `Entries` entries in each ports profile, `Stride` bytes apart.
-template <int Entries, int Stride>
-constexpr Table ports_entries_table(const char *name, Index index, std::span<const Column> columns) {
-    return {
-        .name = name,
-        .index = index,
-        .columns = columns,
-        .find = PortsProfiles::find_entry<Stride>,
-        .next = PortsProfiles::next_entry<Entries>,
-        .reserve_needs_row = false,
-        .reserve2 = reset_ports_profiles_commit_needs,
-        .stage = PortsProfiles::stage,
-        .commit = commit_set<commit_ports_profiles>,
-    };
-}
 
 }  // namespace tarn
 

@@ -38,17 +38,8 @@ constexpr Column columns[] = {
     Profiles::row_status(20),
 };
 
-constexpr Table table{
-    .name = "tarnONTCrossConnectProfileTable",
-    .index = profile_index,
-    .columns = columns,
-    .find = Profiles::find,
-    .next = Profiles::next_entry<1>,
-    .reserve_needs_row = false,
-    .reserve2 = Profiles::begin_set,
-    .stage = Profiles::stage,
-    .commit = commit_row<profiles_to_commit, set_crossconnect_profile>,
-};
+constexpr Table table = Profiles::table<commit_row<profiles_to_commit, set_crossconnect_profile>>(
+    "tarnONTCrossConnectProfileTable", columns);
 
 }  // namespace
 

@@ -18,18 +18,8 @@ constexpr Column columns[] = {
     {7, integer, field(crossconnect_value_5), any_integer},
 };
 
-constexpr Table table{
-    .name = "tarnONTCustomCrossConnectTable",
-    .index = row_index,
-    .columns = columns,
-    .find = find_ont_entry<crossconnect_size>,
-    .next = next_ont_entry<crossconnects, crossconnect_size, has_serial, always>,
-    .find_for_set = any_row,
-    .stage = stage_ont,
-    .edited = staged_entry<crossconnect_size>,
-    .commit = commit_ont,
-    .drop = invalidate_config_buffer,
-};
+constexpr Table table =
+    ont_entries_table<crossconnects, crossconnect_size>("tarnONTCustomCrossConnectTable", row_index, columns);
 
 }  // namespace
 

@@ -13,18 +13,8 @@ constexpr Column columns[] = {
     {5, unsigned32, profile(service_profile_1788), any_unsigned32},
 };
 
-constexpr Table table{
-    .name = "tarnONTFullServicesConfigTable",
-    .index = row_index,
-    .columns = columns,
-    .find = find_ont_entry<service_profile_size>,
-    .next = next_ont_entry<services, service_profile_size, has_serial, always>,
-    .find_for_set = any_row,
-    .stage = stage_ont,
-    .edited = staged_entry<service_profile_size>,
-    .commit = commit_ont,
-    .drop = invalidate_config_buffer,
-};
+constexpr Table table =
+    ont_entries_table<services, service_profile_size>("tarnONTFullServicesConfigTable", row_index, columns);
 
 }  // namespace
 

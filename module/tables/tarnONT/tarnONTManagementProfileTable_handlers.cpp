@@ -29,17 +29,7 @@ int commit(Row &row) {
                                                                                   : SNMP_ERR_COMMITFAILED;
 }
 
-constexpr Table table{
-    .name = "tarnONTManagementProfileTable",
-    .index = profile_index,
-    .columns = columns,
-    .find = Profiles::find,
-    .next = Profiles::next_entry<1>,
-    .reserve_needs_row = false,
-    .reserve2 = Profiles::begin_set,
-    .stage = Profiles::stage,
-    .commit = commit,
-};
+constexpr Table table = Profiles::table<commit>("tarnONTManagementProfileTable", columns);
 
 }  // namespace
 

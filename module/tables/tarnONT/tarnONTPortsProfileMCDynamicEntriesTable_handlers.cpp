@@ -14,8 +14,9 @@ constexpr Column columns[] = {
     {4, ip_address, field(multicast_address_6), address_of(4)},
 };
 
-constexpr Table table = ports_entries_table<multicast_entries, multicast_entry_size>(
-    "tarnONTPortsProfileMCDynamicEntriesTable", row_index, columns);
+constexpr Table table =
+    PortsProfiles::entries_table<multicast_entries, multicast_entry_size, commit_set<commit_ports_profiles>>(
+        "tarnONTPortsProfileMCDynamicEntriesTable", row_index, columns);
 
 }  // namespace
 

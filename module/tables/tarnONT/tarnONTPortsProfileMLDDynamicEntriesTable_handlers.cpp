@@ -21,8 +21,9 @@ constexpr Column columns[] = {
     {10, unsigned32, field(mld_value_40), any_unsigned32},
 };
 
-constexpr Table table = ports_entries_table<mld_entries, mld_entry_size>(
-    "tarnONTPortsProfileMLDDynamicEntriesTable", row_index, columns);
+constexpr Table table =
+    PortsProfiles::entries_table<mld_entries, mld_entry_size, commit_set<commit_ports_profiles>>(
+        "tarnONTPortsProfileMLDDynamicEntriesTable", row_index, columns);
 
 }  // namespace
 

@@ -39,7 +39,8 @@ constexpr Column columns[] = {
     {38, unsigned32, field(value_532), any_unsigned32},
 };
 
-constexpr Table table = ports_entries_table<1, 0>("tarnONTPortsProfileTable", profile_index, columns);
+constexpr Table table =
+    PortsProfiles::table<commit_set<commit_ports_profiles>>("tarnONTPortsProfileTable", columns);
 
 }  // namespace
 

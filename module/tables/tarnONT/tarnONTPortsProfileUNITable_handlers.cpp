@@ -29,7 +29,8 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table =
-    ports_entries_table<uni_ports, uni_port_size>("tarnONTPortsProfileUNITable", row_index, columns);
+    PortsProfiles::entries_table<uni_ports, uni_port_size, commit_set<commit_ports_profiles>>(
+        "tarnONTPortsProfileUNITable", row_index, columns);
 
 }  // namespace
 

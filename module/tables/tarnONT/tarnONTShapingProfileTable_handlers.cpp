@@ -14,17 +14,8 @@ constexpr Column columns[] = {
     ShapingProfiles::row_status(10),
 };
 
-constexpr Table table{
-    .name = "tarnONTShapingProfileTable",
-    .index = profile_index,
-    .columns = columns,
-    .find = ShapingProfiles::find,
-    .next = ShapingProfiles::next_entry<1>,
-    .reserve_needs_row = false,
-    .reserve2 = reset_shaping_profiles_commit_needs,
-    .stage = ShapingProfiles::stage,
-    .commit = commit_set<commit_shaping_profiles>,
-};
+constexpr Table table =
+    ShapingProfiles::table<commit_set<commit_shaping_profiles>>("tarnONTShapingProfileTable", columns);
 
 }  // namespace
 

@@ -30,17 +30,8 @@ constexpr Column columns[] = {
     {6, unsigned32, field_of(short_entry, short_value), any_unsigned32},
 };
 
-constexpr Table table{
-    .name = "tarnONTShapingProfileUpstreamTable",
-    .index = row_index,
-    .columns = columns,
-    .find = ShapingProfiles::find,
-    .next = ShapingProfiles::next_entry<crossconnects>,
-    .reserve_needs_row = false,
-    .reserve2 = reset_shaping_profiles_commit_needs,
-    .stage = ShapingProfiles::stage,
-    .commit = commit_set<commit_shaping_profiles>,
-};
+constexpr Table table = ShapingProfiles::entries_table<crossconnects, 0, commit_set<commit_shaping_profiles>>(
+    "tarnONTShapingProfileUpstreamTable", row_index, columns);
 
 }  // namespace
 
