@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
@@ -76,7 +75,7 @@ class OneAnswer {
         directory_ = mkdtemp(name.data());
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        std::strcpy(address.sun_path, path().c_str());
+        path().copy(address.sun_path, sizeof address.sun_path - 1);
         EXPECT_EQ(bind(listener_, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
         EXPECT_EQ(listen(listener_, 1), 0);
         thread_ = std::thread([this, text = std::move(answer)] {

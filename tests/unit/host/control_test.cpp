@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -47,7 +46,7 @@ class ControlTest : public testing::Test {
         const int client = clients.emplace_back(socket(AF_UNIX, SOCK_STREAM, 0));
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        std::strcpy(address.sun_path, path.c_str());
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
         EXPECT_EQ(connect(client, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
         serve();
         return client;
@@ -126,7 +125,7 @@ TEST_F(ControlTest, TakesThePlaceOfASocketThatNobodyListensOnOnly) {
     const int stale = socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    std::strcpy(address.sun_path, path.c_str());
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
     ASSERT_EQ(bind(stale, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
     (void)close(stale);
     EXPECT_TRUE(open()) << error;
