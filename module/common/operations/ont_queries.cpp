@@ -109,9 +109,25 @@ OntOrder onts_after(const SlotDatabase &db, const std::uint8_t *serial) {
 }
 
 int find_ont_position(const SlotDatabase &db, const std::uint8_t *serial) {
+    static std::size_t hint =
+        0;  // place in the order that was found last: walks ask for it again or the next
+    const OntOrder order = db.ont_list_by_serial;
+    const auto compare_at = [&](std::size_t place) {
+        return compare_serials(db.ont_list[order[place]].data(), serial);
+    };
+    for (std::size_t place = hint; place <= hint + 1 && place < order.size(); ++place) {
+        if (compare_at(place) == 0 && (place == 0 || compare_at(place - 1) < 0)) {
+            hint = place;
+            return order[place];
+        }
+    }
     const OntOrder rest = onts_from(db, serial);
-    const bool found = !rest.empty() && compare_serials(db.ont_list[rest.front()].data(), serial) == 0;
-    return found ? rest.front() : -1;
+    const std::size_t place = order.size() - rest.size();
+    if (rest.empty() || compare_at(place) != 0) {
+        return -1;
+    }
+    hint = place;
+    return order[place];
 }
 
 }  // namespace tarn
