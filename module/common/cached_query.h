@@ -9,11 +9,6 @@ namespace tarn {
 
 inline constexpr std::size_t payload = board_header::size;
 
-// A query is `slot` modulo 256 wide.
-constexpr int slot_byte(int slot) {
-    return slot & 0xFF;
-}
-
 // Fills `size` bytes from byte 32 of the answer to one request, when their stamp has expired. They are
 // stamped after the attempt whether or not an answer came.
 template <std::size_t Length>

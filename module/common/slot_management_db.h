@@ -172,6 +172,11 @@ struct ProfilesDatabase {
     std::uint16_t utilization_interval;
 };
 
+// Operations take a slot modulo 256.
+constexpr int slot_byte(int slot) {
+    return slot & 0xFF;
+}
+
 SlotDatabase *slot_database(int slot);
 ProfilesDatabase *profiles_database();
 

@@ -4,6 +4,10 @@
 
 using namespace tarn::counter_catalogue;
 
+const std::array<Row, rows> gpon_stat_common_strings = strings;
+const std::array<std::int32_t, 16> gpon_stat_common_module_descr_offset = module_descr_offset;
+const std::array<std::int32_t, 21> gpon_stat_common_module_descr_count = module_descr_count;
+
 namespace {
 
 // An index may lead into a neighbouring row, but not out of the catalogue.

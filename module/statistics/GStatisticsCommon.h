@@ -3,6 +3,7 @@
 #ifndef TARN_MODULE_STATISTICS_GSTATISTICSCOMMON_H
 #define TARN_MODULE_STATISTICS_GSTATISTICSCOMMON_H
 
+#include <array>
 #include <cstdint>
 
 #include "module/exports.h"
@@ -24,6 +25,14 @@ struct GStatCommonRecord {
     const char *ln;            // long name, may be empty
 };
 using GStatCommonRecord_t = GStatCommonRecord;
+
+// The tables that the lookups below read: the lists, 22 rows of 128 slots; the row of each module's uplink
+// list; the length of the lists of rows 0 to 20.
+extern "C" {
+TARN_EXPORT_DATA extern const std::array<std::array<GStatCommonRecord, 128>, 22> gpon_stat_common_strings;
+TARN_EXPORT_DATA extern const std::array<std::int32_t, 16> gpon_stat_common_module_descr_offset;
+TARN_EXPORT_DATA extern const std::array<std::int32_t, 21> gpon_stat_common_module_descr_count;
+}
 
 // Module and direction are 16 bits wide, the index (from 0) is signed 16-bit. Every lookup gives -1, or null
 // for a name, for a direction other than up and down, for a module above 15 and for an index that leads out

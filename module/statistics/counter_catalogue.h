@@ -54,7 +54,7 @@ constexpr Row ethernet_frame_row = row({
     attribute(14, "Packets 1024 to 1518 octets"),
 });
 
-constexpr std::array<Row, rows> gpon_stat_common_strings{{
+constexpr std::array<Row, rows> strings{{
     // 0: Ethernet MAC, transmit
     row({
         {4, 0, 27, "TX frames without errors", "Frames transmitted without error (Including Pause Frames)"},
@@ -300,11 +300,11 @@ constexpr std::array<Row, rows> gpon_stat_common_strings{{
 }};
 
 // The row of each module's first direction.
-constexpr std::array<std::int32_t, 16> gpon_stat_common_module_descr_offset{0,  2,  4,  6,  8,  10, 11, 12,
-                                                                            13, 14, 15, 16, 17, 18, 19, 20};
+constexpr std::array<std::int32_t, 16> module_descr_offset{0,  2,  4,  6,  8,  10, 11, 12,
+                                                           13, 14, 15, 16, 17, 18, 19, 20};
 // The number of counters of rows 0 to 20.
-constexpr std::array<std::int32_t, 21> gpon_stat_common_module_descr_count{
-    8, 27, 14, 16, 6, 4, 4, 4, 4, 4, 15, 2, 15, 2, 6, 15, 15, 10, 4, 6, 15};
+constexpr std::array<std::int32_t, 21> module_descr_count{8, 27, 14, 16, 6,  4,  4,  4, 4, 4, 15,
+                                                          2, 15, 2,  6,  15, 15, 10, 4, 6, 15};
 // What stands in for row 21, which has no entry.
 constexpr std::int32_t count_of_last_row = 4;
 

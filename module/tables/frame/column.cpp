@@ -39,15 +39,10 @@ void set_field(const Column &column, const std::uint8_t *record, Binding *bindin
     }
 }
 
-bool is_integer_type(const Binding *value) {
-    return value->type == ASN_INTEGER || value->type == ASN_UNSIGNED || value->type == ASN_COUNTER ||
-           value->type == ASN_TIMETICKS;
-}
-
 int check_integer(const Check &check, const Binding *value) {
     const bool is_signed = check.kind == Check::Kind::signed_integer;
     const int error = is_signed ? netsnmp_check_vb_int(value) : netsnmp_check_vb_uint(value);
-    if (error != SNMP_ERR_NOERROR || check.code == 0 || !is_integer_type(value)) {
+    if (error != SNMP_ERR_NOERROR || check.code == 0 || !holds_integer(value)) {
         return error;
     }
     const long held = *value->val.integer;
@@ -57,6 +52,11 @@ int check_integer(const Check &check, const Binding *value) {
 }
 
 }  // namespace
+
+bool holds_integer(const Binding *value) {
+    return value->type == ASN_INTEGER || value->type == ASN_UNSIGNED || value->type == ASN_COUNTER ||
+           value->type == ASN_TIMETICKS;
+}
 
 int read_column(const Column &column, Row &row, Binding *binding, int missing) {
     const Source &source = column.source;

@@ -183,6 +183,8 @@ struct Column {
 // Answers a column of a row; 0 or an exception. `missing` is the exception for a record that could not be
 // had.
 int read_column(const Column &column, Row &row, Binding *binding, int missing);
+// Whether the value is of one of the types that carry a 32-bit number.
+bool holds_integer(const Binding *value);
 // 0 or the error of a value that does not pass.
 int check_value(const Check &check, const Binding *value);
 // Stores a checked value into the column's field of `record`.

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "module/common/slot_management_db.h"
 
 namespace tarn {
 
@@ -53,7 +53,7 @@ int locate_for_set(const Table &table, Target &target) {
         return SNMP_ERR_NOERROR;
     }
     const bool found = find_row(table.find_for_set != nullptr ? table.find_for_set : table.find, target);
-    const bool created = target.column->creates && target.index_valid;
+    const bool created = target.column != nullptr && target.column->creates && target.index_valid;
     if (found || created) {
         return SNMP_ERR_NOERROR;
     }
@@ -61,6 +61,11 @@ int locate_for_set(const Table &table, Target &target) {
 }
 
 int reserve(const Table &table, Target &target, const Binding *value) {
+    if (table.row_before_column && table.reserve_needs_row) {
+        if (const int error = locate_for_set(table, target); error != SNMP_ERR_NOERROR) {
+            return error;
+        }
+    }
     if (!writable(target.column)) {
         return table.refused_column;
     }
@@ -78,7 +83,7 @@ std::uint8_t *edited_record(const Table &table, Target &target) {
 
 int act(const Table &table, Target &target, const Binding &value) {
     if (!writable(target.column)) {
-        return table.refused_column;
+        return table.refused_in_action;
     }
     int error = locate_for_set(table, target);
     if (error == SNMP_ERR_NOERROR && table.stage != nullptr) {
@@ -169,6 +174,9 @@ Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_contex
 
 int handle_iterator(const Table &table, netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo,
                     void *row_data, netsnmp_table_request_info *table_info) {
+    if (table.ignores_set && reqinfo->mode != MODE_GET) {
+        return SNMP_ERR_NOERROR;
+    }
     if (table_info == nullptr) {
         netsnmp_request_set_error(request, SNMP_NOSUCHOBJECT);
         return SNMP_ERR_NOERROR;

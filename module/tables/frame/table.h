@@ -41,10 +41,12 @@ struct Table {
     int set_without_row_data = 0;
     int act_without_row_data = set_without_row_data;
     int unknown_column = SNMP_NOSUCHOBJECT;
-    // Whether a GET of an unknown column in a missing row reports the row.
+    // Whether a GET or the first phase of a SET of an unknown column in a missing row reports the row.
     bool row_before_column = false;
     // Of a SET of a column that is not there or read-only.
     int refused_column = SNMP_ERR_NOTWRITABLE;
+    // The same in the action phase.
+    int refused_in_action = SNMP_ERR_NOTWRITABLE;
     // Whether the genErr of a failed action is the handler's result too.
     bool failure_is_result = false;
 

@@ -33,6 +33,7 @@ constexpr Table table{
     .missing_row = SNMP_NOSUCHOBJECT,
     .no_row_data = SNMP_NOSUCHOBJECT,
     .set_without_row_data = SNMP_NOSUCHOBJECT,
+    .refused_in_action = SNMP_ERR_NOERROR,
 };
 
 }  // namespace

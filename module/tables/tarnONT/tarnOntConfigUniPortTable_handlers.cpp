@@ -33,6 +33,7 @@ constexpr Table table{
     .columns = columns,
     .find = find_port,
     .next = next_ont_entry<uni_ports, uni_port_size, always, enabled>,
+    .row_before_column = true,
     .find_for_set = may_be_set,
     .stage = stage_ont,
     .edited = staged_entry<uni_port_size>,

@@ -1,6 +1,5 @@
 // The addresses learnt behind a card's ONTs, one row an entry, in the card's order. The rows are therefore
 // not in the order of their identifiers, which begin with the channel; the host sorts them.
-#include "module/common/cached_query.h"
 #include "module/common/operations/address_table.h"
 #include "module/tables/frame/table.h"
 

@@ -53,7 +53,7 @@ struct RawTextTable {
                 .find = find_chunk,
                 .successor = next_chunk,
                 .index_builder = index_builder,
-                .ignores_set = true};
+                .reserve_needs_row = false};
     }
 };
 

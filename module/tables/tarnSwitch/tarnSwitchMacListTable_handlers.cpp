@@ -101,7 +101,7 @@ constexpr Table table{
     .successor = next_entry,
     .index_builder = "tarnSwitchMacListTable_append_index",
     .missing_row = SNMP_NOSUCHOBJECT,
-    .ignores_set = true,
+    .reserve_needs_row = false,
 };
 
 }  // namespace
@@ -121,7 +121,7 @@ TARN_EXPORT void tarnSwitchMacListTable_append_index(table_entry *result, const 
 // The entry that an identifier names, or null.
 TARN_EXPORT std::uint8_t *get_switch_mac_list_entry_by_oid(int slot, const oid *name, std::size_t length) {
     Row row;
-    row.slot = slot;
+    row.slot = slot_byte(slot);
     if (length <= 20 || !parse_exact_index(row_index, name + 13, length - 13, row) || !find_entry(row)) {
         return nullptr;
     }

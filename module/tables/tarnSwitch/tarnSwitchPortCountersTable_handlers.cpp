@@ -28,6 +28,7 @@ constexpr Table table{
     .columns = columns,
     .next = next_switch_port,
     .refused_column = SNMP_ERR_NOERROR,
+    .refused_in_action = SNMP_ERR_NOERROR,
 };
 
 }  // namespace

@@ -9,8 +9,8 @@ using namespace tarn;
 
 namespace {
 
-// The VLAN index is the identifier, 1 to 4094; 0 stands for none.
-constexpr IndexPart row_index[] = {slot_part, number_part(switch_vlans + 1)};
+// The VLAN index is the identifier, 1 to 4094; 0 stands for none, and a list may hold any 16-bit number.
+constexpr IndexPart row_index[] = {slot_part, number_part(UINT16_MAX + 2)};
 
 int vlan_of(const Row &row) {
     return static_cast<int>(row.number[0]);

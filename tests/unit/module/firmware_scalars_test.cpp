@@ -141,6 +141,8 @@ TEST_F(FirmwareScalarsTest, UpdatesAnOntOverOmci) {
                   SNMP_ERR_WRONGVALUE);
     }
     EXPECT_EQ(set_scalar(handle_tarnONTFirmwareUpdateViaOMCISlot, integer_value(3)), SNMP_ERR_WRONGTYPE);
+    EXPECT_EQ(set_scalar(handle_tarnONTFirmwareUpdateViaOMCISlot, integer_value(17)), SNMP_ERR_WRONGVALUE);
+    EXPECT_EQ(set_scalar(handle_tarnONTFirmwareUpdateViaOMCISlot, octets_value("3")), SNMP_ERR_WRONGTYPE);
     EXPECT_EQ(set_scalar(handle_tarnONTFirmwareUpdateViaOMCISlot, unsigned_value(3)), 0);
     EXPECT_EQ(set_scalar(handle_tarnONTFirmwareUpdateViaOMCISerial, octets_value("ABCD123")),
               SNMP_ERR_WRONGLENGTH);
@@ -173,7 +175,7 @@ TEST_F(FirmwareScalarsTest, UpdatesAnOntOverOmci) {
               0);
     EXPECT_EQ(get(handle_tarnONTFirmwareUpdateViaOMCIFilename).octets, "fw");
     EXPECT_EQ(act(), SNMP_ERR_GENERR);
-    EXPECT_EQ(board.log.back(), "3 update_ont_firmware_via_OMCI : Open file error 21\n");
+    EXPECT_EQ(board.log.back(), "3 update_ont_firmware_via_OMCI : Open file error 13\n");
     board.link[2] = false;
     EXPECT_EQ(act(), SNMP_ERR_RESOURCEUNAVAILABLE);
     EXPECT_EQ(board.count(18), 3);

@@ -113,7 +113,7 @@ TEST_F(FirmwareTablesTest, EditsParameterFiles) {
     write(image("a.bin"), "");
     write(image("b.bin"), "");
     EXPECT_TRUE(walk().empty());
-    EXPECT_EQ(set_all(handler, {{2, {"b.bin"}, octets_value("1")}}), SNMP_ERR_NOCREATION);
+    EXPECT_EQ(set_all(handler, {{2, {"b.bin"}, octets_value("1")}}), no_such_row);
     EXPECT_EQ(set_all(handler, {{10, {"b.bin"}, integer_value(6)}}), no_such_row);
     EXPECT_EQ(set_all(handler, {{10, {"b.bin"}, integer_value(4)}}), 0);
     ASSERT_EQ(walk().size(), 1U);

@@ -171,6 +171,7 @@ constexpr Table table{
     .next = next_task,
     .missing_row = SNMP_NOSUCHOBJECT,
     .no_row_data = SNMP_NOSUCHOBJECT,
+    .refused_in_action = SNMP_ERR_NOERROR,
     .reserve1 = reset_request,
     .reserve2 = reset_request,
     .stage = note_slot,

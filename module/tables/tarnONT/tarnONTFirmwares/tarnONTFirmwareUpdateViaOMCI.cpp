@@ -67,18 +67,25 @@ int start_update(const Binding &value) {
     get_table_handlers(slot);
     // A name with a NUL inside is no file's: it must not stand for the part in front of it.
     const bool whole = std::strlen(omci_filename) == omci_filename_length;
-    const int result = update_ont_firmware_via_OMCI(slot, omci_serial.data(), whole ? omci_filename : "");
+    const int result = update_ont_firmware_via_OMCI(slot, omci_serial.data(), whole ? omci_filename : "..");
     if (result == board_busy) {
         return SNMP_ERR_RESOURCEUNAVAILABLE;
     }
     return result == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
 }
 
-constexpr Scalar slot{"tarnONTFirmwareUpdateViaOMCISlot",
-                      {3, 30, 11, 1},
-                      get_slot,
-                      unsigned_within(1, 16, SNMP_ERR_WRONGVALUE),
-                      set_slot};
+// A number outside the slots is a wrong value even where its type is wrong too.
+int check_slot(const Binding *value) {
+    const int error = netsnmp_check_vb_uint(value);
+    if (!holds_integer(value)) {
+        return error;
+    }
+    const long number = *value->val.integer;
+    return number < 1 || number > 16 ? SNMP_ERR_WRONGVALUE : error;
+}
+
+constexpr Scalar slot{
+    "tarnONTFirmwareUpdateViaOMCISlot", {3, 30, 11, 1}, get_slot, checked_by(check_slot), set_slot};
 constexpr Scalar serial{
     "tarnONTFirmwareUpdateViaOMCISerial", {3, 30, 11, 2}, get_serial, octets_of(serial_size), set_serial};
 constexpr Scalar file_name{"tarnONTFirmwareUpdateViaOMCIFilename",

@@ -61,6 +61,7 @@ constexpr Table table{
     .columns = columns,
     .find = find_image,
     .next = next_image,
+    .reserve_needs_row = false,
 };
 
 }  // namespace

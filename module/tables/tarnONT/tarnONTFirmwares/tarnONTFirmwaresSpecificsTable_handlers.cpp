@@ -147,6 +147,7 @@ constexpr Table table{
     .columns = columns,
     .find = find_row,
     .next = next_row,
+    .reserve_needs_row = false,
     .reserve2 = reset_files_to_commit,
     .stage = remember_image,
     .commit = commit,
