@@ -59,8 +59,8 @@ struct SlotDatabase {
     std::array<Stamp, channels_per_slot> channel_state_stamps;
     Stamp channels_lite_stamp;
     Section<olt_state::size> olt_state;
-    Section<32 * 4> hardware_information;
-    Section<16 * 4> version_information;
+    Section<128> hardware_information;
+    Section<64> version_information;
 
     // ONTs; the per-ONT sections are indexed by position in the ONT list
     Records<ont_list::size, max_onts> ont_list;
@@ -72,7 +72,7 @@ struct SlotDatabase {
     Sections<ont_i2c::size, max_onts> ont_i2c;
     Sections<22, max_onts> ont_downstream_ber;
     std::array<std::uint8_t, serial_size> services_utilization_serial;  // whose figures follow
-    Section<2 * 256> ont_services_utilization;
+    Section<512> ont_services_utilization;
     std::array<std::uint8_t, serial_size> connections_serial;
     std::uint8_t connections_count;
     Section<ont_connections::size> connections;
