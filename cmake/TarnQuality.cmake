@@ -13,6 +13,6 @@ if(CLANG_FORMAT)
 endif()
 if(RUN_CLANG_TIDY)
   add_custom_target(tidy
-    COMMAND ${RUN_CLANG_TIDY} -quiet -p ${CMAKE_BINARY_DIR} "(module|host|chassis|ctl)/.*\\.cpp$"
+    COMMAND ${RUN_CLANG_TIDY} -quiet -p ${CMAKE_BINARY_DIR} "^${CMAKE_SOURCE_DIR}/(module|host|chassis|ctl)/.*\\.cpp$"
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
 endif()

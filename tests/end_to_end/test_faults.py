@@ -49,8 +49,10 @@ def test_a_silent_card_does_not_hide_the_others(shared, start):
     assert not system.chassis.requests(slot=SLOT)
     assert others(rows) == others(healthy)
     assert [oid for oid, _ in rows if oid_key(oid)[12:14] == (1, INDEX)]
+    counts = failures(system)
+    counts.pop("get_olt_state", None)  # the last GETBULK reaches into the next table
     # Each channel's record, configuration and mode is a section of its own.
-    assert failures(system) == {
+    assert counts == {
         "get_olt_channel_state": 8, "get_olt_channels_state_lite": 1, "get_olt_channel_config": 8,
         "get_activation_auth_mode": 8, "get_global_ont_address_table": 1}
 

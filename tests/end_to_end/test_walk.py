@@ -105,9 +105,10 @@ def test_a_walk_asks_a_card_once_a_section(start):
     periods = 1 + int((time.monotonic() - began) // 20)
     assert rows
 
+    # The last GETBULK reaches into the next table, whose request names no channel.
     counts = Counter((request.slot, request.command, request.channel)
                      for request in system.chassis.requests()
-                     if request.command != commands.GET_ACTIVATION_AUTH_MODE)
+                     if request.command != commands.GET_ACTIVATION_AUTH_MODE and request.payload)
     for slot in range(CARDS):
         for channel in range(CHANNELS):
             assert 1 <= counts.pop((slot, commands.GET_CHANNEL_STATE, channel)) <= periods

@@ -18,7 +18,8 @@ int channel_of(const Row &row) {
 
 std::uint8_t *short_state(Row &row) {
     std::uint8_t *first = get_olt_channels_state_lite(row.slot);
-    return first != nullptr ? first + channel_of(row) * static_cast<int>(channel_state::size) : nullptr;
+    return first != nullptr ? first + static_cast<std::size_t>(channel_of(row)) * channel_state::size
+                            : nullptr;
 }
 
 std::uint8_t *full_state(Row &row) {
