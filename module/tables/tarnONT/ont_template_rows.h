@@ -3,6 +3,7 @@
 #ifndef TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
 #define TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
 
+#include "module/common/slot_management_db.h"
 #include "module/config/config_records.h"
 #include "module/config/ont_templates.h"
 #include "module/tables/frame/table.h"
@@ -47,6 +48,14 @@ inline int stage_template(Row &row, const Column & /*column*/, const Binding & /
     return SNMP_ERR_NOERROR;
 }
 
+// The SET failed: its edits are forgotten, the next read fetches what the chassis holds.
+inline void drop_template_edits() {
+    if (ProfilesDatabase *db = profiles_database(); db != nullptr && !db->templates_to_commit.empty()) {
+        db->templates_stamp.clear();
+        db->templates_to_commit.reset();
+    }
+}
+
 inline int commit_templates(Row & /*row*/) {
     return commit_ont_templates() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
@@ -69,6 +78,7 @@ constexpr Table template_table(const char *name, std::span<const Column> columns
         .reserve2 = cleanup_templates_commit_needs,
         .stage = stage_template,
         .commit = commit_templates,
+        .drop = drop_template_edits,
     };
 }
 

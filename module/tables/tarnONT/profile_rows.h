@@ -58,6 +58,13 @@ struct ProfileKind {
             (profiles_database()->*Stamp).set();
         }
     }
+    // The SET failed: its edits are forgotten, the next read fetches what the chassis holds.
+    static void drop_edits() {
+        if (!Edited.empty()) {
+            (profiles_database()->*Stamp).clear();
+            Edited.reset();
+        }
+    }
     // 6 deletes, anything else creates; both at once. A deleted profile is not sent again.
     static int set_row_status(Row &row, const Binding &value) {
         if (*value.val.integer == destroy) {
@@ -89,6 +96,7 @@ struct ProfileKind {
             .reserve2 = begin_set,
             .stage = stage,
             .commit = Commit,
+            .drop = drop_edits,
         };
     }
     // The table of the profiles themselves.

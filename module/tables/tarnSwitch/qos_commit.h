@@ -33,6 +33,17 @@ struct QosCommit {
         return section;
     }
 
+    // The SET failed: its edits are forgotten, the next read fetches what the card holds.
+    static void drop() {
+        for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
+            SlotDatabase *db = slot_database(slot);
+            if (slots_to_commit[static_cast<std::size_t>(slot)] && db != nullptr) {
+                db->switch_qos.stamp.clear();
+            }
+        }
+        clear();
+    }
+
     static int commit(Row & /*row*/) {
         for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
             if (slots_to_commit[static_cast<std::size_t>(slot)] && set_switch_qos_cfg(slot) != 0) {

@@ -61,7 +61,8 @@ struct QosMapping {
                 .columns = columns,
                 .next = next,
                 .reserve2 = Commit::clear,
-                .commit = Commit::commit};
+                .commit = Commit::commit,
+                .drop = Commit::drop};
     }
 
   private:

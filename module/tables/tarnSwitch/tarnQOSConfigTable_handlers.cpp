@@ -35,6 +35,7 @@ constexpr Table table{
     .reserve2 = Commit::clear,
     .edited = Commit::edited,
     .commit = Commit::commit,
+    .drop = Commit::drop,
 };
 
 }  // namespace

@@ -373,6 +373,18 @@ TEST_F(ProfileTablesTest, KeepsAnEditBesideACreation) {
     EXPECT_EQ(std::string(edited.begin() + 8, edited.begin() + 14), "edited");
 }
 
+TEST_F(ProfileTablesTest, AFailedSetLeavesNothingForTheNextOne) {
+    const TableCase &table = tables[0];
+    serve(table);
+    EXPECT_EQ(set_together(
+                  {variable(table, 3, octets_value("abandoned")), variable(table, 14, integer_value(65536))}),
+              SNMP_ERR_WRONGVALUE);
+    EXPECT_EQ(board.count(248), 0);
+    EXPECT_EQ(set(table, 4, integer_value(1)), 0);
+    const Bytes sent = board.payload_of(board.sent.size() - 1);
+    EXPECT_EQ(std::string(sent.begin(), sent.end()).find("abandoned"), std::string::npos);
+}
+
 TEST_F(ProfileTablesTest, ChecksValues) {
     const auto reserve = [](std::size_t table, int column, const Value &value) {
         return call(tables[table], MODE_SET_RESERVE1, column, &value).error;
