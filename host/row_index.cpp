@@ -34,16 +34,17 @@ std::size_t partition_point(std::size_t rows, Before before) {
 }  // namespace
 
 std::size_t RowIndex::lower_bound(std::span<const oid> wanted) const {
-    return partition_point(size(), [&](std::size_t row) { return compare(suffix(row), wanted) < 0; });
+    return partition_point(size(), [&](std::size_t row) { return std::is_lt(compare(suffix(row), wanted)); });
 }
 
 std::size_t RowIndex::upper_bound(std::span<const oid> wanted) const {
-    return partition_point(size(), [&](std::size_t row) { return compare(suffix(row), wanted) <= 0; });
+    return partition_point(size(),
+                           [&](std::size_t row) { return std::is_lteq(compare(suffix(row), wanted)); });
 }
 
 std::size_t RowIndex::find(std::span<const oid> wanted) const {
     const std::size_t row = lower_bound(wanted);
-    return row < size() && compare(suffix(row), wanted) == 0 ? row : size();
+    return row < size() && std::is_eq(compare(suffix(row), wanted)) ? row : size();
 }
 
 void RowIndexBuilder::add(std::span<const std::uint32_t> suffix, void *data) {

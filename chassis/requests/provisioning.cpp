@@ -83,8 +83,9 @@ Refusal set_alarms_entry(Exchange &exchange) {
     if (number >= alarms_config::entries) {
         return {board_status::malformed, "alarms entry " + std::to_string(number) + " out of range"};
     }
-    std::ranges::copy(exchange.request.subspan(payload + 4),
-                      working(exchange).alarms.begin() + number * alarms_config::entry_size);
+    std::ranges::copy(
+        exchange.request.subspan(payload + 4),
+        working(exchange).alarms.begin() + static_cast<std::ptrdiff_t>(number) * alarms_config::entry_size);
     return {};
 }
 

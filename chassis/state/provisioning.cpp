@@ -46,7 +46,7 @@ std::vector<OntRecord> make_ont_records(std::uint64_t seed, int slot, const std:
     for (std::size_t index = 0; index < records.size(); ++index) {
         put(records[index], ont_config::board_word, board_word(slot, index));
     }
-    std::size_t beyond = channels_per_slot * ont_config::onts_per_channel;
+    std::size_t beyond = std::size_t{channels_per_slot} * ont_config::onts_per_channel;
     for (const Ont &ont : onts) {
         const bool has_place = ont.id < ont_config::onts_per_channel;
         if (!has_place && beyond == records.size()) {

@@ -143,7 +143,8 @@ inline constexpr std::uint16_t get_switch_port_utilization = 434;
 inline constexpr std::uint16_t get_ont_services_utilization = 450;
 }  // namespace command
 
-// The largest message that either side takes: above a table of 65,535 addresses, an answer of 2,424,830 bytes.
+// The largest message that either side takes: above a table of 65,535 addresses, an answer of 2,424,830
+// bytes.
 inline constexpr std::size_t max_message_size = std::size_t{4} * 1024 * 1024;
 
 }  // namespace tarn

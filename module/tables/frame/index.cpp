@@ -71,7 +71,7 @@ void build_index(Index index, const Row &row, oid *to) {
     for (const IndexPart &part : index) {
         switch (part.kind) {
             case Kind::slot:
-                *to++ = static_cast<oid>(row.slot + 1);
+                *to++ = static_cast<oid>(row.slot) + 1;
                 break;
             case Kind::serial:
                 *to++ = serial_size;
