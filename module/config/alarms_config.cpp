@@ -14,7 +14,8 @@ using EntryRequest = Request<payload + 4 + alarms_config::entry_size>;
 
 Entry entry_at(const std::uint8_t *config, int number) {
     Entry entry;
-    std::memcpy(entry.data(), config + number * alarms_config::entry_size, entry.size());
+    std::memcpy(entry.data(), config + static_cast<std::ptrdiff_t>(number) * alarms_config::entry_size,
+                entry.size());
     return entry;
 }
 

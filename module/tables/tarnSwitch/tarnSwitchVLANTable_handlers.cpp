@@ -121,21 +121,21 @@ int set_row_status(Row &row, const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-using namespace vlan_record;
+namespace fields = vlan_record;
 
 constexpr Column columns[] = {
     {1, unsigned32, slot_plus(1)},
     {2, unsigned32, index_number(0, 0)},
-    {3, octet_string, field(name), octets_up_to(longest_name), set_name},
-    {4, octet_string, answered_by(answer_ports<first_ports, first_groups>), octets_of(4),
-     set_ports<first_ports, first_groups>},
-    {5, octet_string, answered_by(answer_ports<second_ports, second_groups>), octets_of(4),
-     set_ports<second_ports, second_groups>},
+    {3, octet_string, field(fields::name), octets_up_to(fields::longest_name), set_name},
+    {4, octet_string, answered_by(answer_ports<fields::first_ports, fields::first_groups>), octets_of(4),
+     set_ports<fields::first_ports, fields::first_groups>},
+    {5, octet_string, answered_by(answer_ports<fields::second_ports, fields::second_groups>), octets_of(4),
+     set_ports<fields::second_ports, fields::second_groups>},
     {row_status, integer, constant(SNMP_ROW_ACTIVE), not_checked, set_row_status},
-    {10, integer, truth(flag_46), any_integer},
-    {11, integer, truth(flag_47), any_integer},
-    {20, integer, truth(flag_67), any_integer},
-    {21, integer, truth(flag_68), any_integer},
+    {10, integer, truth(fields::flag_46), any_integer},
+    {11, integer, truth(fields::flag_47), any_integer},
+    {20, integer, truth(fields::flag_67), any_integer},
+    {21, integer, truth(fields::flag_68), any_integer},
 };
 
 }  // namespace
