@@ -108,8 +108,8 @@ std::uint32_t DelValue(ParamSet &set, std::string_view name) {
 
 std::uint32_t SetStructParam(ParamSet &set, int n, char *const *strings) {
     for (int i = 0; i < n / 2; ++i) {
-        const char *name = strings[2 * i];
-        const char *value = strings[2 * i + 1];
+        const char *name = strings[std::ptrdiff_t{2} * i];
+        const char *value = strings[std::ptrdiff_t{2} * i + 1];
         if (name == nullptr || value == nullptr) {
             return param_error::internal;
         }
@@ -126,10 +126,15 @@ std::uint32_t SetStructParam(ParamSet &set, int n, char *const *strings) {
     return param_error::ok;
 }
 
+// A text with its terminator; the caller's buffer holds the longest.
+static void copy_text(char *to, const char *text) {
+    std::memcpy(to, text, std::strlen(text) + 1);
+}
+
 std::uint32_t GetStructParam(const ParamSet &set, int n, char *const *strings) {
     for (int i = 0; i < n / 2; ++i) {
-        const char *name = strings[2 * i];
-        char *buffer = strings[2 * i + 1];
+        const char *name = strings[std::ptrdiff_t{2} * i];
+        char *buffer = strings[std::ptrdiff_t{2} * i + 1];
         if (name == nullptr || buffer == nullptr) {
             return param_error::internal;
         }
@@ -140,7 +145,7 @@ std::uint32_t GetStructParam(const ParamSet &set, int n, char *const *strings) {
         if (value == nullptr) {
             return param_error::not_found;
         }
-        std::strcpy(buffer, value);
+        copy_text(buffer, value);
     }
     return param_error::ok;
 }
@@ -149,14 +154,14 @@ std::uint32_t GetAllStructParam(const ParamSet &set, int start_index, int *count
                                 char *const *strings) {
     *count_out = 0;
     for (int k = std::max(start_index, 0); k < set.count && *count_out < n / 2; ++k) {
-        char *name = strings[2 * *count_out];
-        char *value = strings[2 * *count_out + 1];
+        char *name = strings[std::ptrdiff_t{2} * *count_out];
+        char *value = strings[std::ptrdiff_t{2} * *count_out + 1];
         if (name == nullptr || value == nullptr) {
             return param_error::internal;
         }
         const ParamEntry &entry = set.entries[static_cast<std::size_t>(k)];
-        std::strcpy(name, entry.name);
-        std::strcpy(value, entry.value);
+        copy_text(name, entry.name);
+        copy_text(value, entry.value);
         ++*count_out;
     }
     return param_error::ok;
