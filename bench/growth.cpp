@@ -12,6 +12,7 @@ namespace {
 
 constexpr double largest_ratio = 1.0;
 constexpr double largest_growth = 4.5;
+constexpr int most_turns = 5;
 
 std::string scenario_with(const std::string &cards, int rows) {
     std::string text =
@@ -47,13 +48,17 @@ void measure(const std::string &table, const std::string &cards, int rows, WalkC
 int measure_growth(const std::string &table, const std::string &cards, int many) try {
     WalkCost few_rows;
     WalkCost many_rows;
-    for (int turn = 0; turn < 2; ++turn) {
+    double ratio = 0;
+    double growth = 0;
+    // More turns only where two leave a limit in doubt: each can but come closer to the undisturbed cost.
+    for (int turn = 0; turn < 2 || (turn < most_turns && (ratio > largest_ratio || growth > largest_growth));
+         ++turn) {
         measure(table, cards, many / 4, few_rows);
         measure(table, cards, many, many_rows);
+        ratio = many_rows.table / many_rows.plain;
+        growth = many_rows.table * static_cast<double>(many_rows.varbinds) /
+                 (few_rows.table * static_cast<double>(few_rows.varbinds));
     }
-    const double ratio = many_rows.table / many_rows.plain;
-    const double growth = many_rows.table * static_cast<double>(many_rows.varbinds) /
-                          (few_rows.table * static_cast<double>(few_rows.varbinds));
     std::printf("ratio to a plain handler: %.2f (at most %.1f)\n", ratio, largest_ratio);
     std::printf("cost of four times the rows: %.2f times (at most %.1f)\n", growth, largest_growth);
     return ratio <= largest_ratio && growth <= largest_growth ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <future>
 
 #include "host/block_allocator.h"
@@ -185,7 +186,7 @@ TEST_F(IpcClientTest, AnAnswerCutOffIsLost) {
 }
 
 TEST_F(IpcClientTest, LeavesASilentCardAloneUntilItAnswers) {
-    int requests = 0;
+    std::atomic<int> requests = 0;  // counted by the server's thread
     const auto silent = [&](Connection &board) {
         board.accept_link();
         while (!board.receive().empty()) {
