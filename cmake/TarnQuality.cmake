@@ -9,10 +9,10 @@ if(CLANG_FORMAT)
   add_custom_target(format COMMAND ${CLANG_FORMAT} -i ${TARN_SOURCES}
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
   add_custom_target(format-check COMMAND ${CLANG_FORMAT} --dry-run -Werror ${TARN_SOURCES}
-    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
+    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} VERBATIM)
 endif()
 if(RUN_CLANG_TIDY)
   add_custom_target(tidy
     COMMAND ${RUN_CLANG_TIDY} -quiet -p ${CMAKE_BINARY_DIR} "^${CMAKE_SOURCE_DIR}/(module|host|chassis|ctl)/.*\\.cpp$"
-    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
+    WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} VERBATIM)
 endif()
