@@ -7,6 +7,8 @@
 namespace tarn::chassis {
 namespace {
 
+constexpr std::size_t corrupt_bytes = 16;  // that a fault of this kind inverts
+
 constexpr CardPlan no_onts{
     .onts_per_channel = {}, .addresses = 0, .pppoe_sessions = 0, .vlans = 0, .mac_addresses = 0};
 
@@ -36,8 +38,17 @@ RequestEntry make_entry(int slot, std::span<const std::uint8_t> request, Moment 
 void spoil(Bytes &answer, const FaultEffects &effects, const RequestEntry &entry) {
     const RequestRule *rule = find_rule(entry.command, entry.destination);
     if (effects.count && rule != nullptr && rule->answer_count &&
-        answer.size() >= rule->answer_count->offset + std::size_t{rule->answer_count->size}) {
-        store_integer(answer.data(), *rule->answer_count, *effects.count);
+        answer.size() >= rule->answer_count->offset + rule->answer_count->size) {
+        for (std::size_t i = 0; i < rule->answer_count->size; ++i) {
+            answer[rule->answer_count->offset + i] = static_cast<std::uint8_t>(*effects.count >> 8 * i);
+        }
+    }
+    if (effects.corrupt) {
+        const std::size_t from = std::min<std::size_t>(*effects.corrupt, answer.size());
+        for (std::uint8_t &byte :
+             std::span(answer).subspan(from, std::min(corrupt_bytes, answer.size() - from))) {
+            byte = static_cast<std::uint8_t>(~byte);
+        }
     }
     if (effects.truncated && *effects.truncated < answer.size()) {
         answer.resize(*effects.truncated);
@@ -68,7 +79,14 @@ Chassis::Chassis(Scenario scenario, Log &log, std::function<std::uint64_t()> ela
 }
 
 Moment Chassis::now() const {
-    return static_cast<Moment>(static_cast<double>(elapsed_ms_()) * scenario_.time_factor);
+    return clock_start_ +
+           static_cast<Moment>(static_cast<double>(elapsed_ms_() - real_start_) * scenario_.time_factor);
+}
+
+void Chassis::set_time_factor(double factor) {
+    clock_start_ = now();
+    real_start_ = elapsed_ms_();
+    scenario_.time_factor = factor;
 }
 
 bool Chassis::is_up(int slot) const {

@@ -28,6 +28,8 @@ class Chassis {
 
     [[nodiscard]] Moment now() const;
     [[nodiscard]] const Scenario &scenario() const { return scenario_; }
+    // Chassis time goes on from what it is, so many times as fast as real time; 0 stops it.
+    void set_time_factor(double factor);
 
     // Whether requests to the slot have somebody to answer them: a card, or one of the chassis' own services.
     [[nodiscard]] bool is_up(int slot) const;
@@ -56,6 +58,9 @@ class Chassis {
     Scenario scenario_;
     Log &log_;
     std::function<std::uint64_t()> elapsed_ms_;
+    // Chassis time, and real time, when the time factor was set last.
+    Moment clock_start_ = 0;
+    std::uint64_t real_start_ = 0;
     struct Place {
         std::unique_ptr<Card> card;
         bool present = false;

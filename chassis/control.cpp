@@ -62,7 +62,7 @@ Json add_fault(Chassis &chassis, const Json &request) {
         const Fault fault =
             parse_fault(text(request, "kind"), [&](std::string_view key) { return number(request, key); });
         const RequestRule *rule = fault.command ? find_rule(*fault.command, std::nullopt) : nullptr;
-        if (fault.kind == FaultKind::oversized_count && fault.command &&
+        if (fault.kind == FaultKind::wrong_count && fault.command &&
             (rule == nullptr || !rule->answer_count)) {
             throw ControlError("the answer to command " + std::to_string(*fault.command) + " has no count");
         }
@@ -140,10 +140,9 @@ int slot_of(const Json &request) {
 
 // A line card, or one of the chassis' own services.
 Card &card_of(Chassis &chassis, const Json &request) {
-    const auto slot = static_cast<int>(number(request, "slot", 0, chassis_slot::chassis_network));
-    Card *card = chassis.card(slot);
+    Card *card = chassis.card(static_cast<int>(number(request, "slot", 0, chassis_slot::chassis_network)));
     if (card == nullptr) {
-        throw ControlError("no card in slot " + std::to_string(slot));
+        throw ControlError("no card in the slot");
     }
     return *card;
 }
@@ -162,9 +161,8 @@ Json list_cards(Chassis &chassis, const Json &) {
 }
 
 Json pull_card(Chassis &chassis, const Json &request) {
-    const int slot = slot_of(request);
-    if (!chassis.pull(slot)) {
-        throw ControlError("no card in slot " + std::to_string(slot));
+    if (!chassis.pull(slot_of(request))) {
+        throw ControlError("no card in the slot");
     }
     return Json::object();
 }
@@ -172,7 +170,7 @@ Json pull_card(Chassis &chassis, const Json &request) {
 Json insert_card(Chassis &chassis, const Json &request) {
     const int slot = slot_of(request);
     if (!chassis.insert(slot)) {
-        throw ControlError("slot " + std::to_string(slot) + " has a card already");
+        throw ControlError("the slot has a card already");
     }
     chassis.log().line("slot " + std::to_string(slot) + ": card inserted");
     return Json::object();
@@ -185,6 +183,16 @@ Json read_state(Chassis &chassis, const Json &request) {
 Json write_state(Chassis &chassis, const Json &request) {
     set_state(card_of(chassis, request), chassis.now(), request);
     return Json::object();
+}
+
+Json clock(Chassis &chassis, const Json &request) {
+    if (const auto factor = request.find("factor"); factor != request.end()) {
+        if (!factor->is_number() || *factor < 0 || *factor > max_time_factor) {
+            throw ControlError("factor must be a number between 0 and " + std::to_string(max_time_factor));
+        }
+        chassis.set_time_factor(factor->get<double>());
+    }
+    return {{"time_ms", chassis.now()}, {"factor", chassis.scenario().time_factor}};
 }
 
 Json version(Chassis &, const Json &) {
@@ -205,7 +213,7 @@ struct Action {
 const std::vector<Action> &actions() {
     static const std::vector<Action> table = {
         {"fault-add",
-         {"kind", "slot", "command", "times", "milliseconds", "status", "bytes", "count", "length"},
+         {"kind", "slot", "command", "times", "milliseconds", "status", "bytes", "count", "length", "offset"},
          add_fault},
         {"fault-list", {}, list_faults},
         {"fault-clear", {"id", "slot"}, clear_faults},
@@ -219,6 +227,7 @@ const std::vector<Action> &actions() {
         {"state-set",
          {"slot", "item", "channel", "serial", "kind", "index", "value", "offset", "hex"},
          write_state},
+        {"clock", {"factor"}, clock},
         {"version", {}, version},
         {"shutdown", {}, shutdown},
     };

@@ -11,12 +11,18 @@ Channel &channel_of(Card &card, const Json &request) {
     return card.channels[static_cast<std::size_t>(number(request, "channel", 0, channels_per_slot - 1))];
 }
 
-Ont &ont_of(Card &card, const Json &request) {
-    const Bytes serial = from_hex(text(request, "serial"));
-    if (serial.size() != serial_size) {
+Serial serial_of(const Json &request) {
+    const Bytes bytes = from_hex(text(request, "serial"));
+    Serial serial{};
+    if (bytes.size() != serial.size()) {
         throw ControlError("a serial has 8 bytes");
     }
-    Ont *ont = find_ont(card.onts, std::span<const std::uint8_t, serial_size>(serial.data(), serial_size));
+    std::ranges::copy(bytes, serial.begin());
+    return serial;
+}
+
+Ont &ont_of(Card &card, const Json &request) {
+    Ont *ont = find_ont(card.onts, serial_of(request));
     if (ont == nullptr) {
         throw ControlError("no such ONT");
     }
@@ -36,6 +42,23 @@ std::span<std::uint8_t> indexed_record(Records &records, const Json &request) {
     }
     const auto last = static_cast<std::int64_t>(records.size()) - 1;
     return records[static_cast<std::size_t>(number(request, "index", 0, last))];
+}
+
+// The stored record of the ONT with a serial, or at an index of the store.
+std::span<std::uint8_t> ont_config_of(Card &card, Moment now, const Json &request) {
+    auto &records = provisioned(card, now).onts;
+    if (!request.contains("serial")) {
+        return indexed_record(records, request);
+    }
+    const Serial serial = serial_of(request);
+    const auto found = std::ranges::find_if(records, [&](const auto &record) {
+        return load_integer(record.data(), ont_config::in_use) != 0 &&
+               std::equal(serial.begin(), serial.end(), record.begin() + ont_config::serial.offset);
+    });
+    if (found == records.end()) {
+        throw ControlError("no ONT with this serial is configured");
+    }
+    return *found;
 }
 
 std::span<std::uint8_t> profile_of(Card &card, Moment now, const Json &request) {
@@ -69,8 +92,7 @@ constexpr RecordItem records[] = {
      [](Card &card, Moment, const Json &request) {
          return std::span<std::uint8_t>(channel_of(card, request).config);
      }},
-    {"ont-config", [](Card &card, Moment now,
-                      const Json &request) { return indexed_record(provisioned(card, now).onts, request); }},
+    {"ont-config", ont_config_of},
     {"ont-template",
      [](Card &card, Moment now, const Json &request) {
          return indexed_record(provisioned(card, now).templates, request);

@@ -37,6 +37,14 @@ struct SlotRange {
 };
 inline constexpr SlotRange line_cards{0, chassis_slot::line_cards - 1};
 
+// Where an answer has its count, from the answer's start: of records, or of an image's bytes.
+struct CountPlace {
+    std::size_t offset;
+    std::size_t size;  // bytes
+    constexpr CountPlace(Field field) : offset(field.offset), size(field.size) {}
+    constexpr CountPlace(std::size_t at, std::size_t bytes) : offset(at), size(bytes) {}
+};
+
 // A kind of request: its file in requests/ has the handler, which returns a Refusal or appends the answer.
 struct RequestRule {
     std::uint16_t command;
@@ -44,7 +52,7 @@ struct RequestRule {
     std::uint32_t length;      // of the whole request, exactly
     std::string_view name;
     Refusal (*handle)(Exchange &exchange);
-    std::optional<Field> answer_count = {};  // where the answer has its record count, from the answer's start
+    std::optional<CountPlace> answer_count = {};
     SlotRange slots = line_cards;
 };
 

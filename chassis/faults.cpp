@@ -17,8 +17,9 @@ constexpr FaultName names[] = {
     {FaultKind::slow, "slow", "milliseconds", 1, ten_minutes},
     {FaultKind::status, "status", "status", 1, 255},
     {FaultKind::truncated, "truncated", "bytes", board_header::size, max_message_size},
-    {FaultKind::oversized_count, "oversized_count", "count", 0, any},
+    {FaultKind::wrong_count, "wrong_count", "count", 0, any},
     {FaultKind::wrong_length, "wrong_length", "length", 0, any},
+    {FaultKind::corrupt, "corrupt", "offset", board_header::size, max_message_size},
     {FaultKind::dropped, "dropped", "", 0, 0},
 };
 
@@ -46,11 +47,14 @@ void apply(const Fault &fault, FaultEffects &effects) {
         case FaultKind::truncated:
             effects.truncated = fault.value;
             break;
-        case FaultKind::oversized_count:
+        case FaultKind::wrong_count:
             effects.count = fault.value;
             break;
         case FaultKind::wrong_length:
             effects.length = fault.value;
+            break;
+        case FaultKind::corrupt:
+            effects.corrupt = fault.value;
             break;
         case FaultKind::dropped:
             effects.dropped = true;

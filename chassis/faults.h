@@ -13,13 +13,14 @@
 namespace tarn::chassis {
 
 enum class FaultKind {
-    silent,           // the request is neither carried out nor answered
-    slow,             // the answer goes out `value` ms late
-    status,           // the request is refused with status `value`
-    truncated,        // the answer ends after `value` bytes, and its length says so
-    oversized_count,  // the answer's count says `value`; its length stays true
-    wrong_length,     // the answer's header says `value` bytes; the answer itself is whole
-    dropped,          // the connection is closed instead of an answer
+    silent,        // the request is neither carried out nor answered
+    slow,          // the answer goes out `value` ms late
+    status,        // the request is refused with status `value`
+    truncated,     // the answer ends after `value` bytes, and its length says so
+    wrong_count,   // the answer's count says `value`; its length stays true
+    wrong_length,  // the answer's header says `value` bytes; the answer itself is whole
+    corrupt,       // a few of the answer's bytes are inverted, from byte `value` on
+    dropped,       // the connection is closed instead of an answer
 };
 
 struct Fault {
@@ -60,6 +61,7 @@ struct FaultEffects {
     std::optional<std::uint32_t> truncated;
     std::optional<std::uint32_t> count;
     std::optional<std::uint32_t> length;
+    std::optional<std::uint32_t> corrupt;
     std::string names;  // of the faults that hit, for the log
 };
 

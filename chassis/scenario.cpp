@@ -17,8 +17,6 @@
 namespace tarn::chassis {
 namespace {
 
-constexpr int max_factor = 1000;
-
 // A mapping of the file, whose keys are all known and occur once.
 class Mapping {
   public:
@@ -165,9 +163,9 @@ void parse_faults(Scenario &scenario, const Mapping &top, const std::string &nam
         top.fail(faults, "faults must be a list");
     }
     for (const YAML::Node &node : faults) {
-        const Mapping fault(
-            node, name, "a fault",
-            {"kind", "slot", "command", "times", "milliseconds", "status", "bytes", "count", "length"});
+        const Mapping fault(node, name, "a fault",
+                            {"kind", "slot", "command", "times", "milliseconds", "status", "bytes", "count",
+                             "length", "offset"});
         const YAML::Node kind = fault.at("kind");
         if (!kind || !kind.IsScalar()) {
             fault.fail(node, "a fault needs a kind");
@@ -195,8 +193,8 @@ double parse_factor(const Mapping &top, double otherwise) {
     }
     double factor = 0;
     if (!node.IsScalar() || !YAML::convert<double>::decode(node, factor) ||
-        !(factor >= 0 && factor <= max_factor)) {
-        top.fail(node, "time_factor must be a number between 0 and " + std::to_string(max_factor));
+        !(factor >= 0 && factor <= max_time_factor)) {
+        top.fail(node, "time_factor must be a number between 0 and " + std::to_string(max_time_factor));
     }
     return factor;
 }

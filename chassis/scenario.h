@@ -19,6 +19,7 @@ namespace tarn::chassis {
 inline constexpr int max_addresses = static_cast<int>(
     std::min<std::size_t>(65535, (max_message_size - board_header::size - 3) / ont_address::size));
 inline constexpr int max_pppoe_sessions = 65535;
+inline constexpr int max_time_factor = 1000;
 
 struct CardPlan {
     std::array<int, channels_per_slot> onts_per_channel{8, 8, 8, 8, 8, 8, 8, 8};

@@ -90,7 +90,9 @@ Refusal set_alarms_entry(Exchange &exchange) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_all_config, destination::configuration, 32, "get_all_config", get_image, {}, any_slot},
+    // The length of the compressed image is what this answer counts.
+    {command::get_all_config, destination::configuration, 32, "get_all_config", get_image,
+     CountPlace{config_image::compressed_length, sizeof(std::uint32_t)}, any_slot},
     {command::set_ont_config, destination::configuration, 2159, "set_ont_config", set_ont},
     // What the configuration holds already is told to the services, which have nothing else to store.
     {command::set_ont_config, destination::services, 2159, "set_ont_config",

@@ -82,7 +82,7 @@ def test_a_card_that_fails_once_serves_what_was_there(start, fault, keys, logged
 
 def test_an_oversized_count_is_clamped_to_the_answer(start):
     system = start()
-    system.chassis.fault("oversized_count", slot=SLOT, command=commands.GET_ADDRESS_TABLE, count=65535)
+    system.chassis.fault("wrong_count", slot=SLOT, command=commands.GET_ADDRESS_TABLE, count=65535)
     assert len(system.snmp.walk(f"{ADDRESS}.4.{INDEX}")) == ADDRESSES
 
 

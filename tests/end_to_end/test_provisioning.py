@@ -350,17 +350,37 @@ def test_a_set_that_fails_leaves_nothing_behind(provisioning, ont):
     assert provisioning.ont() == ont
 
 
-def test_an_image_that_is_cut_short_is_logged_and_read_again(start, tables):
+def test_an_image_that_is_wrong_is_logged_and_read_again(start, tables):
     system = start(cache_period=0)
-    names = tables["tarnONTConfigTable"].instance(2, SLOT + 1)
-    whole = system.snmp.walk(names)
-    assert whole
-    system.chassis.fault("truncated", slot=SLOT, command=GET_ALL_CONFIG, bytes=500000)
-    # What the one buffer held last, here another card's image, stands in for it.
-    system.snmp.walk(names)
-    assert "get_all_config : short answer, 500000 bytes of 1024036" in system.agent.log()
-    system.chassis.clear_faults()
-    assert system.snmp.walk(names) == whole
+    table = tables["tarnONTConfigTable"]
+    names = [oid for oid, _ in system.snmp.get_bulk(3, table.instance(8, SLOT + 1))]
+    whole = system.snmp.get(*names)
+    assert all(value.value.startswith(b"ONT 3/") for _, value in whole)
+
+    def described(text):
+        """A new description of the first ONT, which the card knows and the agent has not read yet."""
+        serial = bytes(oid_key(names[0])[-8:]).hex()
+        system.chassis.ask("state-set", slot=SLOT, item="ont-config", serial=serial, offset=6, hex=text.hex() + "00")
+
+    for fault, keys, logged in (
+            ("truncated", {"bytes": 500000}, "get_all_config : short answer, 500000 bytes of 1024036"),
+            # The header of the compressed stream, and what it says of its length.
+            ("corrupt", {"offset": 32}, "get_all_config : decompression error : -3"),
+            ("wrong_count", {"count": 0}, "get_all_config : decompression error : 0")):
+        described(fault.encode())
+        system.chassis.fault(fault, slot=SLOT, command=GET_ALL_CONFIG, **keys)
+        assert system.snmp.get(*names) == whole, fault
+        assert logged in system.agent.log()
+        system.chassis.clear_faults()
+        assert system.snmp.get(names[0])[0][1].value == fault.encode()
+        whole = system.snmp.get(*names)
+
+    # What is damaged further on is served as far as it went; a length beyond the answer's is not believed.
+    system.chassis.fault("corrupt", slot=SLOT, command=GET_ALL_CONFIG, offset=400000, times=1)
+    assert len(system.snmp.get(*names)) == len(names)
+    described(b"oversized")
+    system.chassis.fault("wrong_count", slot=SLOT, command=GET_ALL_CONFIG, count=0xFFFFFFFF)
+    assert system.snmp.get(names[0])[0][1].value == b"oversized"
 
 
 def test_every_record_of_a_full_card(start, tables):

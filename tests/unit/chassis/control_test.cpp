@@ -111,16 +111,41 @@ TEST(Control, StateIsReadAndWritten) {
     EXPECT_EQ(control.payload(0, 73, "ff").size(), 2 * (5 + 1024 * 106U));
 }
 
+TEST(Control, TheClockGoesOnAtAnotherSpeed) {
+    TestControl control;
+    control.clock_ms = 1000;
+    EXPECT_EQ(control(R"({"do":"clock"})"), R"({"time_ms":1000,"factor":1.0})");
+    EXPECT_EQ(control(R"({"do":"clock","factor":2.5})"), R"({"time_ms":1000,"factor":2.5})");
+    control.clock_ms = 1400;
+    EXPECT_EQ(control(R"({"do":"clock","factor":0})"), R"({"time_ms":2000,"factor":0.0})");
+    control.clock_ms = 9000;
+    EXPECT_EQ(control.chassis.now(), 2000U);
+}
+
+TEST(Control, AnOntsStoredRecordIsFoundBySerial) {
+    TestControl control;
+    const std::string by_index = control(R"({"do":"state-get","slot":0,"item":"ont-config","index":64})");
+    const std::string serial = by_index.substr(8 + 2 * 264, 16);
+    EXPECT_NE(serial, zeros(8));
+    EXPECT_EQ(control(R"({"do":"state-get","slot":0,"item":"ont-config","serial":")" + serial + "\"}"),
+              by_index);
+    // A record that is not in use is nobody's.
+    control(R"({"do":"state-set","slot":0,"item":"ont-config","index":64,"offset":4,"hex":"0000"})");
+    EXPECT_EQ(control(R"({"do":"state-get","slot":0,"item":"ont-config","serial":")" + serial + "\"}"),
+              R"({"error":"no ONT with this serial is configured"})");
+}
+
 TEST(Control, CardsComeAndGo) {
     TestControl control;
     EXPECT_EQ(control(R"({"do":"cards"})"),
               R"({"cards":[{"slot":0,"onts":3,"addresses":2,"pppoe_sessions":1},)"
               R"({"slot":5,"onts":0,"addresses":0,"pppoe_sessions":0}]})");
     EXPECT_EQ(control(R"({"do":"card-pull","slot":0})"), "{}");
-    EXPECT_EQ(control(R"({"do":"card-pull","slot":0})"), R"({"error":"no card in slot 0"})");
-    EXPECT_EQ(control(R"({"do":"state-get","slot":0,"item":"counts"})"), R"({"error":"no card in slot 0"})");
+    EXPECT_EQ(control(R"({"do":"card-pull","slot":0})"), R"({"error":"no card in the slot"})");
+    EXPECT_EQ(control(R"({"do":"state-get","slot":0,"item":"counts"})"),
+              R"({"error":"no card in the slot"})");
     EXPECT_EQ(control(R"({"do":"card-insert","slot":0})"), "{}");
-    EXPECT_EQ(control(R"({"do":"card-insert","slot":0})"), R"({"error":"slot 0 has a card already"})");
+    EXPECT_EQ(control(R"({"do":"card-insert","slot":0})"), R"({"error":"the slot has a card already"})");
 }
 
 TEST(Control, WrongRequestsAreAnsweredWithAnError) {
@@ -136,8 +161,11 @@ TEST(Control, WrongRequestsAreAnsweredWithAnError) {
         {R"({"do":"card-pull","slot":1.5})", "slot must be an integer"},
         {R"({"do":"card-pull","slot":16})", "slot must lie between 0 and 15"},
         {R"({"do":"fault-add","kind":"slow"})", "a fault of kind slow needs milliseconds"},
-        {R"({"do":"fault-add","kind":"oversized_count","count":9,"command":69})",
+        {R"({"do":"fault-add","kind":"wrong_count","count":9,"command":69})",
          "the answer to command 69 has no count"},
+        {R"({"do":"clock","factor":-1})", "factor must be a number between 0 and 1000"},
+        {R"({"do":"clock","factor":1001})", "factor must be a number between 0 and 1000"},
+        {R"({"do":"clock","factor":"1"})", "factor must be a number between 0 and 1000"},
         {R"({"do":"state-get","slot":0,"item":"weather"})", "unknown item \\\"weather\\\""},
         {R"({"do":"state-set","slot":0,"item":"channel"})", "unknown item \\\"channel\\\""},
         {R"({"do":"state-get","slot":0,"item":"channel","channel":8})", "channel must lie between 0 and 7"},

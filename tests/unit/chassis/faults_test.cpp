@@ -37,13 +37,25 @@ TEST(Faults, SpoiltAnswers) {
     EXPECT_EQ(lying.size(), whole.size());
     EXPECT_EQ(load_le32(lying.data() + 20), 5000U);
 
+    faults.add({.kind = FaultKind::corrupt, .value = 40, .times = 1});
+    const Bytes corrupt = test.send(0, 80, all_addresses).bytes;
+    ASSERT_EQ(corrupt.size(), whole.size());
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        EXPECT_EQ(whole[i] ^ corrupt[i], i >= 40 && i < 56 ? 0xFF : 0) << i;
+    }
+    // As far as the answer goes.
+    faults.add({.kind = FaultKind::corrupt, .value = 34, .times = 1});
+    EXPECT_EQ(test.payload(0, 313, "01"), "0102ff");
+
     // Each answer's count where it has it: 16 bits of addresses and sessions, 32 of ONTs, 8 of connections.
-    faults.add({.kind = FaultKind::oversized_count, .value = 0xFFFFFFFF});
+    faults.add({.kind = FaultKind::wrong_count, .value = 0xFFFFFFFF});
     EXPECT_EQ(test.payload(0, 80, all_addresses).substr(0, 6), "ffffff");
     EXPECT_EQ(test.payload(0, 205, "ff").substr(0, 4), "ffff");
     EXPECT_EQ(test.payload(0, 73, "01").substr(0, 12), "01ffffffff54");
     EXPECT_EQ(test.payload(0, 305, zeros(13)).substr(0, 30), zeros(13) + "ff00");
     EXPECT_EQ(test.payload(0, 313, "01"), "010200");
+    // An image counts its compressed bytes behind them.
+    EXPECT_EQ(load_le32(test.send(0, 302, "", 5).bytes.data() + 1024032), 0xFFFFFFFF);
 
     faults.add({.kind = FaultKind::status, .value = 5});
     const Bytes busy = test.send(0, 80, all_addresses).bytes;
