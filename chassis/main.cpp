@@ -39,7 +39,7 @@ constexpr const char *footer =
 
 CONTROL SOCKET
   One JSON object a line in, one JSON object a line out: faults, the request log,
-  state, cards. See docs/protocol.md.
+  state, cards, the clock. See docs/protocol.md; tarnctl chassis speaks it.
 
 SIGNALS
   SIGINT and SIGTERM stop the chassis; its socket files are removed.
@@ -52,7 +52,7 @@ EXIT STATUS
 EXAMPLES
   tarn-chassisd --socket /run/tarn/chassis --control /run/tarn/chassis-control
   tarn-chassisd --tcp 127.0.0.1:4700 --scenario small.yaml --log-requests
-  echo '{"do":"card-pull","slot":3}' | nc -NU /run/tarn/chassis-control)";
+  tarnctl --chassis-socket /run/tarn/chassis-control chassis fault add silent --slot 3)";
 
 struct Options {
     std::string socket;

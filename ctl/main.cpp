@@ -5,6 +5,7 @@
 #include <iostream>
 #include <optional>
 
+#include "ctl/chassis_options.h"
 #include "ctl/client.h"
 #include "ctl/commands.h"
 #include "ctl/report.h"
@@ -14,17 +15,19 @@ namespace {
 using namespace tarn::ctl;
 
 constexpr const char *description =
-    R"(tarnctl - commit, confirm, roll back and save the configuration of line cards
+    R"(tarnctl - commit, roll back and save the configuration of line cards; see and change
+a simulated chassis
 
 Talks to the control socket of a running tarn-agentd, and to that of a simulated chassis.)";
 
 constexpr const char *footer = R"(SLOTS
-  As in 1-4,7, counted from 1; or "all": every slot that is up.
+  As in 1-4,7, counted from 1; or "all": every slot that is up. Commands to the
+  simulated chassis take one slot.
 
 EXIT STATUS
   0  everything that was asked for was done
-  1  some of it was not: a card did not answer, the agent could not be reached, or
-     a question was not answered with yes
+  1  some of it was not: a card did not answer, the agent or the chassis could not be
+     reached, or a question was not answered with yes
   2  the command line is wrong
 
 EXAMPLES
@@ -33,7 +36,9 @@ EXAMPLES
   tarnctl firmware download 192.0.2.7 images/ont.img
   tarnctl --json slots
   tarnctl --yes reload 1-4
-  tarnctl --chassis-socket chassis-control chassis '{"do":"cards"}')";
+  tarnctl --chassis-socket control.socket chassis cards
+  tarnctl chassis ont down 3 TARN-00:00:00:01
+  tarnctl chassis fault add slow --milliseconds 500 --slot 3 --times 10)";
 
 struct Options {
     std::string agent = "/run/tarn/agent-control";
@@ -92,6 +97,17 @@ int run_on_profiles(const Options &options, const Command &command) {
     return finish(options, ask(options.agent, {{"do", std::string(command.name) + "-profiles"}}));
 }
 
+int run_on_chassis(const Options &options, const ChassisCommand &command,
+                   const std::vector<std::string> &values) {
+    const Json request = chassis_request(command, values);
+    if (!agreed(options, std::string(command.question))) {
+        return exit_failed;
+    }
+    Json answer = ask(options.chassis, request);
+    recount_slots(answer);
+    return finish(options, answer);
+}
+
 int pass_to_chassis(const Options &options) {
     const Json request = Json::parse(options.request, nullptr, false);
     if (!request.is_object()) {
@@ -140,9 +156,16 @@ void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
         run = [&options] { return finish(options, ask(options.agent, {{"do", "slots"}})); };
     });
     add_firmware_commands(app, options, run);
-    CLI::App *chassis = app.add_subcommand("chassis", "pass a request to a simulated chassis");
-    chassis->add_option("request", options.request, "a JSON object, see docs/protocol.md")->required();
-    chassis->callback([&options, &run] { run = [&options] { return pass_to_chassis(options); }; });
+    CLI::App *chassis = app.add_subcommand("chassis", "see and change a simulated chassis");
+    chassis->require_subcommand(1);
+    add_chassis_commands(
+        *chassis, [&options, &run](const ChassisCommand &command, const std::vector<std::string> &values) {
+            run = [&options, &command, values] { return run_on_chassis(options, command, values); };
+        });
+    CLI::App *request = chassis->add_subcommand(
+        "request", "pass a request on as it is, and its answer back; slots count from 0");
+    request->add_option("request", options.request, "a JSON object, see docs/protocol.md")->required();
+    request->callback([&options, &run] { run = [&options] { return pass_to_chassis(options); }; });
 }
 
 }  // namespace

@@ -6,7 +6,7 @@ import stat
 import pytest
 
 from chassis import scenario
-from programs import run_to_end
+from programs import run_to_end, wait_until
 
 CONTROL = "agent-control"
 SLOT = 5
@@ -106,7 +106,9 @@ def test_destruction_needs_a_yes(system):
 
 def test_the_command_line_is_checked(system):
     for arguments in ((), ("commit",), ("commit", "0"), ("commit", "17"), ("commit", "3-1"), ("commit", "x"),
-                      ("profiles",), ("profiles", "save"), ("nonsense",), ("chassis", "[]")):
+                      ("profiles",), ("profiles", "save"), ("nonsense",), ("chassis",), ("chassis", "request", "[]"),
+                      ("chassis", "pull", "profiles"), ("chassis", "ont", "down", "1"),
+                      ("chassis", "ont", "down", "1", "short")):
         status, output = tarnctl(system, *arguments)
         assert status == 2, (arguments, output)
         assert output
@@ -116,9 +118,48 @@ def test_the_command_line_is_checked(system):
 def test_slots_and_the_chassis(system):
     status, output = tarnctl(system, "slots")
     assert status == 0 and output.splitlines() == [f"slot {slot}: up" for slot in range(1, 17)]
-    status, output = tarnctl(system, "--json", "chassis", '{"do":"version"}')
+    status, output = tarnctl(system, "--json", "chassis", "request", '{"do":"version"}')
     assert status == 0 and json.loads(output)["program"] == "tarn-chassisd"
-    assert tarnctl(system, "chassis", '{"do":"nonsense"}')[0] == 1
+    assert tarnctl(system, "chassis", "request", '{"do":"nonsense"}')[0] == 1
+
+
+def test_the_chassis_is_seen_and_changed(system):
+    def chassis(*arguments, expected=0):
+        status, output = tarnctl(system, "--json", "--yes", "chassis", *arguments)
+        assert status == expected, output
+        return json.loads(output)
+
+    def ont(key):
+        return chassis("ont", "show", SLOT, serial)[key]
+
+    assert [card["slot"] for card in chassis("cards")["cards"]] == list(range(1, 17))
+    serial = next(each["serial"] for each in chassis("ont", "list", SLOT)["onts"] if each["code"] == 7)
+    chassis("ont", "power", SLOT, serial, "-24.3")
+    chassis("ont", "down", SLOT, serial)
+    assert ont("code") == 11
+    chassis("ont", "up", SLOT, serial)
+    assert ont("code") == 3
+    # The clock stands still in this scenario; in a minute or less of chassis time the ONT is back.
+    chassis("clock", "1000")
+    wait_until(lambda: ont("code") == 7, "the ONT to register")
+    assert chassis("clock", "0")["factor"] == 0
+    assert len(chassis("ont", "record", SLOT, serial)["hex"]) == 2 * 2122
+
+    assert chassis("fault", "add", "status", "--status", 5, "--slot", SLOT, "--times", 1) == {"id": 1}
+    assert [(fault["slot"], fault["kind"]) for fault in chassis("fault", "list")["faults"]] == [(SLOT, "status")]
+    assert tarnctl(system, "confirm", SLOT)[0] == 1
+    assert tarnctl(system, "confirm", SLOT)[0] == 0
+    logged = chassis("log", "show", "--slot", SLOT, "--command", 421)["requests"]
+    assert [request["status"] for request in logged] == [5, 0]
+    assert chassis("log", "count", "--command", 421) == {
+        "counts": [{"slot": SLOT, "command": 421, "count": 2}], "total": 2}
+    chassis("fault", "clear", "7", expected=1)
+    chassis("pull", SLOT)
+    assert [card["slot"] for card in chassis("cards")["cards"]] == [n for n in range(1, 17) if n != SLOT]
+    assert tarnctl(system, "chassis", "pull", SLOT) == (1, "failed: no card in the slot\n")
+    chassis("insert", SLOT)
+    assert chassis("config", "network")["commits"] == 0
+    assert tarnctl(system, "chassis", "shutdown")[0] == 1
 
 
 def test_the_socket_is_the_users_alone_and_goes_with_the_agent(system):

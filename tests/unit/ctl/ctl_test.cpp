@@ -4,14 +4,17 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
 
+#include "ctl/chassis.h"
 #include "ctl/client.h"
 #include "ctl/commands.h"
 #include "ctl/report.h"
+#include "ctl/serial.h"
 
 namespace tarn::ctl {
 namespace {
@@ -60,11 +63,94 @@ TEST(Reports, SayWhatHappenedAndFailWhenAnythingFailed) {
           {R"({"slots":[{"slot":1,"served":true,"up":true},{"slot":2,"served":true,"up":false},)"
            R"({"slot":3,"served":false,"up":false}]})",
            "slot 1: up\nslot 2: down\nslot 3: not served\n", 0},
-          {R"({"version":"1"})", "{\n  \"version\": \"1\"\n}\n", 0}}) {
+          // What the chassis says: values, tables of what is alike, bytes.
+          {R"({})", "done\n", 0},
+          {R"({"faults":[]})", "no faults\n", 0},
+          {R"({"edited":false,"serial":"5441524e0000000a"})", "edited: false\nserial: TARN-00:00:00:0a\n", 0},
+          {R"({"rows":[{"a":1,"b":"x"},{"a":100,"c":"0123456789012345678901234567890123"}],"total":2})",
+           "a    b  c\n1    x  -\n100  -  01234567890123456789012345678901...\ntotal: 2\n", 0},
+          {R"({"hex":"000102030405060708090a0b0c0d0e0f10"})",
+           "    0 00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f\n   16 10\n", 0}}) {
         const Json parsed = Json::parse(answer);
         EXPECT_EQ(describe(parsed), text);
         EXPECT_EQ(exit_status(parsed), status) << answer;
     }
+}
+
+TEST(Serials, AreReadAsTheyAreWritten) {
+    for (const char *text : {"TARN-00:00:00:0A", "TARN0000000a", "5441524E0000000a"}) {
+        EXPECT_EQ(serial_digits(text), "5441524e0000000a") << text;
+    }
+    EXPECT_EQ(serial_digits("0123-45:67:89:ab"), "30313233456789ab");
+    for (const char *wrong : {"", "TARN", "TARN-00:00:00", "TARN-00:00:00:0g", "5441524e0000000a0", "-"}) {
+        EXPECT_THROW(serial_digits(wrong), std::invalid_argument) << wrong;
+    }
+    EXPECT_EQ(serial_text("5441524e0000000a"), "TARN-00:00:00:0a");
+    EXPECT_EQ(serial_text("0041524e0000000a"), "0041524e0000000a");
+    EXPECT_EQ(serial_text("no serial"), "no serial");
+}
+
+const ChassisCommand &chassis_command(std::string_view group, std::string_view name) {
+    const auto all = chassis_commands();
+    const auto found = std::ranges::find_if(
+        all, [&](const ChassisCommand &c) { return c.group == group && c.name == name; });
+    EXPECT_NE(found, all.end()) << group << ' ' << name;
+    return *found;
+}
+
+TEST(ChassisCommands, AskForWhatIsMeant) {
+    struct Asked {
+        const char *group;
+        const char *name;
+        std::vector<std::string> values;
+        const char *request;  // null: the values are wrong
+    };
+    const std::string ont = "TARN-00:00:00:01";
+    for (
+        const auto &[group, name, values, request] : {
+            Asked{"", "pull", {"3"}, R"({"do":"card-pull","slot":2})"},
+            {"", "pull", {"17"}, nullptr},
+            {"", "pull", {"1-2"}, nullptr},
+            {"", "insert", {"profiles"}, nullptr},
+            {"", "config", {"olt-profiles"}, R"({"do":"state-get","item":"config","slot":17})"},
+            {"", "clock", {""}, R"({"do":"clock"})"},
+            {"", "clock", {"0.5"}, R"({"do":"clock","factor":0.5})"},
+            {"", "clock", {"fast"}, nullptr},
+            {"ont",
+             "down",
+             {"1", ont},
+             R"({"do":"state-set","item":"ont-signal","value":0,"slot":0,"serial":"5441524e00000001"})"},
+            {"ont", "down", {"1", ""}, nullptr},
+            {"ont",
+             "power",
+             {"16", ont, "-24.3"},
+             R"({"do":"state-set","item":"optical-power","slot":15,"serial":"5441524e00000001","value":-243})"},
+            {"ont", "power", {"16", ont, "nan"}, nullptr},
+            {"ont",
+             "record",
+             {"2", ont},
+             R"({"do":"state-get","item":"ont-config","slot":1,"serial":"5441524e00000001"})"},
+            {"fault",
+             "add",
+             {"slow", "network", "70", "2", "500", "", "", "", "", ""},
+             R"({"do":"fault-add","kind":"slow","slot":18,"command":70,"times":2,"milliseconds":500})"},
+            {"fault", "add", {"slow", "", "", "2x", "", "", "", "", "", ""}, nullptr},
+            {"fault", "clear", {"", "4"}, R"({"do":"fault-clear","slot":3})"},
+            {"log", "show", {"", "302", "", "5"}, R"({"do":"requests","command":302,"limit":5})"},
+        }) {
+        const ChassisCommand &command = chassis_command(group, name);
+        if (request == nullptr) {
+            EXPECT_THROW(chassis_request(command, values), std::invalid_argument) << name;
+        } else {
+            EXPECT_EQ(chassis_request(command, values).dump(), request);
+        }
+    }
+}
+
+TEST(ChassisCommands, CountSlotsFrom1) {
+    Json answer = Json::parse(R"({"cards":[{"slot":0,"onts":4},{"slot":18}],"slot":15,"total":16})");
+    recount_slots(answer);
+    EXPECT_EQ(answer.dump(), R"({"cards":[{"slot":1,"onts":4},{"slot":"network"}],"slot":16,"total":16})");
 }
 
 // A socket that answers one line with `answer`, byte by byte, and closes.
