@@ -3,6 +3,7 @@
 #define TARN_MODULE_COMMON_CACHED_QUERY_H
 
 #include "module/common/envelope.h"
+#include "module/common/log.h"
 #include "module/common/slot_management_db.h"
 
 namespace tarn {
@@ -10,18 +11,20 @@ namespace tarn {
 inline constexpr std::size_t payload = board_header::size;
 
 // Fills `size` bytes from byte 32 of the answer to one request, when their stamp has expired. They are
-// stamped after the attempt whether or not an answer came.
+// stamped after the attempt whether or not an answer came; true when one did.
 template <std::size_t Length>
-void refresh(std::uint8_t *to, std::size_t size, Stamp &stamp, const Request<Length> &request,
+bool refresh(std::uint8_t *to, std::size_t size, Stamp &stamp, const Request<Length> &request,
              const char *operation, int slot, int timeout_ms = default_timeout_ms,
              const char *file = __builtin_FILE(), int line = __builtin_LINE()) {
     if (!stamp.expired()) {
-        return;
+        return false;
     }
-    if (const Answer answer = ask(request, operation, slot, payload + size, timeout_ms, file, line)) {
+    const Answer answer = ask(request, operation, slot, payload + size, timeout_ms, file, line);
+    if (answer) {
         answer.copy(to, payload, size);
     }
     stamp.set();
+    return static_cast<bool>(answer);
 }
 
 // The same for a section, whose record it returns.
@@ -29,8 +32,21 @@ template <std::size_t Size, std::size_t Length>
 std::uint8_t *refresh(Section<Size> &section, const Request<Length> &request, const char *operation, int slot,
                       int timeout_ms = default_timeout_ms, const char *file = __builtin_FILE(),
                       int line = __builtin_LINE()) {
-    refresh(section.record.data(), Size, section.stamp, request, operation, slot, timeout_ms, file, line);
+    if (refresh(section.record.data(), Size, section.stamp, request, operation, slot, timeout_ms, file,
+                line)) {
+        section.fetched = true;
+    }
     return section.record.data();
+}
+
+// Whether a section may be edited and sent back: not before the card has shown it, which is logged.
+template <std::size_t Size>
+bool may_edit(const Section<Size> &section, const char *operation, int slot) {
+    if (!section.fetched) {
+        log_add(log_error, "%s : slot %d has never sent its configuration, which is not overwritten\n",
+                operation, slot);
+    }
+    return section.fetched;
 }
 
 }  // namespace tarn

@@ -39,6 +39,7 @@ template <std::size_t Size>
 struct Section {
     Record<Size> record;
     Stamp stamp;
+    bool fetched;  // at least once; until then the record is zeros, which must not be edited and sent
 };
 template <std::size_t Size, std::size_t Count>
 using Sections = std::array<Section<Size>, Count>;
@@ -97,8 +98,7 @@ struct SlotDatabase {
 
     // Configuration
     Sections<olt_channel_config::size, channels_per_slot> olt_channel_configs;
-    std::array<bool, channels_per_slot> olt_channel_configs_seen;  // the card has shown them
-    Record<olt_config::size + 2> olt_config;                       // the hold flag behind it
+    Record<olt_config::size + 2> olt_config;  // the hold flag behind it
     Stamp olt_config_stamp;
     Section<network_config::size> network_config;
     Records<ont_config::size, ont_config::count> ont_configs;

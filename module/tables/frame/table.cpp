@@ -103,6 +103,13 @@ int act(const Table &table, Target &target, const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
+// Of the section that a SET of this target edits; `none` where there is no such section.
+Stamp &edited_stamp(const Table &table, const Target &target, Stamp &none) {
+    Stamp *stamp =
+        table.edited_stamp != nullptr && target.index_valid ? table.edited_stamp(target.row) : nullptr;
+    return stamp != nullptr ? *stamp : none;
+}
+
 void call(void (*hook)()) {
     if (hook != nullptr) {
         hook();
@@ -126,6 +133,8 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
         error = without_row_data;
         return true;
     }
+    Stamp none;
+    Stamp &edited = edited_stamp(table, target, none);
     switch (mode) {
         case MODE_SET_RESERVE1:
             call(table.reserve1);
@@ -139,14 +148,19 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
             return true;
         case MODE_SET_ACTION:
             error = act(table, target, *binding);
+            edited.held = edited.held || error == SNMP_ERR_NOERROR;
             return true;
         case MODE_SET_COMMIT:
             if (table.commit != nullptr) {
                 error = table.commit(target.row);
             }
+            edited.held = false;
             return true;
         case MODE_SET_FREE:
         case MODE_SET_UNDO:
+            if (edited.held) {
+                edited.clear();
+            }
             call(table.drop);
             return true;
         default:

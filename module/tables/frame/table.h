@@ -5,6 +5,7 @@
 #ifndef TARN_MODULE_TABLES_FRAME_TABLE_H
 #define TARN_MODULE_TABLES_FRAME_TABLE_H
 
+#include "module/common/cache.h"
 #include "module/exports.h"
 #include "module/tables/frame/column.h"
 #include "module/tables/frame/index.h"
@@ -69,6 +70,9 @@ struct Table {
     // The record that columns without an action of their own are stored in; null: the column's own, or the
     // row's.
     RecordOf edited = nullptr;
+    // The stamp of the cached section that a SET edits in place, or null. From the first edit to the end of
+    // the commit the section is not read again; after a failed SET the next read fetches what the card holds.
+    Stamp *(*edited_stamp)(const Row &row) = nullptr;
     // Sends what was staged; 0 or an error.
     int (*commit)(Row &row) = nullptr;
     // The request failed: forget what was staged.

@@ -48,12 +48,9 @@ inline int stage_template(Row &row, const Column & /*column*/, const Binding & /
     return SNMP_ERR_NOERROR;
 }
 
-// The SET failed: its edits are forgotten, the next read fetches what the chassis holds.
-inline void drop_template_edits() {
-    if (ProfilesDatabase *db = profiles_database(); db != nullptr && !db->templates_to_commit.empty()) {
-        db->templates_stamp.clear();
-        db->templates_to_commit.reset();
-    }
+inline Stamp *templates_stamp(const Row & /*row*/) {
+    ProfilesDatabase *db = profiles_database();
+    return db != nullptr ? &db->templates_stamp : nullptr;
 }
 
 inline int commit_templates(Row & /*row*/) {
@@ -77,8 +74,9 @@ constexpr Table template_table(const char *name, std::span<const Column> columns
         .reserve_needs_row = false,
         .reserve2 = cleanup_templates_commit_needs,
         .stage = stage_template,
+        .edited_stamp = templates_stamp,
         .commit = commit_templates,
-        .drop = drop_template_edits,
+        .drop = cleanup_templates_commit_needs,
     };
 }
 

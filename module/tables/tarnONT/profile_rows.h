@@ -14,7 +14,7 @@ inline constexpr IndexPart profile_index[] = {number_part(any_unsigned)};
 
 // A kind of profile as its tables use it; `Edited` are the profiles of the SET under way that are to be sent.
 // Number 0 of a row is the profile, number 1 in the tables of its entries the entry.
-template <auto Get, auto Add, auto Delete, std::size_t Size, auto Stamp, auto &Edited>
+template <auto Get, auto Add, auto Delete, std::size_t Size, auto StampOf, auto &Edited>
 struct ProfileKind {
     static constexpr int count = std::tuple_size_v<decltype(Edited.flags)>;
 
@@ -47,23 +47,14 @@ struct ProfileKind {
         return false;
     }
 
-    static void begin_set() { Edited.reset(); }
+    static void forget() { Edited.reset(); }
     static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
         Edited.add(index_of(row));
         return SNMP_ERR_NOERROR;
     }
-    // What a SET has edited stays in the cache until it is sent, so the array must not be read again before.
-    static void keep_edits() {
-        if (!Edited.empty()) {
-            (profiles_database()->*Stamp).set();
-        }
-    }
-    // The SET failed: its edits are forgotten, the next read fetches what the chassis holds.
-    static void drop_edits() {
-        if (!Edited.empty()) {
-            (profiles_database()->*Stamp).clear();
-            Edited.reset();
-        }
+    static Stamp *edited_stamp(const Row & /*row*/) {
+        ProfilesDatabase *db = profiles_database();
+        return db != nullptr ? &(db->*StampOf) : nullptr;
     }
     // 6 deletes, anything else creates; both at once. A deleted profile is not sent again.
     static int set_row_status(Row &row, const Binding &value) {
@@ -75,7 +66,6 @@ struct ProfileKind {
         } else if (Add(index_of(row)) != 0) {
             return SNMP_ERR_NOCREATION;
         }
-        keep_edits();
         return SNMP_ERR_NOERROR;
     }
     static constexpr Column row_status(int number) {
@@ -93,10 +83,11 @@ struct ProfileKind {
             .find = find_entry<Stride>,
             .next = next_entry<Entries>,
             .reserve_needs_row = false,
-            .reserve2 = begin_set,
+            .reserve2 = forget,
             .stage = stage,
+            .edited_stamp = edited_stamp,
             .commit = Commit,
-            .drop = drop_edits,
+            .drop = forget,
         };
     }
     // The table of the profiles themselves.

@@ -1,8 +1,8 @@
 // State, counters and identity texts of the PON channels, with triggers to reconfigure a channel and to reset
 // its counters.
+#include "module/common/cached_query.h"
 #include "module/common/operations/board_actions.h"
 #include "module/common/operations/channel_queries.h"
-#include "module/common/slot_management_db.h"
 #include "module/config/olt_channel_config.h"
 #include "module/tables/frame/table.h"
 
@@ -35,9 +35,8 @@ int set_enabled(Row &row, const Binding &value) {
     if (config == nullptr) {
         return SNMP_NOSUCHINSTANCE;
     }
-    // Never send a record that the card has not shown first: it would wipe what we do not know.
     const auto channel = static_cast<std::size_t>(channel_of(row));
-    if (!slot_database(row.slot)->olt_channel_configs_seen[channel]) {
+    if (!may_edit(slot_database(row.slot)->olt_channel_configs[channel], __func__, row.slot)) {
         return SNMP_ERR_GENERR;
     }
     store_integer(config, olt_channel_config::enabled, set_truth_value(static_cast<int>(*value.val.integer)));

@@ -3,7 +3,7 @@
 #ifndef TARN_MODULE_TABLES_TARNSWITCH_GENERAL_OPTION_H
 #define TARN_MODULE_TABLES_TARNSWITCH_GENERAL_OPTION_H
 
-#include "module/common/slot_management_db.h"
+#include "module/common/cached_query.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
 #include "module/tables/tarnSwitch/single_row.h"
@@ -21,6 +21,9 @@ struct GeneralOption {
         std::uint8_t *section = general_section(row);
         if (section == nullptr) {
             return SNMP_NOSUCHINSTANCE;
+        }
+        if (!may_edit(slot_database(row.slot)->switch_general, "set_switch_general_cfg", row.slot)) {
+            return SNMP_ERR_GENERR;
         }
         store_integer(section, Flag, set_truth_value(static_cast<int>(*value.val.integer)));
         return set_switch_general_cfg(row.slot) == 0 ? SNMP_ERR_NOERROR : Failure;

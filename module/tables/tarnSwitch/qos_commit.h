@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "module/common/slot_management_db.h"
+#include "module/common/cached_query.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
 #include "tarn/board_protocol.h"
@@ -24,24 +24,23 @@ struct QosCommit {
 
     static void clear() { slots_to_commit.fill(false); }
 
-    // The section to edit. It is not refreshed between the edits of one SET.
-    static std::uint8_t *edited(Row &row) {
-        bool &to_commit = slots_to_commit[static_cast<std::size_t>(row.slot)];
-        std::uint8_t *section =
-            to_commit ? slot_database(row.slot)->switch_qos.record.data() : get_switch_qos_cfg(row.slot);
-        to_commit = section != nullptr;
-        return section;
+    static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
+        row.record = qos_section(row);
+        if (row.record == nullptr) {
+            return SNMP_NOSUCHINSTANCE;
+        }
+        if (!may_edit(slot_database(row.slot)->switch_qos, "set_switch_qos_cfg", row.slot)) {
+            return SNMP_ERR_GENERR;
+        }
+        slots_to_commit[static_cast<std::size_t>(row.slot)] = true;
+        return SNMP_ERR_NOERROR;
     }
 
-    // The SET failed: its edits are forgotten, the next read fetches what the card holds.
-    static void drop() {
-        for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
-            SlotDatabase *db = slot_database(slot);
-            if (slots_to_commit[static_cast<std::size_t>(slot)] && db != nullptr) {
-                db->switch_qos.stamp.clear();
-            }
-        }
-        clear();
+    static std::uint8_t *edited(Row &row) { return row.record; }
+
+    static Stamp *edited_stamp(const Row &row) {
+        SlotDatabase *db = slot_database(row.slot);
+        return db != nullptr ? &db->switch_qos.stamp : nullptr;
     }
 
     static int commit(Row & /*row*/) {

@@ -29,14 +29,10 @@ struct QosMapping {
     }
 
     static int set(Row &row, const Binding &value) {
-        std::uint8_t *section = Commit::edited(row);
-        if (section == nullptr) {
-            return SNMP_NOSUCHINSTANCE;
-        }
         std::uint8_t list[8]{};
         std::memcpy(list, value.val.string, octets);
         const auto mask = static_cast<std::int64_t>(load_le64(list));
-        store_integer(section, Mask(queue_of(row)), static_cast<std::int64_t>(convert(mask)));
+        store_integer(row.record, Mask(queue_of(row)), static_cast<std::int64_t>(convert(mask)));
         slot_database(row.slot)->*LastQueue = static_cast<std::uint8_t>(queue_of(row));
         return SNMP_ERR_NOERROR;
     }
@@ -61,8 +57,10 @@ struct QosMapping {
                 .columns = columns,
                 .next = next,
                 .reserve2 = Commit::clear,
+                .stage = Commit::stage,
+                .edited_stamp = Commit::edited_stamp,
                 .commit = Commit::commit,
-                .drop = Commit::drop};
+                .drop = Commit::clear};
     }
 
   private:

@@ -33,9 +33,11 @@ constexpr Table table{
     .set_without_row_data = SNMP_NOSUCHOBJECT,
     .act_without_row_data = SNMP_NOSUCHINSTANCE,
     .reserve2 = Commit::clear,
+    .stage = Commit::stage,
     .edited = Commit::edited,
+    .edited_stamp = Commit::edited_stamp,
     .commit = Commit::commit,
-    .drop = Commit::drop,
+    .drop = Commit::clear,
 };
 
 }  // namespace

@@ -359,10 +359,31 @@ TEST_F(ProfileTablesTest, DeletesAProfileAndDoesNotSendItAgain) {
     }
 }
 
-// Creating a profile makes the array expire, which must not cost the edit of another profile.
-TEST_F(ProfileTablesTest, KeepsAnEditBesideACreation) {
+// Neither a cache that never holds anything nor a creation, which makes the array expire, may cost an edit.
+TEST_F(ProfileTablesTest, KeepsTheEditsOfOneSet) {
+    board.everything_stale = true;
+    for (const TableCase &table : tables) {
+        SCOPED_TRACE(table.name);
+        serve(table);
+        const ColumnCase &first = table.columns.front();
+        const ColumnCase &last = table.columns.back();
+        board.sent.clear();
+        EXPECT_EQ(set_together({variable(table, first.column, value_to_set(first)),
+                                variable(table, last.column, value_to_set(last))}),
+                  0);
+        // Read again for the row of the first edit only.
+        EXPECT_EQ(board.count(table.get_command), 1);
+        const Bytes payload = board.payload_of(board.sent.size() - 1);
+        for (const ColumnCase &column : {first, last}) {
+            EXPECT_FALSE(std::equal(payload.begin() + 2 + static_cast<long>(column.offset),
+                                    payload.begin() + 2 + static_cast<long>(column.offset + column.size),
+                                    record.begin() + static_cast<long>(column.offset)))
+                << column.column;
+        }
+    }
     const TableCase &table = tables[0];
     serve(table);
+    board.sent.clear();
     EXPECT_EQ(
         set_together({variable(table, 3, octets_value("edited")), variable(table, 20, integer_value(4), 5),
                       variable(table, 3, octets_value("new"), 5)}),

@@ -153,25 +153,57 @@ TEST_F(QosTablesTest, WithoutAWrittenQueueTheFirstOneKeepsItsTraffic) {
     EXPECT_EQ(sent()[57], 0x01);
 }
 
+// Three tables edit the one section, which is sent for each variable.
 TEST_F(QosTablesTest, TheEditsOfOneSetAreSentTogether) {
-    const Value first = octets_value("\x80");
-    const Value second = octets_value("\x40");
-    const auto call = [](int mode, int queue, const Value &value) {
-        return call_iterator(tarnQOS8021pMappingTable_module_handler, mode, 3, {slot + 1, queue}, &row,
-                             &value)
-            .error;
+    const auto variable = [](module_handler_function *handler, int column, const IndexValues &index,
+                             const Value &value) {
+        return [=](int mode) { return call_iterator(handler, mode, column, index, &row, &value); };
+    };
+    const auto edits = [&](int value_64) {
+        return set_together(
+            {variable(tarnQOS8021pMappingTable_module_handler, 3, {slot + 1, 4}, octets_value("\x80")),
+             variable(tarnQOS8021pMappingTable_module_handler, 3, {slot + 1, 5}, octets_value("\x40")),
+             variable(tarnQOSDSCPMappingTable_module_handler, 3, {slot + 1, 6},
+                      octets_value(std::string("\x80\0\0\0\0\0\0\0", 8))),
+             variable(tarnQOSConfigTable_module_handler, 3, {slot + 1}, integer_value(value_64))});
     };
     board.everything_stale = true;  // even if the section expires in between
-    for (const int mode : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION}) {
-        EXPECT_EQ(call(mode, 4, first), 0);
-        EXPECT_EQ(call(mode, 5, second), 0);
+    EXPECT_EQ(edits(1), 0);
+    EXPECT_EQ(board.count(0xB9), 1);
+    EXPECT_EQ(board.count(0xC9), 4);
+    for (std::size_t request = 1; request < board.sent.size(); ++request) {
+        const Bytes section = board.payload_of(request);
+        EXPECT_EQ(section[57 + 4], 0x01);
+        EXPECT_EQ(section[57 + 5], 0x02);
+        EXPECT_EQ(section[57 + 0], 0x01);  // queue 4 was not the last one written
+        EXPECT_EQ(section[57 + 1], 0x00);
+        EXPECT_EQ(section[1 + 8 * 6], 0x01);
+        EXPECT_EQ(section[1], 0xFE);
+        EXPECT_EQ(section[64], 1);
     }
-    EXPECT_EQ(call(MODE_SET_COMMIT, 4, first), 0);
-    const Bytes section = sent();
-    EXPECT_EQ(section[57 + 4], 0x01);
-    EXPECT_EQ(section[57 + 5], 0x02);
-    EXPECT_EQ(section[57 + 0], 0x01);  // queue 4 was not the last one written
-    EXPECT_EQ(section[57 + 1], 0x00);
+    // A SET that fails leaves nothing behind.
+    board.everything_stale = false;
+    EXPECT_EQ(set_together({variable(tarnQOSConfigTable_module_handler, 3, {slot + 1}, integer_value(0)),
+                            [](int mode) {
+                                Outcome other;
+                                other.error = mode == MODE_SET_ACTION ? SNMP_ERR_GENERR : 0;
+                                return other;
+                            }}),
+              SNMP_ERR_GENERR);
+    EXPECT_EQ(set_config(4, integer_value(1)), 0);
+    EXPECT_EQ(sent()[64], 2);
+}
+
+// What was never read would be sent back as zeros.
+TEST_F(QosTablesTest, AConfigurationThatWasNeverReadIsNotOverwritten) {
+    board.silence(0xB9);
+    EXPECT_EQ(set_config(3, integer_value(1)), SNMP_ERR_GENERR);
+    EXPECT_EQ(
+        set_iterator(tarnQOS8021pMappingTable_module_handler, 3, {slot + 1, 4}, &row, octets_value("\x80")),
+        SNMP_ERR_GENERR);
+    EXPECT_EQ(board.count(0xC9), 0);
+    EXPECT_TRUE(board.logged(
+        "3 set_switch_qos_cfg : slot 6 has never sent its configuration, which is not overwritten\n"));
 }
 
 TEST_F(QosTablesTest, CountersOfAPortAreServedByPosition) {

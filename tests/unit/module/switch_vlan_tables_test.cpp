@@ -380,9 +380,16 @@ TEST_F(SwitchVlanTablesTest, GeneralOptionsAreSentAtOnce) {
 
 TEST_F(SwitchVlanTablesTest, AnOptionIsNotSetOnASectionThatWasNeverRead) {
     Bytes section(2583, 0x55);
-    board.answer(0xAD, section);
     board.answer(0xBE, {});
     int row = 0;
+    board.silence(0xAD);
+    for (module_handler_function *handler :
+         {tarnSwitchIGMPSnoopingTable_module_handler, tarnP2PTable_module_handler}) {
+        EXPECT_EQ(set_iterator(handler, 2, {slot + 1}, &row, integer_value(1)), SNMP_ERR_GENERR);
+    }
+    EXPECT_EQ(board.count(0xBE), 0);
+    board.answer(0xAD, section);
+    board.everything_stale = true;
     EXPECT_EQ(set_iterator(tarnP2PTable_module_handler, 2, {slot + 1}, &row, integer_value(1)), 0);
     section[2572] = 1;
     EXPECT_EQ(board.payload_of(board.sent.size() - 1), section);
