@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -25,10 +26,8 @@ struct DownloadRequest {
 
 DownloadRequest request_of(const AcsFirmwareCache &cache) {
     const std::uint8_t *octets = cache.server_address;
-    std::string server = std::to_string(octets[0]);
-    for (int i = 1; i < 4; ++i) {
-        server += "." + std::to_string(octets[i]);
-    }
+    char server[16];
+    std::snprintf(server, sizeof server, "%d.%d.%d.%d", octets[0], octets[1], octets[2], octets[3]);
     return {{cache.remote_path, strnlen(cache.remote_path, sizeof cache.remote_path)}, server};
 }
 

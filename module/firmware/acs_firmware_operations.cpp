@@ -72,6 +72,10 @@ int write_spec(const std::string &path, const char *caller, Write write) {
     return -1;
 }
 
+std::string_view text_or_empty(const char *text) {
+    return text != nullptr ? text : "";
+}
+
 // Logs and refuses a name that would lead elsewhere.
 bool refuses_name(std::string_view name, const char *caller) {
     if (is_firmware_file_name(name)) {
@@ -153,6 +157,14 @@ bool is_image_name(std::string_view name) {
     return is_firmware_file_name(name) && !is_spec_name(name) && name != version_priority_file;
 }
 
+std::string_view listed_name(const AcsFirmwareFile &file) {
+    return {file.file_name, strnlen(file.file_name, sizeof file.file_name)};
+}
+
+bool may_be_cut(const AcsFirmwareFile &file) {
+    return listed_name(file).size() >= longest_file_name;
+}
+
 void expire_files_list() {
     if (catalogue != nullptr) {
         catalogue->files_stamp = {};
@@ -189,7 +201,7 @@ AcsFirmwareCache *get_acs_firmware_cache(void) {
 }
 
 char *get_acs_firmware_name(const char *name) {
-    return new_text(firmware_path(name), __func__);
+    return new_text(firmware_path(text_or_empty(name)), __func__);
 }
 
 char *get_sub_str(const char *text, int start, int n) {
@@ -210,7 +222,7 @@ char *get_filename_from_path(const char *path) {
 }
 
 int check_if_spec_file(const char *name) {
-    return is_spec_name(name) ? 1 : 0;
+    return is_spec_name(text_or_empty(name)) ? 1 : 0;
 }
 
 void get_files_list(void) {
@@ -246,16 +258,17 @@ void get_files_list(void) {
 }
 
 int create_specific_file(const char *file_name) {
-    if (refuses_name(file_name, __func__)) {
+    const std::string_view name = text_or_empty(file_name);
+    if (refuses_name(name, __func__)) {
         return -1;
     }
-    const std::string image = firmware_path(file_name);
+    const std::string image = firmware_path(name);
     char md5[md5_digits + 1];
     if (!is_regular_file(image, true) || fsa_calc_md5sum(image.c_str(), md5, sizeof md5) != 0) {
         log_add(log_error, "%s : unable to calculate MD5 for %s\n", __func__, image.c_str());
         return -1;
     }
-    const std::string spec = spec_path(file_name);
+    const std::string spec = spec_path(name);
     const int result = write_spec(spec, __func__, [&] {
         return cf_SetParam(spec.c_str(), "VENDOR", "", "EQUIPMENT_LIST", "", "SOFTWARE_VERSION", "",
                            "MD5_SUM", md5, nullptr);
@@ -271,8 +284,12 @@ int set_specific_parameters(int index) {
     if (catalogue == nullptr || position >= TARN_FIRMWARE_IMAGES) {
         return -1;
     }
+    const std::string_view name = listed_name(catalogue->files[position]);
+    if (refuses_name(name, __func__)) {
+        return -1;
+    }
     const AcsFirmwareSpecific &specific = catalogue->specifics[position];
-    const std::string spec = spec_path(catalogue->files[position].file_name);
+    const std::string spec = spec_path(name);
     return write_spec(spec, __func__, [&] {
         return cf_SetParam(spec.c_str(), "VENDOR", specific.vendor, "EQUIPMENT_LIST", specific.equipment_list,
                            "SOFTWARE_VERSION", specific.software_version, nullptr);
@@ -280,10 +297,11 @@ int set_specific_parameters(int index) {
 }
 
 int delete_specific_file(const char *file_name) {
-    if (refuses_name(file_name, __func__)) {
+    const std::string_view name = text_or_empty(file_name);
+    if (refuses_name(name, __func__)) {
         return -1;
     }
-    const int result = unlink(spec_path(file_name).c_str());
+    const int result = unlink(spec_path(name).c_str());
     expire_files_list();
     return result;
 }
@@ -292,8 +310,9 @@ int remove_firmware_file(int index) {
     if (catalogue == nullptr || index < 0 || index >= catalogue->files_count) {
         return -1;
     }
-    const char *name = catalogue->files[index].file_name;
-    if (refuses_name(name, __func__)) {
+    const AcsFirmwareFile &file = catalogue->files[index];
+    const std::string_view name = listed_name(file);
+    if (refuses_name(name, __func__) || may_be_cut(file)) {
         return -1;
     }
     const int result = unlink(firmware_path(name).c_str());

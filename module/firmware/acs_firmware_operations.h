@@ -47,6 +47,10 @@ namespace tarn {
 bool is_firmware_file_name(std::string_view name);
 // The same, and neither a parameter file nor the version priority file.
 bool is_image_name(std::string_view name);
+// The name in a record of the catalogue. One that fills its field may be the beginning of a longer name, and
+// so another file's.
+std::string_view listed_name(const AcsFirmwareFile &file);
+bool may_be_cut(const AcsFirmwareFile &file);
 // Makes the next get_files_list read the directory.
 void expire_files_list();
 

@@ -24,6 +24,7 @@ constexpr std::string_view header = "Description  EquipmentID  FWVersion  FileNa
 constexpr const char *mode_words[] = {"disable", "immediate", "postpone", "global"};
 constexpr std::uint32_t global_mode = 3;
 constexpr std::uint32_t unknown_mode = 255;
+constexpr ssize_t longest_line = 4096;
 constexpr std::size_t max_entries = std::tuple_size_v<decltype(ProfilesDatabase::auto_update_entries)>;
 
 struct CloseFile {
@@ -53,8 +54,14 @@ AutoUpdateEntry *new_entry(const char *caller) {
 
 // Cuts the text to what the cleared field holds before its NUL.
 template <std::size_t Size>
-void copy_text(char (&to)[Size], const char *text) {
-    std::memcpy(to, text, std::min(std::strlen(text), Size - 1));
+void copy_text(char (&to)[Size], std::string_view text) {
+    std::memcpy(to, text.data(), std::min(text.size(), Size - 1));
+}
+
+// A field of a record that somebody else filled, which may lack its NUL.
+template <std::size_t Size>
+std::string_view field_text(const char (&field)[Size]) {
+    return {field, strnlen(field, Size)};
 }
 
 // The last character is taken for the line feed, whatever it is.
@@ -77,6 +84,10 @@ std::uint32_t load_entries(std::FILE *stream, ProfilesDatabase &db) {
     for (ssize_t length = getline(&line, &size, stream); length >= 1;
          length = getline(&line, &size, stream)) {
         if (length == 1 || std::string_view(line).starts_with(header)) {
+            continue;
+        }
+        if (length > longest_line) {
+            log_add(log_error, "%s : skipped a line of %zd bytes\n", "get_ont_auto_update_entries", length);
             continue;
         }
         if (n == max_entries) {
@@ -199,7 +210,11 @@ int add_ont_autoupdate_entry(const AutoUpdateEntry *entry) {
     if (added == nullptr) {
         return -1;
     }
-    *added = *entry;
+    copy_text(added->description, field_text(entry->description));
+    copy_text(added->equipment_id, field_text(entry->equipment_id));
+    copy_text(added->fw_version, field_text(entry->fw_version));
+    copy_text(added->file_name, field_text(entry->file_name));
+    added->mode = entry->mode;
     db->auto_update_entries[db->auto_update_count++] = added;
     return 0;
 }

@@ -89,6 +89,11 @@ TEST_F(AutoUpdateTest, LoadsTheFileAndLoadsItAgainAfterADelete) {
     reload();
     EXPECT_EQ(keys(), "ABC");
     EXPECT_EQ(board.log.back(), "3 get_ont_auto_update_entries : unable to parse string : A||c|d|global\n\n");
+    const std::string wide = "|b|c|d|" + std::string(4082, 'g') + "\n";  // behind a one-letter key 4091 bytes
+    write(path, "A" + wide + "fills up" + wide + "B|b|c|d|disable\nC|b|c|d|global\n");
+    reload();
+    EXPECT_EQ(keys(), "ABC");
+    EXPECT_EQ(board.log.back(), "3 get_ont_auto_update_entries : skipped a line of 4098 bytes\n");
     EXPECT_EQ(delete_ont_autoupdate_entry("B"), 0);
     EXPECT_EQ(keys(), "AC");
     EXPECT_EQ(delete_ont_autoupdate_entry("B"), -1);
@@ -115,6 +120,12 @@ TEST_F(AutoUpdateTest, WritesWhatIsReadBackEqual) {
         const AutoUpdateEntry entry = entry_of(description, mode);
         EXPECT_EQ(add_ont_autoupdate_entry(&entry), 0);
     }
+    AutoUpdateEntry unterminated;
+    std::memset(&unterminated, 'u', sizeof unterminated);
+    EXPECT_EQ(add_ont_autoupdate_entry(&unterminated), 0);
+    EXPECT_EQ(tarn::profiles_database()->auto_update_entries[5]->description, std::string(31, 'u'));
+    EXPECT_EQ(tarn::profiles_database()->auto_update_entries[5]->file_name, std::string(254, 'u'));
+    EXPECT_EQ(delete_ont_autoupdate_entry(std::string(31, 'u').c_str()), 0);
     EXPECT_EQ(generate_ont_autoupdate_file(), 0);
     const std::string written = header_block +
                                 "A|EQ|1.0|fw.bin|disable\nB|EQ|1.0|fw.bin|immediate\n"

@@ -194,7 +194,14 @@ TEST_F(FirmwareCatalogueTest, KeepsToItsDirectory) {
         EXPECT_EQ(create_specific_file(name), -1) << name;
         EXPECT_EQ(delete_specific_file(name), -1) << name;
     }
+    EXPECT_EQ(create_specific_file(nullptr), -1);
+    EXPECT_EQ(delete_specific_file(nullptr), -1);
+    for (const char *name : {"../outside", ""}) {
+        std::strcpy(cache().files[5].file_name, name);
+        EXPECT_EQ(set_specific_parameters(5), -1) << name;
+    }
     EXPECT_EQ(read(at("/mnt/fs/tools/outside.spec")), "kept");
+    EXPECT_EQ(read(image(".spec")), std::nullopt);
     write(image("b"), "");
     list();
     EXPECT_EQ(remove_firmware_file(-1), -1);
@@ -202,6 +209,12 @@ TEST_F(FirmwareCatalogueTest, KeepsToItsDirectory) {
     std::strcpy(cache().files[0].file_name, "../outside");
     EXPECT_EQ(remove_firmware_file(0), -1);
     EXPECT_EQ(read(at("/mnt/fs/tools/outside")), "kept");
+    // A name that fills its record may be cut and so be another file's.
+    const std::string longest(254, 'n');
+    write(image(longest), "");
+    std::strcpy(cache().files[0].file_name, longest.c_str());
+    EXPECT_EQ(remove_firmware_file(0), -1);
+    EXPECT_EQ(read(image(longest)), "");
     std::strcpy(cache().files[0].file_name, "b");
     EXPECT_EQ(remove_firmware_file(0), 0);
     EXPECT_EQ(read(image("b")), std::nullopt);
@@ -211,6 +224,7 @@ TEST_F(FirmwareCatalogueTest, KeepsToItsDirectory) {
 TEST_F(FirmwareCatalogueTest, CutsTextsWithinTheirBounds) {
     EXPECT_EQ(taken(get_acs_firmware_name("")), image(""));
     EXPECT_EQ(taken(get_acs_firmware_name("a")), image("a"));
+    EXPECT_EQ(taken(get_acs_firmware_name(nullptr)), image(""));
     EXPECT_EQ(taken(get_sub_str("abcdef", 2, 3)), "cde");
     EXPECT_EQ(taken(get_sub_str("abc", 2, 30)), "c");
     EXPECT_EQ(taken(get_sub_str("abc", 4, 1)), "");
@@ -222,6 +236,7 @@ TEST_F(FirmwareCatalogueTest, CutsTextsWithinTheirBounds) {
         EXPECT_EQ(get_filename_from_path(path), nullptr);
     }
     EXPECT_EQ(get_filename_from_path(nullptr), nullptr);
+    EXPECT_EQ(check_if_spec_file(nullptr), 0);
     EXPECT_EQ(check_if_spec_file(".spec"), 0);
     EXPECT_EQ(check_if_spec_file("a.spec"), 1);
     EXPECT_EQ(check_if_spec_file("a.speck"), 0);

@@ -294,8 +294,12 @@ TEST_F(FirmwareTablesTest, SchedulesUpdates) {
     EXPECT_EQ(set_all(handler, {{9, existing, integer_value(2)}, {10, existing, integer_value(6)}}), 0);
     EXPECT_EQ(board.payload_of(board.sent.size() - 1),
               (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 7, 0x2C, 1, 0, 0, 1, 0}));
+    // Each variable tries until one succeeds.
     board.refuse(223, 6);
-    EXPECT_EQ(set_all(handler, {{10, existing, integer_value(6)}}), SNMP_ERR_COMMITFAILED);
+    const int before = board.count(223);
+    EXPECT_EQ(set_all(handler, {{9, existing, integer_value(1)}, {10, existing, integer_value(6)}}),
+              SNMP_ERR_COMMITFAILED);
+    EXPECT_EQ(board.count(223), before + 2);
 }
 
 // ---- Automatic updates ----

@@ -115,16 +115,16 @@ bool remove_task(const RequestedTask &task) {
                                        task.removed.ont_id, task.use_serial ? 1 : 0) == 0;
 }
 
+// The first variable sends the task; after a failure the next one tries again.
 int commit(Row & /*row*/) {
     using Operation = RequestedTask::Operation;
-    const Operation operation = std::exchange(requested.operation, Operation::none);
-    bool done = true;
-    if (operation == Operation::add) {
-        done = add_task(requested);
-    } else if (operation == Operation::remove) {
-        done = remove_task(requested);
+    const bool failed = (requested.operation == Operation::add && !add_task(requested)) ||
+                        (requested.operation == Operation::remove && !remove_task(requested));
+    if (failed) {
+        return SNMP_ERR_COMMITFAILED;
     }
-    return done ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
+    requested.operation = Operation::none;
+    return SNMP_ERR_NOERROR;
 }
 
 // ---- The table ----

@@ -16,13 +16,11 @@ constexpr Field version = text_at(offsetof(AcsFirmwareFile, version), sizeof(Acs
 constexpr Field description =
     text_at(offsetof(AcsFirmwareFile, description), sizeof(AcsFirmwareFile::description));
 
-// A name that fills its field may be the beginning of a longer one, and so another file's.
 int remove_image(Row &row, const Binding &value) {
     int error = SNMP_ERR_NOERROR;
     if (*value.val.integer == 1) {
-        const std::string name(load_text(row.record, file_name));
-        const bool whole = name.size() < sizeof(AcsFirmwareFile::file_name) - 1;
-        if (!whole || hub_remove_cpe_firmware_file(name.c_str()) != 0) {
+        const auto &file = *reinterpret_cast<const AcsFirmwareFile *>(row.record);
+        if (may_be_cut(file) || hub_remove_cpe_firmware_file(std::string(listed_name(file)).c_str()) != 0) {
             error = SNMP_ERR_GENERR;
         }
     }
