@@ -55,7 +55,7 @@ template <int Entries, int Stride, bool (*ShownOnt)(const std::uint8_t *ont),
           bool (*ShownEntry)(const std::uint8_t *entry)>
 bool next_ont_entry(std::int64_t &cursor, Row &row) {
     SlotDatabase *db = slot_database(row.slot);
-    if (db == nullptr || slot_isconfigured(row.slot) == 0 || get_all_ont_config(row.slot) == nullptr) {
+    if (db == nullptr || get_all_ont_config(row.slot) == nullptr) {
         return false;
     }
     while (cursor < std::int64_t{ont_config::count} * Entries) {
@@ -93,15 +93,25 @@ inline int commit_ont(Row &row) {
     return commit_ont_config(row.slot) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
 
-// A table of `Entries` entries in each ONT with a serial, `Stride` bytes apart, all of them rows.
+// A walk of slots that are configured only.
+template <bool (*Next)(std::int64_t &cursor, Row &row)>
+bool next_in_configured_slot(std::int64_t &cursor, Row &row) {
+    return slot_isconfigured(row.slot) != 0 && Next(cursor, row);
+}
+
+// The ONTs in use that have a serial, each with all of its entries.
 template <int Entries, int Stride>
+inline constexpr auto next_entry_of_ont = next_ont_entry<Entries, Stride, has_serial, always>;
+
+// A table of entries in each ONT, `Stride` bytes apart.
+template <int Stride, bool (*Next)(std::int64_t &cursor, Row &row)>
 constexpr Table ont_entries_table(const char *name, Index index, std::span<const Column> columns) {
     return {
         .name = name,
         .index = index,
         .columns = columns,
         .find = find_ont_entry<Stride>,
-        .next = next_ont_entry<Entries, Stride, has_serial, always>,
+        .next = Next,
         .find_for_set = any_row,
         .stage = stage_ont,
         .edited = staged_entry<Stride>,

@@ -70,6 +70,7 @@ constexpr Table template_table(const char *name, std::span<const Column> columns
         .columns = columns,
         .find = find_template,
         .next = next_template<Entries>,
+        .row_before_column = true,
         .find_for_set = find_template_to_edit,
         .reserve_needs_row = false,
         .reserve2 = cleanup_templates_commit_needs,

@@ -157,6 +157,7 @@ constexpr Table table{
     .find = find_with_place,
     .successor = next_ont,
     .index_builder = "tarnONTConfigTable_get_next_entry",
+    .row_before_column = true,
     .find_for_set = any_row,
     .reserve2 = begin_set,
     .stage = stage,

@@ -1,4 +1,4 @@
-// The custom cross-connects of an ONT.
+// The custom cross-connects of an ONT, whether its slot is configured or not.
 #include "module/tables/tarnONT/ont_config_rows.h"
 
 using namespace tarn;
@@ -19,7 +19,8 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table =
-    ont_entries_table<crossconnects, crossconnect_size>("tarnONTCustomCrossConnectTable", row_index, columns);
+    ont_entries_table<crossconnect_size, next_entry_of_ont<crossconnects, crossconnect_size>>(
+        "tarnONTCustomCrossConnectTable", row_index, columns);
 
 }  // namespace
 

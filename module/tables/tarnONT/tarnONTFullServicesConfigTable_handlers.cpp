@@ -14,7 +14,9 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table =
-    ont_entries_table<services, service_profile_size>("tarnONTFullServicesConfigTable", row_index, columns);
+    ont_entries_table<service_profile_size,
+                      next_in_configured_slot<next_entry_of_ont<services, service_profile_size>>>(
+        "tarnONTFullServicesConfigTable", row_index, columns);
 
 }  // namespace
 

@@ -32,7 +32,7 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .find = find_port,
-    .next = next_ont_entry<uni_ports, uni_port_size, always, enabled>,
+    .next = next_in_configured_slot<next_ont_entry<uni_ports, uni_port_size, always, enabled>>,
     .row_before_column = true,
     .find_for_set = may_be_set,
     .stage = stage_ont,

@@ -181,6 +181,7 @@ TEST_F(OntConfigTablesTest, ReadsEveryColumnOfTheConfiguration) {
     for (const int gap : {5, 10, 34, 36, 42, 44}) {
         EXPECT_EQ(config(gap).error, SNMP_NOSUCHOBJECT) << gap;
     }
+    EXPECT_EQ(config(5, serial_c).error, SNMP_NOSUCHINSTANCE);
     EXPECT_EQ(config(9, serial_c).error, SNMP_NOSUCHINSTANCE);
     EXPECT_EQ(config(8).octets.size(), 256U);  // fills its field
 }
@@ -326,6 +327,8 @@ TEST_F(OntConfigTablesTest, UniPortsAreRowsWhileEnabled) {
     EXPECT_EQ(entry(tarnOntConfigUniPortTable_module_handler, 5, 1).error, SNMP_NOSUCHINSTANCE);
     board.configured[3] = false;
     EXPECT_TRUE(walk_iterator(tarnOntConfigUniPortTable_next_index, 3, {0, "", 0}).empty());
+    EXPECT_TRUE(walk_iterator(tarnONTFullServicesConfigTable_next_index, 3, {0, "", 0}).empty());
+    EXPECT_EQ(walk_iterator(tarnONTCustomCrossConnectTable_next_index, 3, {0, "", 0}).size(), 3 * 16U);
     EXPECT_EQ(board.count(302), 1);
 }
 

@@ -561,6 +561,19 @@ TEST_F(TemplateTablesTest, CreatesAndDeletesByTheFlagAlone) {
     board.sent.clear();
     EXPECT_EQ(set_iterator(values, 100, {7}, &row, integer_value(2)), 0);
     EXPECT_EQ(sent_record(), record);
+
+    // Columns may come before the row status, also when every read fetches.
+    board.everything_stale = true;
+    board.sent.clear();
+    const Value name = octets_value("new");
+    const Value create = integer_value(4);
+    EXPECT_EQ(set_together({[&](int mode) { return call(values, mode, 2, {11}, &name); },
+                            [&](int mode) { return call(values, mode, 100, {11}, &create); }}),
+              0);
+    EXPECT_EQ(board.count(302), 1);
+    EXPECT_EQ(board.count(301), 1);
+    const Bytes sent = board.payload_of(board.sent.size() - 1);
+    EXPECT_EQ(Bytes(sent.begin(), sent.begin() + 12), (Bytes{11, 0, 0, 0, 0, 0, 1, 0, 'n', 'e', 'w', 0}));
 }
 
 TEST_F(TemplateTablesTest, SendsEachEditedTemplateOnceInOrder) {
@@ -602,7 +615,9 @@ TEST_F(TemplateTablesTest, ChecksValuesAndIndices) {
     EXPECT_EQ(
         call(tarnONTTemplateServicesOverridesTable_module_handler, MODE_SET_ACTION, 2, {7, 17}, &value).error,
         missing_in_action);
-    EXPECT_EQ(call(values, MODE_GET, 7, {8}).error, SNMP_NOSUCHINSTANCE);
+    for (const int column : {5, 7}) {
+        EXPECT_EQ(call(values, MODE_GET, column, {8}).error, SNMP_NOSUCHINSTANCE);
+    }
 }
 
 // ---- OLT profile lists ----
