@@ -211,22 +211,25 @@ int handle_iterator(const Table &table, netsnmp_request_info *request, netsnmp_a
     return table.failure_is_result && error == SNMP_ERR_GENERR ? error : SNMP_ERR_NOERROR;
 }
 
-void append_index(const Table &table, table_entry *result, const oid *name, const Row &row, int column,
-                  const char *file, int line) {
-    const std::size_t length = table.prefix + 2 + index_length(table.index);
-    auto *built = static_cast<oid *>(balloc(file, line, length * sizeof(oid)));
+void append_index(const Table &table, table_entry *result, const oid *name, std::size_t length,
+                  const Row &row, int column, const char *file, int line) {
+    *result = {};
+    if (length < table.prefix) {
+        return;
+    }
+    const std::size_t built_length = table.prefix + 2 + index_length(table.index);
+    auto *built = static_cast<oid *>(balloc(file, line, built_length * sizeof(oid)));
     if (built == nullptr) {
         // The size in the card software's units: four bytes a sub-identifier.
         log_add(log_error, "%s : memory allocation error. Tried to allocate %d bytes\n", table.index_builder,
-                static_cast<int>(4 * length));
-        *result = {};
+                static_cast<int>(4 * built_length));
         return;
     }
     std::copy_n(name, table.prefix, built);
     built[table.prefix] = 1;
     built[table.prefix + 1] = static_cast<oid>(column);
     build_index(table.index, row, built + table.prefix + 2);
-    *result = {built, length, row.record};
+    *result = {built, built_length, row.record};
 }
 
 void get_next_entry(const Table &table, table_entry *result, int slot, const oid *name, std::size_t length,
@@ -240,7 +243,7 @@ void get_next_entry(const Table &table, table_entry *result, int slot, const oid
     const std::size_t index_start = std::min(length, table.prefix + 2);
     parse_partial_index(table.index, name + index_start, length - index_start, row);
     if (table.successor(row)) {
-        append_index(table, result, name, row, column, file, line);
+        append_index(table, result, name, length, row, column, file, line);
     }
 }
 
@@ -256,6 +259,9 @@ int handle_nextgen(const Table &table, int mode, netsnmp_request_info *request, 
             find_column(table, get_int_from_oid(name.name, name.length, static_cast<int>(table.prefix) + 1));
         target.index_valid =
             parse_exact_index(table.index, name.name + index_start, name.length - index_start, target.row);
+    }
+    if (mode == MODE_GET && table.asked != nullptr) {
+        table.asked(target.row.slot);
     }
     int error = SNMP_ERR_NOERROR;
     if (!serve(table, mode, target, request, error)) {

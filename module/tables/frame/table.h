@@ -27,6 +27,8 @@ struct Table {
     // Nextgen style: turns the row that parse_partial_index made of a request into the next one; false at the
     // end.
     bool (*successor)(Row &row) = nullptr;
+    // Nextgen style: told of every GET, whatever it asks for.
+    void (*asked)(int slot) = nullptr;
     // The name under which a lack of memory for a new identifier is logged.
     const char *index_builder = nullptr;
     // Sub-identifiers of the table's own OID.
@@ -93,20 +95,24 @@ void get_next_entry(const Table &table, table_entry *result, int slot, const oid
                     int column, const char *file, int line);
 int handle_nextgen(const Table &table, int mode, netsnmp_request_info *request, int slot);
 
-// Builds the identifier of a row below the table's OID, which is taken from the request's. On a lack of
-// memory result is empty.
-void append_index(const Table &table, table_entry *result, const oid *name, const Row &row, int column,
-                  const char *file, int line);
+// Builds the identifier of a row below the table's OID, which is taken from the request's. Result is empty
+// when the request's identifier ends before the table's, and on a lack of memory (logged).
+void append_index(const Table &table, table_entry *result, const oid *name, std::size_t length,
+                  const Row &row, int column, const char *file, int line);
 
 }  // namespace tarn
 
-#define MODULE_ITERATOR_TABLE(T, table)                                                                    \
+#define MODULE_ITERATOR_TABLE(T, table)                                                           \
+    TARN_EXPORT netsnmp_variable_list *T##_next_index(void **loop_context, void **data_context,   \
+                                                      netsnmp_variable_list *indexes, int slot) { \
+        static std::int64_t cursor = 0;                                                           \
+        return tarn::next_index(table, cursor, loop_context, data_context, indexes, slot);        \
+    }                                                                                             \
+    MODULE_ITERATOR_HANDLER(T, table)
+
+// Without the walk.
+#define MODULE_ITERATOR_HANDLER(T, table)                                                                  \
     TARN_EXPORT void init_##T##_handlers(void) {}                                                          \
-    TARN_EXPORT netsnmp_variable_list *T##_next_index(void **loop_context, void **data_context,            \
-                                                      netsnmp_variable_list *indexes, int slot) {          \
-        static std::int64_t cursor = 0;                                                                    \
-        return tarn::next_index(table, cursor, loop_context, data_context, indexes, slot);                 \
-    }                                                                                                      \
     TARN_EXPORT int T##_module_handler(netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo, \
                                        void *row, netsnmp_table_request_info *table_info) {                \
         return tarn::handle_iterator(table, request, reqinfo, row, table_info);                            \

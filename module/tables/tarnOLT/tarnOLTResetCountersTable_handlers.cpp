@@ -1,5 +1,6 @@
 // A trigger to reset the counters of a line card's OLT.
 #include "module/common/operations/board_actions.h"
+#include "module/common/slot_management_db.h"
 #include "module/tables/frame/table.h"
 
 using namespace tarn;
@@ -20,16 +21,10 @@ constexpr Column columns[] = {
     {2, unsigned32, reads_zero, any_unsigned32, on_any_value<reset_counters>},
 };
 
-bool next_slot_row(std::int64_t &cursor, Row &row) {
-    row.record = reinterpret_cast<std::uint8_t *>(&dummy);
-    return next_only_row(cursor, row);
-}
-
 constexpr Table table{
     .name = "tarnOLTResetCountersTable",
     .index = row_index,
     .columns = columns,
-    .next = next_slot_row,
     .missing_row = SNMP_NOSUCHOBJECT,
     .no_row_data = SNMP_NOSUCHOBJECT,
     .set_without_row_data = SNMP_NOSUCHOBJECT,
@@ -38,4 +33,20 @@ constexpr Table table{
 
 }  // namespace
 
-MODULE_ITERATOR_TABLE(tarnOLTResetCountersTable, table)
+// The walk: the one row of the slot.
+TARN_EXPORT netsnmp_variable_list *tarnOLTResetCountersTable_next_index(void **loop_context,
+                                                                        void **data_context,
+                                                                        netsnmp_variable_list *indexes,
+                                                                        int slot) {
+    if (*loop_context != nullptr) {
+        return nullptr;
+    }
+    Row row;
+    row.slot = slot_byte(slot);
+    fill_index_list(row_index, row, indexes);
+    *loop_context = &dummy;
+    *data_context = &dummy;
+    return indexes;
+}
+
+MODULE_ITERATOR_HANDLER(tarnOLTResetCountersTable, table)

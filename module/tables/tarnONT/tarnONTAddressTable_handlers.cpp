@@ -113,12 +113,12 @@ TARN_EXPORT int get_first_available_config_index_2_tarnONTAddressTable(int slot,
 }
 
 // Builds the identifier of a row: entry number from 0.
-TARN_EXPORT void append_index_tarnONTAddressTable(table_entry *result, const oid *name,
-                                                  std::size_t /*length*/, const std::uint8_t *serial,
-                                                  int slot, int column, int entry_number) {
+TARN_EXPORT void append_index_tarnONTAddressTable(table_entry *result, const oid *name, std::size_t length,
+                                                  const std::uint8_t *serial, int slot, int column,
+                                                  int entry_number) {
     Row row;
     row.slot = slot;
     row.serial = serial_at(serial);
     entry_of(row) = entry_number;
-    append_index(table, result, name, row, column, __FILE__, __LINE__);
+    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
 }

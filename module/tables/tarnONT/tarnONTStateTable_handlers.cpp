@@ -130,12 +130,12 @@ constexpr Table table{
 MODULE_NEXTGEN_TABLE(tarnONTStateTable, table)
 
 // Builds the identifier of a row.
-TARN_EXPORT void append_index_state(table_entry *result, const oid *name, std::size_t /*length*/,
+TARN_EXPORT void append_index_state(table_entry *result, const oid *name, std::size_t length,
                                     const std::uint8_t *serial, int slot, int column) {
     Row row;
     row.slot = slot;
     row.serial = serial_at(serial);
-    append_index(table, result, name, row, column, __FILE__, __LINE__);
+    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
 }
 
 TARN_EXPORT void get_serial_from_oid_state(const oid *name, std::size_t length, std::uint8_t *serial) {

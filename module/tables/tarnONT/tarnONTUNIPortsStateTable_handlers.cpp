@@ -139,11 +139,11 @@ TARN_EXPORT int get_first_available_state_index_oupt(int slot, const oid *name, 
 }
 
 // Builds the identifier of a row: port 0-3.
-TARN_EXPORT void append_index_oupt(table_entry *result, const oid *name, std::size_t /*length*/,
+TARN_EXPORT void append_index_oupt(table_entry *result, const oid *name, std::size_t length,
                                    const std::uint8_t *serial, int slot, int column, int port) {
     Row row;
     row.slot = slot;
     row.serial = serial_at(serial);
     port_of(row) = port;
-    append_index(table, result, name, row, column, __FILE__, __LINE__);
+    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
 }

@@ -71,13 +71,13 @@ TARN_EXPORT int tarnPONChannelAddressTable_get_first_available_config_index_2(in
 
 // Builds the identifier of a row: channel 0-7, entry number from 1.
 TARN_EXPORT void tarnPONChannelAddressTable_append_index(table_entry *result, const oid *name,
-                                                         std::size_t /*length*/, int slot, int channel_number,
+                                                         std::size_t length, int slot, int channel_number,
                                                          int entry_number, int column) {
     Row row;
     row.slot = slot;
     row.number[channel] = channel_number;
     row.number[entry] = entry_number - 1;
-    append_index(table, result, name, row, column, __FILE__, __LINE__);
+    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
 }
 
 // The entry that an identifier names, or null.

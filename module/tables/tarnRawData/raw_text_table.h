@@ -53,6 +53,7 @@ struct RawTextTable {
                 .find = find_chunk,
                 .successor = next_chunk,
                 .index_builder = index_builder,
+                .row_before_column = true,
                 .reserve_needs_row = false};
     }
 };

@@ -37,11 +37,14 @@ bool before_entry(std::uint64_t key, const switch_mac_list_t &entry) {
     return key < mac_key(entry);
 }
 
-bool find_entry(Row &row) {
+void trace_lookup(int slot) {
     for (const int place : {37, 43}) {
         log_add(log_error, "file: %s; line: %d; slot: %u", "tarnSwitch/tarnSwitchMacListTable_handlers",
-                place, static_cast<unsigned>(row.slot));
+                place, static_cast<unsigned>(slot));
     }
+}
+
+bool find_entry(Row &row) {
     const MacEntries entries = mac_entries(row.slot);
     const std::uint64_t key = key_of(row);
     const auto found = std::lower_bound(entries.begin(), entries.end(), key, entry_before);
@@ -99,6 +102,7 @@ constexpr Table table{
     .columns = columns,
     .find = find_entry,
     .successor = next_entry,
+    .asked = trace_lookup,
     .index_builder = "tarnSwitchMacListTable_append_index",
     .missing_row = SNMP_NOSUCHOBJECT,
     .reserve_needs_row = false,
@@ -109,19 +113,19 @@ constexpr Table table{
 MODULE_NEXTGEN_TABLE(tarnSwitchMacListTable, table)
 
 // Builds the identifier of a row; `entry` is the row's record.
-TARN_EXPORT void tarnSwitchMacListTable_append_index(table_entry *result, const oid *name,
-                                                     std::size_t /*length*/, int slot,
-                                                     switch_mac_list_t *entry, int column) {
+TARN_EXPORT void tarnSwitchMacListTable_append_index(table_entry *result, const oid *name, std::size_t length,
+                                                     int slot, switch_mac_list_t *entry, int column) {
     Row row;
     row.slot = slot;
     enter(row, *entry);
-    append_index(table, result, name, row, column, __FILE__, __LINE__);
+    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
 }
 
 // The entry that an identifier names, or null.
 TARN_EXPORT std::uint8_t *get_switch_mac_list_entry_by_oid(int slot, const oid *name, std::size_t length) {
     Row row;
     row.slot = slot_byte(slot);
+    trace_lookup(row.slot);
     if (length <= 20 || !parse_exact_index(row_index, name + 13, length - 13, row) || !find_entry(row)) {
         return nullptr;
     }

@@ -172,6 +172,7 @@ constexpr Table table{
     .find = find_vlan,
     .successor = next_vlan,
     .index_builder = "append_vlan_index",
+    .row_before_column = true,
     .set_needs_row = false,
     .reserve1 = forget_pending,
     .stage = stage,
@@ -183,12 +184,12 @@ constexpr Table table{
 MODULE_NEXTGEN_TABLE(tarnSwitchVLANTable, table)
 
 // Builds the identifier of a row.
-TARN_EXPORT void append_vlan_index(table_entry *result, const oid *name, std::size_t /*length*/, int slot,
+TARN_EXPORT void append_vlan_index(table_entry *result, const oid *name, std::size_t length, int slot,
                                    int index, int column) {
     Row row;
     row.slot = slot;
     row.number[0] = index;
-    append_index(table, result, name, row, column, __FILE__, __LINE__);
+    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
 }
 
 // A list of the VLANs 1 to 3000 for trials; called by nothing.

@@ -95,7 +95,14 @@ TEST_F(OltTablesTest, OneRowASlot) {
             EXPECT_EQ(rows[0].index, (IndexValues{3}));
         }
     }
-    EXPECT_EQ(walk_iterator(tarnOLTResetCountersTable_next_index, 5, {0}).at(0).row, &dummy);
+    netsnmp_variable_list index{};
+    void *loop_context = nullptr;
+    void *row_data = nullptr;
+    EXPECT_EQ(tarnOLTResetCountersTable_next_index(&loop_context, &row_data, &index, 5), &index);
+    EXPECT_EQ(loop_context, &dummy);
+    EXPECT_EQ(row_data, &dummy);
+    EXPECT_EQ(*index.val.integer, 6);
+    EXPECT_EQ(tarnOLTResetCountersTable_next_index(&loop_context, &row_data, &index, 5), nullptr);
     EXPECT_TRUE(board.sent.empty());
 }
 

@@ -229,10 +229,18 @@ TEST_F(SwitchMacTest, EveryLookupIsTraced) {
     script_entries({entry(1, 5)});
     const Oid name = row_name(4, {1, 0, 0, 0, 0, 0, 5});
     EXPECT_EQ(get_switch_mac_list_entry_by_oid(slot, name.data(), name.size()), db->mac_table.bytes);
-    EXPECT_EQ(board.log, (std::vector<std::string>{
-                             "3 file: tarnSwitch/tarnSwitchMacListTable_handlers; line: 37; slot: 1",
-                             "3 file: tarnSwitch/tarnSwitchMacListTable_handlers; line: 43; slot: 1"}));
+    const std::vector<std::string> trace = {
+        "3 file: tarnSwitch/tarnSwitchMacListTable_handlers; line: 37; slot: 1",
+        "3 file: tarnSwitch/tarnSwitchMacListTable_handlers; line: 43; slot: 1"};
+    EXPECT_EQ(board.log, trace);
+    board.log.clear();
     EXPECT_EQ(get_switch_mac_list_entry_by_oid(slot, name.data(), 20), nullptr);
+    EXPECT_EQ(board.log, trace);
+    for (const Oid &asked : {name, row_name(4, {1, 0, 0, 0, 0, 0}), row_name(4, {1, 0, 0, 0, 0, 0, 256})}) {
+        board.log.clear();
+        call_nextgen(tarnSwitchMacListTable_table_handler_nextgen, MODE_GET, slot, asked);
+        EXPECT_EQ(board.log, trace);
+    }
 }
 
 TEST_F(SwitchMacTest, IsRenderedAsText) {
@@ -293,6 +301,7 @@ TEST_F(SwitchMacTest, TextsAreServedInChunks) {
             EXPECT_EQ(get(chunk).error, SNMP_NOSUCHINSTANCE) << chunk;
         }
         EXPECT_EQ(get(1, 4).error, SNMP_NOSUCHOBJECT);
+        EXPECT_EQ(get(3, 4).error, SNMP_NOSUCHINSTANCE);
         Oid short_name = chunk_name(3, 1);
         short_name.pop_back();
         EXPECT_EQ(call_nextgen(t.handler, MODE_GET, slot, short_name).error, SNMP_NOSUCHINSTANCE);

@@ -113,6 +113,10 @@ TEST_F(SwitchVlanTablesTest, LackOfMemoryForAnIdentifierIsLoggedInTheCardsUnits)
     EXPECT_EQ(entry.name, nullptr);
     EXPECT_EQ(board.log, std::vector<std::string>{
                              "3 append_vlan_index : memory allocation error. Tried to allocate 60 bytes\n"});
+    // An identifier that ends before the table's is not read.
+    board.balloc_fails = false;
+    append_vlan_index(&entry, vlan_table.data(), 10, slot, 7, 3);
+    EXPECT_EQ(entry.name, nullptr);
 }
 
 TEST_F(SwitchVlanTablesTest, EveryColumnComesFromItsField) {
@@ -132,6 +136,7 @@ TEST_F(SwitchVlanTablesTest, EveryColumnComesFromItsField) {
     for (const oid index : {oid{0}, oid{2}, oid{4095}, oid{65546}, oid{0x10000000A}}) {
         EXPECT_EQ(get(2, index).error, SNMP_NOSUCHINSTANCE) << index;
         EXPECT_EQ(get(6, index).error, SNMP_NOSUCHINSTANCE) << index;
+        EXPECT_EQ(get(7, index).error, SNMP_NOSUCHINSTANCE) << index;
     }
 }
 

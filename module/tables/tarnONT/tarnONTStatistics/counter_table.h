@@ -128,14 +128,14 @@ struct CounterTableParts {
                                                         const std::uint8_t *ont_list) {                   \
         return tarn::first_greater_ont(name, length, ont_list);                                           \
     }                                                                                                     \
-    TARN_EXPORT void append_index_##T(table_entry *result, const oid *name, std::size_t,                  \
+    TARN_EXPORT void append_index_##T(table_entry *result, const oid *name, std::size_t length,           \
                                       const std::uint8_t *serial, int slot, int column, int key,          \
                                       int position) {                                                     \
         tarn::Row row;                                                                                    \
         row.slot = slot;                                                                                  \
         row.serial = tarn::serial_at(serial);                                                             \
         row.number = {key, position};                                                                     \
-        tarn::append_index(T##_table, result, name, row, column, __FILE__, __LINE__);                     \
+        tarn::append_index(T##_table, result, name, length, row, column, __FILE__, __LINE__);             \
     }
 
 #endif
