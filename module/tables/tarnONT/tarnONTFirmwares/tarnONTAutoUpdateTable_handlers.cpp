@@ -15,8 +15,6 @@ using namespace tarn;
 namespace {
 
 constexpr IndexPart row_index[] = {text_part};
-constexpr int create_and_go = 4;
-constexpr int destroy = 6;
 constexpr int no_row_status = -1;
 constexpr std::uint32_t global_mode = 3;
 constexpr std::size_t longest_description = sizeof(AutoUpdateEntry::description) - 1;

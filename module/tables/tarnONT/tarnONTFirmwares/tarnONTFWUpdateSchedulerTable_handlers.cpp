@@ -13,8 +13,6 @@ using namespace tarn;
 namespace {
 
 constexpr IndexPart row_index[] = {slot_part, number_part(any_unsigned)};
-constexpr int create_and_go = 4;
-constexpr int destroy = 6;
 
 // ---- The task that a request describes ----
 

@@ -15,8 +15,6 @@ namespace {
 
 constexpr IndexPart row_index[] = {text_part};
 constexpr int row_status_column = 10;
-constexpr int create_and_go = 4;
-constexpr int destroy = 6;
 
 constexpr Field software_version =
     text_at(offsetof(AcsFirmwareSpecific, software_version), sizeof(AcsFirmwareSpecific::software_version));
