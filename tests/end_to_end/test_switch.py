@@ -125,7 +125,10 @@ def queues(system):
     return [section[57 + q] for q in range(7)], [section[1 + 8 * q:9 + 8 * q] for q in range(7)]
 
 
-def test_one_priority_ends_in_one_queue(system, tables):
+# Also where every read fetches: the edits of one request must meet in the section that is sent.
+@pytest.mark.parametrize("cache_period", (600, 0))
+def test_one_priority_ends_in_one_queue(start, tables, cache_period):
+    system = start(cache_period=cache_period)
     priorities = tables["tarnQOS8021pMappingTable"]
     code_points = tables["tarnQOSDSCPMappingTable"]
     assert value_of(system, priorities.instance(3, SLOT, 0)) == b"\x80"
