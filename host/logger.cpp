@@ -84,7 +84,8 @@ void write_line(int level, std::string line) {
 
 void flush_log() {
     const std::lock_guard lock(last_lines_mutex);
-    for (WrittenLine &line : last_lines) {
+    for (std::size_t i = 0; i < last_lines.size(); ++i) {
+        WrittenLine &line = last_lines[(oldest_line + i) % last_lines.size()];
         write_repeats(line);
         line.text.clear();
     }

@@ -36,8 +36,14 @@ class SetUpFiles : public testing::Test {
     std::string error;
 };
 
-TEST_F(SetUpFiles, TheMibDescribesTheTables) {
-    netsnmp_init_mib();
+// net-snmp has one tree of all MIBs that were read.
+class MibFiles : public SetUpFiles {
+  protected:
+    MibFiles() { netsnmp_init_mib(); }
+    ~MibFiles() override { shutdown_mib(); }
+};
+
+TEST_F(MibFiles, DescribeTheTables) {
     const auto tables = read_mib_tables({TARN_MIBS "/base", TARN_MIBS}, "TARN-MIB", error);
     const auto found = std::find_if(tables.begin(), tables.end(), [](const TableSchema &schema) {
         return schema.name == "tarnPONChannelStateTable";
@@ -72,12 +78,11 @@ constexpr const char *mib_serial =
     "aName OBJECT-TYPE SYNTAX OCTET STRING (SIZE (0..31)) MAX-ACCESS not-accessible STATUS current\n"
     "DESCRIPTION \"\" ::= { aEntry 3 }\n";
 
-TEST_F(SetUpFiles, IndexObjectsSayWhetherTheirLengthIsEncoded) {
+TEST_F(MibFiles, IndexObjectsSayWhetherTheirLengthIsEncoded) {
     write("TEST-MIB.txt", std::string(mib_head) + "INDEX { aSerial, aMac, aName } ::= { aTable 1 }\n" +
                               mib_serial +
                               "aValue OBJECT-TYPE SYNTAX Unsigned32 MAX-ACCESS read-only STATUS current\n"
                               "DESCRIPTION \"\" ::= { aEntry 4 }\nEND\n");
-    netsnmp_init_mib();
     const auto tables = read_mib_tables({TARN_MIBS "/base", directory}, "TEST-MIB", error);
     ASSERT_EQ(tables.size(), 1U) << error;
     EXPECT_FALSE(tables[0].per_slot());
@@ -91,9 +96,8 @@ TEST_F(SetUpFiles, IndexObjectsSayWhetherTheirLengthIsEncoded) {
     EXPECT_EQ(tables[0].columns.size(), 1U) << "what cannot be read is no column";
 }
 
-TEST_F(SetUpFiles, AMibThatIsNotWholeIsAnError) {
+TEST_F(MibFiles, AMibThatIsNotWholeIsAnError) {
     const CapturedLog log;
-    netsnmp_init_mib();
     EXPECT_THAT(read_mib_tables({TARN_MIBS "/base"}, "NO-SUCH-MIB", error), IsEmpty());
     EXPECT_EQ(error, "the MIB NO-SUCH-MIB is in none of the MIB directories");
     EXPECT_THAT(read_mib_tables({"/nonexistent"}, "TEST-MIB", error), IsEmpty());
@@ -125,6 +129,10 @@ class Configuration : public SetUpFiles {
         init_snmp("tarn-test");
         return configuration_problems();
     }
+    // net-snmp reads its files once, until it is shut down: behind the log, which it would free.
+    struct NetSnmp {
+        ~NetSnmp() { snmp_shutdown("tarn-test"); }
+    } net_snmp;
     Settings settings;
     std::string path;
     CapturedLog log{false};
