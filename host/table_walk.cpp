@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+
+#include "host/answer_size.h"
 
 namespace tarn::host {
 namespace {
@@ -202,13 +205,23 @@ void walk_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_reque
                               ? walk.find({binding->name, binding->name_length}, request->inclusive != 0)
                               : Cursor{.at_end = true});
     }
+    const bool bulk = reqinfo->mode == MODE_GETBULK;
+    std::optional<AnswerSize> size;
+    if (bulk) {
+        size.emplace(reqinfo->asp);
+    }
     for (bool more = true; more;) {
         more = false;
         std::size_t i = 0;
         for (auto *request = requests; request != nullptr; request = request->next, ++i) {
-            if (!cursors[i].at_end && wants_answer(request) && walk.answer(request, cursors[i])) {
-                more |= reqinfo->mode == MODE_GETBULK && request->repeat > 0;
+            if (cursors[i].at_end || !wants_answer(request) || !walk.answer(request, cursors[i])) {
+                continue;
             }
+            if (bulk && !size->add(request)) {
+                end_answer(requests, request);
+                return;
+            }
+            more |= bulk && request->repeat > 0;
         }
         if (more) {
             netsnmp_bulk_to_next_fix_requests(requests);

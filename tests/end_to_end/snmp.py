@@ -10,6 +10,9 @@ from pathlib import Path
 ROOT = "1.3.6.1.4.1.32473.1.22"
 PON_CHANNELS = f"{ROOT}.1"
 READ, WRITE = "public", "private"
+# A user in a community's place: SNMPv3. The agent's lines for it are below.
+USER = ("-v3", "-l", "authPriv", "-u", "walker", "-a", "SHA-256", "-A", "authentication", "-x", "AES", "-X", "encryption")
+USER_LINES = ["createUser walker SHA-256 authentication AES encryption", "rouser walker authpriv"]
 EXCEPTIONS = ("No Such Object", "No Such Instance", "No more variables")
 
 # The tools must not read the machine's own configuration, or load any MIB: values are taken as they come.
@@ -65,7 +68,8 @@ class Client:
         self.timeout = str(timeout)
 
     def _command(self, tool, *arguments, community=READ):
-        return [tool, "-v2c", "-c", community, "-t", self.timeout, "-r0", "-Onex", *arguments]
+        access = community if isinstance(community, tuple) else ("-v2c", "-c", community)
+        return [tool, *access, "-t", self.timeout, "-r0", "-Onex", *arguments]
 
     def _run(self, tool, *arguments, community=READ):
         done = subprocess.run(self._command(tool, *arguments, community=community), env=ENVIRONMENT,

@@ -5,7 +5,7 @@ from collections import Counter
 
 import commands
 from mib import READABLE
-from snmp import PON_CHANNELS, ROOT, node_walk, oid_key
+from snmp import PON_CHANNELS, READ, ROOT, USER, USER_LINES, node_walk, oid_key
 from chassis import ADDRESSES, scenario
 
 CARDS, CHANNELS = 16, 8
@@ -95,6 +95,24 @@ def test_a_restricted_view_shows_its_columns_only(start):
         assert system.snmp.bulk_walk(repetitions, community="viewer") == visible
     hidden = system.snmp.get(f"{ROOT}.1.1.1.4.1.1", community="viewer")
     assert hidden[0][1].type == "exception"
+
+
+def test_an_answer_ends_with_what_its_message_takes(start, tables):
+    """Long texts: more than a datagram holds, whatever SNMP version asks for them."""
+    system = start(agent_lines=USER_LINES, scenario=scenario(onts_per_channel=4).replace(
+        "addresses: 40", "addresses: 40\n    mac_addresses: 2000"))
+    log, raw = tables["tarnONTConnectionLogTable"].instance(3), tables["tarnRawSwitchMacTable"].instance(3)
+    logs, texts = system.snmp.bulk_walk(20, log), system.snmp.bulk_walk(5, raw)
+    assert max(len(value.value) for _, value in texts) == 10240
+    for community in (READ, USER):
+        for column, rows in ((log, logs), (raw, texts)):
+            answer = system.snmp.get_bulk(len(rows), column, community=community)
+            assert answer == rows[:len(answer)]
+            assert 55_000 < sum(len(value.value) for _, value in answer) < 65_000
+            assert system.snmp.bulk_walk(len(rows), column, community=community) == rows
+        answer = system.snmp.get_bulk(100, log, raw, community=community)
+        assert answer == [row for pair in zip(logs, texts) for row in pair][:len(answer)]
+        assert len(answer) > 8
 
 
 def test_a_walk_asks_a_card_once_a_section(start):

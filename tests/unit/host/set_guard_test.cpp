@@ -30,7 +30,6 @@ class SetGuardTest : public testing::Test {
         pdu.add(name);
         std::string transport = peer;
         pdu.pdu().reqid = request_id;
-        pdu.pdu().variables = const_cast<netsnmp_variable_list *>(pdu.binding(0));
         pdu.pdu().transport_data = transport.data();
         pdu.pdu().transport_data_length = static_cast<int>(transport.size());
         for (const int mode : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION}) {

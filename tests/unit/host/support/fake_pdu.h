@@ -2,6 +2,8 @@
 #ifndef TARN_TEST_FAKE_PDU_H
 #define TARN_TEST_FAKE_PDU_H
 
+#include <gtest/gtest.h>
+
 #include <vector>
 
 #include "host/table.h"
@@ -14,6 +16,7 @@ class FakePdu {
     explicit FakePdu(long transaction) {
         pdu_.version = SNMP_VERSION_2c;
         pdu_.transid = transaction;
+        pdu_.msgMaxSize = 65000;
         pdu_.flags = UCD_MSG_FLAG_ALWAYS_IN_VIEW;
         session_.pdu = &pdu_;
         reqinfo_.asp = &session_;
@@ -24,9 +27,7 @@ class FakePdu {
         for (const auto &request : requests_) {
             netsnmp_free_all_list_data(request.parent_data);
         }
-        for (netsnmp_variable_list *binding : bindings_) {
-            snmp_free_varbind(binding);
-        }
+        snmp_free_varbind(pdu_.variables);
     }
     FakePdu(const FakePdu &) = delete;
     FakePdu &operator=(const FakePdu &) = delete;
@@ -38,10 +39,17 @@ class FakePdu {
         for (int i = 0; i < repeat; ++i) {
             (void)snmp_varlist_add_variable(&binding, nullptr, 0, ASN_NULL, nullptr, 0);
         }
+        netsnmp_variable_list **end = &pdu_.variables;
+        while (*end != nullptr) {
+            end = &(*end)->next_variable;
+        }
+        *end = binding;
         netsnmp_request_info request{};
         request.requestvb = binding;
         request.requestvb_start = binding;
+        pdu_.max_repetitions = repeat + 1;
         request.repeat = repeat;
+        request.orig_repeat = repeat;
         request.agent_req_info = &reqinfo_;
         request.range_end = range_end_.data();
         request.range_end_len = range_end_.size();
@@ -54,6 +62,11 @@ class FakePdu {
         session_.requests = requests_.data();
         session_.vbcount = request.index;
         return requests_.back();
+    }
+
+    // A variable of a SET.
+    void add_integer(const std::vector<oid> &name, long value) {
+        (void)snmp_set_var_typed_integer(add(name).requestvb, ASN_INTEGER, value);
     }
 
     void serve(Table &table, int mode) {
@@ -69,14 +82,34 @@ class FakePdu {
 
     [[nodiscard]] netsnmp_pdu &pdu() { return pdu_; }
 
-    // The first error-status of a request, 0 when there is none.
-    [[nodiscard]] int error() const {
+    // The error-index: the position from 1 of the first request that failed, 0 when none did.
+    [[nodiscard]] int failed() const {
         for (const auto &request : requests_) {
             if (request.status != 0) {
-                return request.status;
+                return request.index;
             }
         }
         return 0;
+    }
+    // The error-status, 0 when there is none.
+    [[nodiscard]] int error() const {
+        return failed() == 0 ? 0 : requests_[static_cast<std::size_t>(failed()) - 1].status;
+    }
+
+    // The variables of a GETBULK's answer that net-snmp would send: repetition by repetition, up to a stop.
+    [[nodiscard]] int sent() const {
+        int count = 0;
+        for (int repetition = 0; repetition <= requests_.front().orig_repeat; ++repetition) {
+            for (std::size_t request = 0; request < requests_.size(); ++request) {
+                const auto *answer = binding(request, repetition);
+                if (answer->type == ASN_PRIV_STOP) {
+                    return count;
+                }
+                EXPECT_EQ(answer->type, ASN_OCTET_STR) << request << " " << repetition;
+                ++count;
+            }
+        }
+        return count;
     }
 
     [[nodiscard]] const netsnmp_variable_list *binding(std::size_t request, int repetition = 0) const {
