@@ -10,6 +10,12 @@ namespace tarn::host {
 namespace {
 
 constexpr std::string_view slot_convention = "TarnSlot";
+constexpr std::string_view row_status_convention = "RowStatus";
+
+bool has_convention(const struct tree *node, std::string_view name) {
+    const char *convention = node->tc_index >= 0 ? get_tc_descriptor(node->tc_index) : nullptr;
+    return convention != nullptr && convention == name;
+}
 
 // The ASN type of a MIB syntax; 0 for one that no column can have.
 unsigned char asn_type(int mib_type) {
@@ -75,8 +81,7 @@ std::optional<IndexPart> read_index_part(const struct index_list *entry, int mod
         return std::nullopt;
     }
     IndexPart part{.type = asn_type(node->type)};
-    const char *convention = node->tc_index >= 0 ? get_tc_descriptor(node->tc_index) : nullptr;
-    part.is_slot = convention != nullptr && convention == slot_convention;
+    part.is_slot = has_convention(node, slot_convention);
     if (part.type == ASN_OCTET_STR) {
         set_lengths(part, node->ranges, entry->isimplied != 0);
     }
@@ -118,7 +123,8 @@ std::optional<TableSchema> read_table(const struct tree *table, int module_id, s
         }
         if (node->access == MIB_ACCESS_READONLY || node->access == MIB_ACCESS_READWRITE ||
             node->access == MIB_ACCESS_CREATE) {
-            schema.columns.push_back({node->subid, type, node->access != MIB_ACCESS_READONLY});
+            schema.columns.push_back({node->subid, type, node->access != MIB_ACCESS_READONLY,
+                                      has_convention(node, row_status_convention)});
         }
     }
     if (schema.index.empty() || schema.columns.empty()) {

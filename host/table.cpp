@@ -58,19 +58,31 @@ const Column *Table::column_of(std::span<const oid> name) const {
     return found != schema_.columns.end() && found->number == name[root_length + 1] ? &*found : nullptr;
 }
 
-bool Table::parse(std::span<const oid> name, Instance &instance) {
+NameForm Table::parse(std::span<const oid> name, Instance &instance) {
     const std::size_t root_length = schema_.root.size();
     if (name.size() <= schema_.prefix_length() || name[root_length] != 1) {
-        return false;
+        return NameForm::nothing;
     }
     instance.column = name[root_length + 1];
-    const std::span<const oid> suffix = name.subspan(schema_.prefix_length());
-    if (instance.column > std::numeric_limits<std::int32_t>::max() || !index_values_.decode(suffix)) {
-        return false;
+    if (instance.column > std::numeric_limits<std::int32_t>::max()) {
+        return NameForm::nothing;
     }
+    const std::span<const oid> suffix = name.subspan(schema_.prefix_length());
     instance.suffix.assign(suffix.begin(), suffix.end());
-    instance.slot = schema_.per_slot() ? static_cast<int>(suffix.front()) - 1 : profiles_slot;
-    return !schema_.per_slot() || slots_.is_up(instance.slot);
+    instance.slot = profiles_slot;
+    if (schema_.per_slot()) {
+        if (suffix.front() == 0 || suffix.front() > chassis_slot::line_cards) {
+            return NameForm::nothing;
+        }
+        instance.slot = static_cast<int>(suffix.front()) - 1;  // in names, slots count from 1
+        if (!slots_.is_up(instance.slot)) {
+            return NameForm::nothing;
+        }
+    }
+    if (suffix.size() < schema_.shortest_index()) {
+        return NameForm::part_of_a_row;
+    }
+    return index_values_.decode(suffix) ? NameForm::row : NameForm::nothing;
 }
 
 int Table::call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request,
@@ -106,7 +118,9 @@ void Table::get(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *reque
         return;
     }
     Instance instance;
-    if (!parse(name, instance)) {
+    const NameForm form = parse(name, instance);
+    // What a name means that is too short for a row is for an OID-exact table to say.
+    if (form == NameForm::nothing || (form == NameForm::part_of_a_row && is_iterator())) {
         (void)netsnmp_request_set_error(request, SNMP_NOSUCHINSTANCE);
         return;
     }

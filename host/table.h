@@ -23,6 +23,9 @@ struct Instance {
     void *row = nullptr;      // the module's data of the row; null when there is none
 };
 
+// What an OID names: a row, less than a row of a slot, or nothing that can be there.
+enum class NameForm { row, part_of_a_row, nothing };
+
 class Table {
   public:
     // The cache and the slots are kept by reference and must outlive the table.
@@ -41,8 +44,8 @@ class Table {
     // The sorted rows of a slot; `fresh`: enumerated in this transaction.
     std::shared_ptr<const RowIndex> rows(int slot, long transaction, bool fresh = false);
 
-    // Takes an OID below the table apart. False when it names no instance, or one of a slot that is not up.
-    bool parse(std::span<const oid> name, Instance &instance);
+    // Takes an OID below the table apart; a slot that is not up has no rows.
+    NameForm parse(std::span<const oid> name, Instance &instance);
     // The column of an OID below the table; null when the MIB has none there that can be read.
     [[nodiscard]] const Column *column_of(std::span<const oid> name) const;
 

@@ -14,6 +14,7 @@ struct Column {
     oid number;
     unsigned char type;  // net-snmp's ASN type
     bool writable;
+    bool row_status = false;  // creates and destroys its row
 };
 
 struct IndexPart {
@@ -23,6 +24,14 @@ struct IndexPart {
     std::uint32_t minimum_length = 0;
     std::uint32_t maximum_length = 0;
     bool length_prefixed = false;
+
+    // The fewest sub-identifiers that it takes.
+    [[nodiscard]] std::size_t shortest() const {
+        if (type == ASN_IPADDRESS) {
+            return 4;
+        }
+        return type == ASN_OCTET_STR ? minimum_length + (length_prefixed ? 1U : 0U) : 1U;
+    }
 };
 
 struct TableSchema {
@@ -35,6 +44,14 @@ struct TableSchema {
     [[nodiscard]] bool per_slot() const { return !index.empty() && index.front().is_slot; }
     // Sub-identifiers in front of a row's index: the table's OID, the entry and the column.
     [[nodiscard]] std::size_t prefix_length() const { return root.size() + 2; }
+    // The fewest sub-identifiers of a row's index.
+    [[nodiscard]] std::size_t shortest_index() const {
+        std::size_t length = 0;
+        for (const IndexPart &part : index) {
+            length += part.shortest();
+        }
+        return length;
+    }
 };
 
 }  // namespace tarn::host

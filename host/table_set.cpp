@@ -1,5 +1,8 @@
 #include "host/table_set.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace tarn::host {
 namespace {
 
@@ -23,7 +26,7 @@ SetTarget *target_of(netsnmp_request_info *request) {
 SetTarget *resolve(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request) {
     const netsnmp_variable_list *binding = request->requestvb;
     auto target = std::make_unique<SetTarget>();
-    if (!table.parse({binding->name, binding->name_length}, target->instance)) {
+    if (table.parse({binding->name, binding->name_length}, target->instance) != NameForm::row) {
         return nullptr;
     }
     if (table.is_iterator()) {
@@ -53,11 +56,40 @@ bool undoes(int mode) {
     return mode == MODE_SET_FREE || mode == MODE_SET_UNDO;
 }
 
+// Whether the variable creates its row when that is not there. A row that is destroyed goes when the manager
+// says.
+bool creates_row(const Table &table, const netsnmp_variable_list *binding) {
+    const Column *column = table.column_of({binding->name, binding->name_length});
+    return column != nullptr && column->row_status && binding->type == ASN_INTEGER &&
+           *binding->val.integer != RS_DESTROY;
+}
+
+// SNMP leaves the order of a SET's variables open; the module must learn of a new row before it is given the
+// row's other columns. Otherwise the manager's order stays.
+std::vector<netsnmp_request_info *> in_module_order(const Table &table, netsnmp_request_info *requests) {
+    const std::size_t prefix = table.schema().prefix_length();
+    const auto row_of = [prefix](const netsnmp_request_info *request) {
+        const std::span<const oid> name(request->requestvb->name, request->requestvb->name_length);
+        return name.subspan(std::min(prefix, name.size()));
+    };
+    std::vector<netsnmp_request_info *> ordered;
+    for (auto *request = requests; request != nullptr; request = request->next) {
+        auto place = ordered.end();
+        if (creates_row(table, request->requestvb)) {
+            place = std::find_if(ordered.begin(), ordered.end(), [&](const netsnmp_request_info *earlier) {
+                return std::ranges::equal(row_of(earlier), row_of(request));
+            });
+        }
+        ordered.insert(place, request);
+    }
+    return ordered;
+}
+
 }  // namespace
 
 void set_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
     const int mode = reqinfo->mode;
-    for (auto *request = requests; request != nullptr; request = request->next) {
+    for (netsnmp_request_info *request : in_module_order(table, requests)) {
         SetTarget *target = mode == MODE_SET_RESERVE1 ? resolve(table, reqinfo, request) : target_of(request);
         if (target == nullptr) {
             if (mode == MODE_SET_RESERVE1) {

@@ -81,6 +81,7 @@ def test_reads_of_what_is_not_there(shared):
         f"{STATE}.22.1.1": object_missing,
         f"{MODE}.3.1.0": instance_missing,
         f"{MODE}.4.1.1": object_missing,
+        f"{ADDRESS}.4.1.1": object_missing,
         f"{ADDRESS}.4.1.1.0": object_missing,
         f"{ADDRESS}.4.1.1.60000": object_missing,
         f"{ADDRESS}.17.1.1.1": object_missing,

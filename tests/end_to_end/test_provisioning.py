@@ -109,7 +109,7 @@ OVERRIDES = {4: 286, 6: 299, 7: 303, 9: 463, **{11 + k: 357 + 2 * k for k in ran
              **{23 + k: 421 + 2 * k for k in range(8)}, 31: 455, 32: 467, 37: 313, 38: 319, 39: 471}
 
 
-def new_ont_record():
+def new_ont_record(serial=SERIAL):
     record = bytearray(2122)
 
     def put(offset, value):
@@ -117,7 +117,7 @@ def new_ont_record():
 
     put(4, b"\1\0")
     put(262, b"\1\0")
-    put(264, SERIAL)
+    put(264, serial)
     put(272, b"1111111111")
     put(286, b"\1\0")
     put(288, struct.pack("<II", 0xFFFFFFFF, 60))
@@ -159,9 +159,9 @@ class Provisioning:
     def record(self, item, slot, **keys):
         return bytearray.fromhex(self.chassis.ask("state-get", slot=slot, item=item, **keys)["hex"])
 
-    def ont(self):
+    def ont(self, index=STORE_INDEX):
         """The stored record without its first word, which is the card's own."""
-        record = self.record("ont-config", SLOT, index=STORE_INDEX)
+        record = self.record("ont-config", SLOT, index=index)
         record[:4] = bytes(4)
         return record
 
@@ -233,6 +233,16 @@ def test_twelve_columns_reach_the_card_as_one_record(provisioning, ont):
     assert first.payload[:5] == bytes([CHANNEL, ONT_ID, 0, 0, 0])
     assert provisioning.ont() == edit(ont, twelve)
 
+    # The same of a new ONT, in one SET whose last variable creates it.
+    provisioning.set(*provisioning.bindings("tarnONTConfigTable", ont_index(), {20: ("i", 6)}))
+    provisioning.chassis.forget_requests()
+    place = {3: ("u", CHANNEL), 4: ("u", ONT_ID + 1), 20: ("i", 4)}
+    provisioning.set(*provisioning.bindings("tarnONTConfigTable", ont_index(OTHER_SERIAL), {**twelve, **place}))
+    first, second = provisioning.writes(SET_ONT_CONFIG)
+    assert first.payload == second.payload
+    created = provisioning.ont(STORE_INDEX + 1)
+    assert created == edit(new_ont_record(OTHER_SERIAL), twelve)
+
 
 def test_the_entries_of_an_ont(provisioning, ont):
     ports = "tarnOntConfigUniPortTable"
@@ -277,9 +287,10 @@ def test_a_profile_from_its_creation_to_its_end(provisioning, table, kind, size,
         provisioning.set(*create)
     provisioning.set_each(table, (20,), columns, expected, read)
     provisioning.check_values(table, (20,), {1: ("u", 20), status: ("i", 1)})
-    # All of them in one SET, in front of them the creation.
-    provisioning.set(*provisioning.bindings(table, (21,), {status: ("i", 4), **columns}))
-    assert provisioning.profile(kind, 21) == expected
+    # All of them in one SET, in front of them the creation, or behind them.
+    for index, bindings in ((21, {status: ("i", 4), **columns}), (22, {**columns, status: ("i", 4)})):
+        provisioning.set(*provisioning.bindings(table, (index,), bindings))
+        assert provisioning.profile(kind, index) == expected
     provisioning.set(*provisioning.bindings(table, (20,), {status: ("i", 6)}))
     assert read() == bytes(size)
     assert provisioning.snmp.get(provisioning.tables[table].instance(3, 20))[0][1].type == "exception"
@@ -309,6 +320,11 @@ def test_a_template_from_its_creation_to_its_end(provisioning):
     provisioning.set(*provisioning.bindings(values, (20,), {100: ("i", 6)}))
     expected[4] = 0
     assert provisioning.template(20) == expected
+    # One SET whose last variable creates the template.
+    provisioning.set(*provisioning.bindings(values, (21,), {**TEMPLATE, 100: ("i", 4)}))
+    created = edit(bytearray(473), TEMPLATE)
+    created[4] = 1
+    assert provisioning.template(21) == created
 
 
 def test_the_olt_profiles_are_listed(provisioning):

@@ -79,14 +79,23 @@ TEST_F(TableTest, GetAnswersItselfWhatTheModuleMustNotSee) {
         EXPECT_EQ(get(*table, instance(4, {4, 2})), no_such_object) << "a column that the MIB does not have";
         EXPECT_EQ(get(*table, table_root), no_such_object);
         EXPECT_EQ(get(*table, instance(3, {})), no_such_instance);
-        EXPECT_EQ(get(*table, instance(3, {4})), no_such_instance);
         EXPECT_EQ(get(*table, instance(3, {4, 2, 0})), no_such_instance);
         EXPECT_EQ(get(*table, instance(3, {4, 4294967296UL})), no_such_instance);
         EXPECT_EQ(get(*table, instance(3, {0, 2})), no_such_instance);
         EXPECT_EQ(get(*table, instance(3, {17, 2})), no_such_instance);
         EXPECT_EQ(get(*table, instance(3, {5, 2})), no_such_instance) << "a slot that is down";
     }
+    EXPECT_EQ(get(iterator, instance(3, {4})), no_such_instance) << "less than a row";
     EXPECT_THAT(fake.calls, IsEmpty());
+}
+
+TEST_F(TableTest, GetLetsTheNextgenHandlerSayWhatLessThanARowMeans) {
+    fake.handle = [](int, netsnmp_request_info *request) {
+        return netsnmp_request_set_error(request, SNMP_NOSUCHOBJECT);
+    };
+    EXPECT_EQ(get(nextgen, instance(3, {4})), no_such_object);
+    EXPECT_THAT(fake.calls, ElementsAre("get 3.4 no row"));
+    EXPECT_EQ(get(nextgen, instance(3, {5})), no_such_instance) << "of a slot that is down";
 }
 
 TEST_F(TableTest, GetTranslatesWhatHandlersAnswer) {
@@ -175,6 +184,34 @@ TEST_F(TableTest, GetBulkAnswersAllRepetitionsAndSeveralVariables) {
     EXPECT_EQ(std::count(fake.calls.begin(), fake.calls.end(), "get 5.4.8 row"), 1);
 }
 
+TEST_F(TableTest, GetBulkEndsWithWhatTheMessageTakes) {
+    fake.rows[3] = {};
+    for (int row = 1; row <= 30; ++row) {
+        fake.rows[3].push_back(row);
+    }
+    fake.handle = [](int, netsnmp_request_info *request) {
+        const std::string text(1000, 'x');
+        return snmp_set_var_typed_value(request->requestvb, ASN_OCTET_STR, text.data(), text.size());
+    };
+    // Room for 200 octets of the message's header; a variable takes 12 beside the 17 of its name and its
+    // value.
+    const auto answered = [this](std::size_t variables, long limit) {
+        FakePdu pdu(++transaction);
+        pdu.pdu().msgMaxSize = limit;
+        for (std::size_t i = 0; i < variables; ++i) {
+            pdu.add(instance(3, {4}), 9);
+        }
+        pdu.serve(iterator, MODE_GETBULK);
+        EXPECT_EQ(pdu.error(), limit < 1300 ? SNMP_ERR_TOOBIG : 0);
+        return pdu.sent();
+    };
+    EXPECT_EQ(answered(1, 65000), 10);
+    EXPECT_EQ(answered(1, 200 + 1029 * 4), 4);
+    EXPECT_EQ(answered(1, 199 + 1029 * 4), 3);
+    EXPECT_EQ(answered(3, 200 + 1029 * 4), 4) << "the repetitions of three variables are interleaved";
+    EXPECT_EQ(answered(1, 484), 0);
+}
+
 TEST_F(TableTest, ASetReachesTheModuleInAllPhasesWithItsRow) {
     FakePdu pdu(++transaction);
     pdu.add(instance(5, {4, 8}));
@@ -198,6 +235,27 @@ TEST_F(TableTest, ASetEnumeratesAnewEvenWhenRowsAreKnown) {
     pdu.add(instance(5, {4, 8}));
     pdu.serve(iterator, MODE_SET_RESERVE1);
     EXPECT_THAT(fake.calls, ElementsAre("enumerate 3", "reserve1 5.4.8 row"));
+}
+
+TEST_F(TableTest, ASetThatCreatesARowTellsTheModuleFirst) {
+    TableSchema schema = slot_table_schema();
+    schema.columns[1].row_status = true;
+    Table table(schema, nextgen_callbacks, cache, slots);
+    FakePdu pdu(++transaction);
+    pdu.add(instance(3, {4, 8}));
+    pdu.add(instance(3, {4, 9}));
+    pdu.add_integer(instance(5, {4, 9}), 4);
+    pdu.add_integer(instance(5, {4, 8}), 6);
+    pdu.serve(table, MODE_SET_RESERVE1);
+    fake.handle = [](int, netsnmp_request_info *request) {
+        return request->requestvb->name[12] == 5 ? SNMP_ERR_GENERR : 0;
+    };
+    pdu.serve(table, MODE_SET_ACTION);
+    EXPECT_THAT(fake.calls,
+                ElementsAre("reserve1 3.4.8 no row", "reserve1 5.4.9 no row", "reserve1 3.4.9 no row",
+                            "reserve1 5.4.8 no row", "action 3.4.8 no row", "action 5.4.9 no row"))
+        << "a row that is destroyed keeps its place";
+    EXPECT_EQ(pdu.failed(), 3) << "the manager's count";
 }
 
 TEST_F(TableTest, ASetOfAnImpossibleInstanceNeverReachesTheModule) {
