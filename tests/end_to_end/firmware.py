@@ -80,20 +80,23 @@ class Site:
 
     def start_trap_receiver(self):
         config = self.root / "snmptrapd.conf"
-        config.write_text("disableAuthorization yes\n")
+        config.write_text(f"disableAuthorization yes\n{snmp.USER_LINES[0]}\n")
         self.traps_file = self.root / "traps"
         self.children.append(subprocess.Popen(
             ["/usr/sbin/snmptrapd", "-f", "-n", "-C", "-c", str(config), "-M", MIBS, "-m", "TARN-MIB", "-Lf",
-             str(self.traps_file), "-F", "%v\n", "-Oqs", "-p", str(self.root / "pid"),
+             str(self.traps_file), "-F", "%P\t%v\n", "-Oqs", "-p", str(self.root / "pid"),
              f"udp:127.0.0.1:{self.trap_port}"],
             stdin=subprocess.DEVNULL, env=dict(os.environ, SNMP_PERSISTENT_DIR=str(self.root))))
         wait_until(lambda: self.traps_file.exists() and "NET-SNMP" in self.traps_file.read_text(), "snmptrapd")
 
-    def traps(self):
-        """The values of each notification: status and text."""
+    def notifications(self):
+        """The kind of each notification of a download's end, its status and text."""
         lines = [line for line in self.traps_file.read_text().splitlines() if "tarnONTFirmwareDownloadEnd" in line]
-        return [(line.split("DownloadStatus.0 ")[1].split("\t")[0], line.split("DownloadText.0 ")[1].strip())
-                for line in lines]
+        return [(line.split("\t")[0], line.split("DownloadStatus.0 ")[1].split("\t")[0],
+                 line.split("DownloadText.0 ")[1].strip()) for line in lines]
+
+    def traps(self):
+        return [notification[1:] for notification in self.notifications()]
 
     def wait_for_traps(self, count):
         wait_until(lambda: len(self.traps()) >= count, f"{count} notifications")

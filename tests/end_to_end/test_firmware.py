@@ -73,6 +73,18 @@ def test_a_download_ends_in_the_catalogue_and_in_a_notification(site, system):
     assert column(system.snmp, FILES, 4) == [b"ONT firmware"]
 
 
+def test_a_download_is_announced_by_traps_and_informs(site, start):
+    site.start_trap_receiver()
+    user = " ".join(snmp.USER).replace("-v3", "-v 3")
+    system = start(agent_lines=[*site.agent_lines(), "tarnControl agent-control",
+                                f"informsink 127.0.0.1:{site.trap_port} public",
+                                f"trapsess -Ci {user} 127.0.0.1:{site.trap_port}"])
+    assert download(system, "none.img")[0] == 0
+    site.wait_for_traps(3)
+    assert sorted(site.notifications()) == [(kind, "failure", '"none.img 127.0.0.1"') for kind in (
+        "INFORM, SNMP v2c, community public", "INFORM, SNMP v3, user walker, context ", "TRAP2, SNMP v2c, community public")]
+
+
 def test_every_failed_download_is_reported_and_leaves_nothing(site, system):
     name = f"{site.root.name}.img"
     site.start_trap_receiver()
