@@ -45,7 +45,8 @@ std::vector<std::string> split(const std::string &text, char separator) {
 // "1-4,7": slots as people count them, from 1.
 std::optional<SlotSet> parse_slots(const std::string &text) {
     SlotSet slots;
-    for (const std::string &part : split(text, ',')) {
+    std::istringstream parts(text + ',');
+    for (std::string part; std::getline(parts, part, ',');) {
         const std::size_t dash = part.find('-');
         const auto first = parse_number(part.substr(0, dash), 1, chassis_slot::line_cards);
         const auto last = dash == std::string::npos
@@ -58,7 +59,7 @@ std::optional<SlotSet> parse_slots(const std::string &text) {
             slots.set(static_cast<std::size_t>(slot) - 1);
         }
     }
-    return slots.any() ? std::optional(slots) : std::nullopt;
+    return slots;
 }
 
 std::string text_of(const char *line) {
@@ -144,6 +145,13 @@ void log_level_directive(const char *token, char *line) {
     }
 }
 
+void log_directive(const char *token, char *line) {
+    target->log = text_of(line);
+    if (target->log != "stderr" && target->log != "syslog" && !target->log.starts_with("file ")) {
+        complain(token, "stderr, syslog or file PATH", target->log);
+    }
+}
+
 // The module takes directory names of at most 62 bytes.
 template <std::string FirmwareDirectories::*member>
 void firmware_directive(const char *token, char *line) {
@@ -194,7 +202,7 @@ constexpr std::array directives = {
               "DIRECTORY of ONT images below it"},
     Directive{"tarnCommandPath", text_directive<&Settings::command_path>,
               "DIRECTORY[:DIRECTORY...] of the module's commands"},
-    Directive{"tarnLog", text_directive<&Settings::log>, "stderr | syslog | file PATH"},
+    Directive{"tarnLog", log_directive, "stderr | syslog | file PATH"},
     Directive{"tarnLogLevel", log_level_directive, "error | warning | information | debug"},
 };
 

@@ -173,26 +173,28 @@ TEST_F(Configuration, TakesAllDirectives) {
 TEST_F(Configuration, NamesFileAndLineOfEachMistake) {
     EXPECT_EQ(read("# a comment\n"
                    "tarnSlots 0-3\n"
-                   "tarnSlots 4-2\n"
-                   "tarnSlots 17\n"
+                   "tarnSlots 4-2,\n"
+                   "tarnSlots 1,,17\n"
                    "tarnChassis nowhere\n"
                    "tarnCachePeriod -1\n"
                    "tarnLockedONT 1 9 0\n"
                    "tarnLogLevel loud\n"
+                   "tarnLog printer\n"
                    "tarnSlot 1\n"),
-              8);
+              9);
     EXPECT_THAT(
         log.lines,
         ElementsAre(
             path + ": line 2: Error: tarnSlots: expected slots from 1 to 16 such as 1-8,12, not \"0-3\"\n",
-            path + ": line 3: Error: tarnSlots: expected slots from 1 to 16 such as 1-8,12, not \"4-2\"\n",
-            path + ": line 4: Error: tarnSlots: expected slots from 1 to 16 such as 1-8,12, not \"17\"\n",
+            path + ": line 3: Error: tarnSlots: expected slots from 1 to 16 such as 1-8,12, not \"4-2,\"\n",
+            path + ": line 4: Error: tarnSlots: expected slots from 1 to 16 such as 1-8,12, not \"1,,17\"\n",
             path + ": line 5: Error: tarnChassis: expected unix:PATH or tcp:ADDRESS:PORT, not \"nowhere\"\n",
             path + ": line 6: Error: tarnCachePeriod: expected a number from 0 to 86400, not \"-1\"\n",
             path + ": line 7: Error: tarnLockedONT: expected SLOT CHANNEL ID, not \"1 9 0\"\n",
             path + ": line 8: Error: tarnLogLevel: expected error, warning, information or debug, not "
                    "\"loud\"\n",
-            path + ": line 9: Warning: Unknown token: tarnSlot.\n"));
+            path + ": line 9: Error: tarnLog: expected stderr, syslog or file PATH, not \"printer\"\n",
+            path + ": line 10: Warning: Unknown token: tarnSlot.\n"));
 }
 
 TEST_F(Configuration, NeedsAChassisAModuleAndTheMib) {
