@@ -98,9 +98,10 @@ bool encode_index(std::span<const IndexPart> parts, const netsnmp_variable_list 
             return false;
         }
         if (is_octets(part)) {
-            if (values->val_len > MAX_OID_LEN ||
-                (!part.length_prefixed && part.minimum_length == part.maximum_length &&
-                 part.type == ASN_OCTET_STR && values->val_len != part.maximum_length)) {
+            const bool fits = part.type == ASN_IPADDRESS ? values->val_len == address_octets
+                                                         : values->val_len >= part.minimum_length &&
+                                                               values->val_len <= part.maximum_length;
+            if (!fits) {
                 return false;
             }
             if (part.length_prefixed) {

@@ -76,6 +76,12 @@ TEST(IndexCodec, RefusesWhatDoesNotFit) {
     EXPECT_TRUE(names.decode(std::vector<oid>{0}));
     EXPECT_FALSE(names.decode(std::vector<oid>{32, 1}));
     EXPECT_FALSE(names.decode(std::vector<oid>{4294967297UL, 1}));
+    const std::string text(32, 'x');
+    std::vector<std::uint32_t> suffix;
+    (void)snmp_set_var_typed_value(names.list(), ASN_OCTET_STR, text.data(), 32);
+    EXPECT_FALSE(encode_index(std::vector<IndexPart>{name_part}, names.list(), suffix));
+    (void)snmp_set_var_typed_value(names.list(), ASN_OCTET_STR, text.data(), 31);
+    EXPECT_TRUE(encode_index(std::vector<IndexPart>{name_part}, names.list(), suffix));
 }
 
 TEST(RowIndex, SortsAndKeepsTheFirstOfDuplicates) {
