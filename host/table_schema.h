@@ -2,6 +2,7 @@
 #ifndef TARN_HOST_TABLE_SCHEMA_H
 #define TARN_HOST_TABLE_SCHEMA_H
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -44,6 +45,11 @@ struct TableSchema {
     [[nodiscard]] bool per_slot() const { return !index.empty() && index.front().is_slot; }
     // Sub-identifiers in front of a row's index: the table's OID, the entry and the column.
     [[nodiscard]] std::size_t prefix_length() const { return root.size() + 2; }
+    // The column that creates and destroys rows; null where managers do neither.
+    [[nodiscard]] const Column *row_status() const {
+        const auto found = std::ranges::find(columns, true, &Column::row_status);
+        return found == columns.end() ? nullptr : &*found;
+    }
     // The fewest sub-identifiers of a row's index.
     [[nodiscard]] std::size_t shortest_index() const {
         std::size_t length = 0;

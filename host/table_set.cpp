@@ -1,7 +1,10 @@
 #include "host/table_set.h"
 
 #include <algorithm>
+#include <string>
 #include <vector>
+
+#include "host/logger.h"
 
 namespace tarn::host {
 namespace {
@@ -12,14 +15,15 @@ constexpr char list_name[] = "tarn_set";
 struct SetTarget {
     Instance instance;
     std::shared_ptr<const RowIndex> rows;
+    bool hidden = false;  // the row cannot be read, nor does the SET say what becomes of it
 };
 
 void delete_target(void *target) {
     delete static_cast<SetTarget *>(target);
 }
 
-SetTarget *target_of(netsnmp_request_info *request) {
-    return static_cast<SetTarget *>(netsnmp_request_get_list_data(request, list_name));
+SetTarget *target_of(const netsnmp_request_info *request) {
+    return static_cast<SetTarget *>(netsnmp_get_list_data(request->parent_data, list_name));
 }
 
 // Requests that are not resolved never reach the module, in no phase.
@@ -64,20 +68,20 @@ bool creates_row(const Table &table, const netsnmp_variable_list *binding) {
            *binding->val.integer != RS_DESTROY;
 }
 
+std::span<const oid> row_of(const Table &table, const netsnmp_request_info *request) {
+    const std::span<const oid> name(request->requestvb->name, request->requestvb->name_length);
+    return name.subspan(std::min(table.schema().prefix_length(), name.size()));
+}
+
 // SNMP leaves the order of a SET's variables open; the module must learn of a new row before it is given the
 // row's other columns. Otherwise the manager's order stays.
 std::vector<netsnmp_request_info *> in_module_order(const Table &table, netsnmp_request_info *requests) {
-    const std::size_t prefix = table.schema().prefix_length();
-    const auto row_of = [prefix](const netsnmp_request_info *request) {
-        const std::span<const oid> name(request->requestvb->name, request->requestvb->name_length);
-        return name.subspan(std::min(prefix, name.size()));
-    };
     std::vector<netsnmp_request_info *> ordered;
     for (auto *request = requests; request != nullptr; request = request->next) {
         auto place = ordered.end();
         if (creates_row(table, request->requestvb)) {
-            place = std::find_if(ordered.begin(), ordered.end(), [&](const netsnmp_request_info *earlier) {
-                return std::ranges::equal(row_of(earlier), row_of(request));
+            place = std::ranges::find_if(ordered, [&](const netsnmp_request_info *earlier) {
+                return std::ranges::equal(row_of(table, earlier), row_of(table, request));
             });
         }
         ordered.insert(place, request);
@@ -85,11 +89,63 @@ std::vector<netsnmp_request_info *> in_module_order(const Table &table, netsnmp_
     return ordered;
 }
 
+// Whether a row's RowStatus can be read.
+bool is_visible(Table &table, netsnmp_agent_request_info *reqinfo, const netsnmp_request_info *request,
+                Instance row) {
+    row.column = table.schema().row_status()->number;
+    std::vector<oid> name(request->requestvb->name,
+                          request->requestvb->name + request->requestvb->name_length);
+    name[table.schema().prefix_length() - 1] = row.column;
+    netsnmp_request_info probe = *request;
+    probe.requestvb = nullptr;
+    (void)snmp_varlist_add_variable(&probe.requestvb, name.data(), name.size(), ASN_NULL, nullptr, 0);
+    const bool visible = table.call(MODE_GET, reqinfo, &probe, row) == SNMP_ERR_NOERROR &&
+                         probe.requestvb->type == ASN_INTEGER;
+    snmp_free_varbind(probe.requestvb);
+    return visible;
+}
+
+// An OID-exact table may take a SET of a row that was destroyed, and change what no manager can read: notes
+// the rows that are not visible before the SET, and tells of one that is not afterwards.
+void note_hidden_rows(Table &table, netsnmp_agent_request_info *reqinfo,
+                      std::span<netsnmp_request_info *const> requests) {
+    for (netsnmp_request_info *request : requests) {
+        const bool told = std::ranges::any_of(requests, [&](const netsnmp_request_info *other) {
+            const Column *column = table.column_of({other->requestvb->name, other->requestvb->name_length});
+            return column != nullptr && column->row_status &&
+                   std::ranges::equal(row_of(table, other), row_of(table, request));
+        });
+        if (SetTarget *target = target_of(request); target != nullptr && !told) {
+            target->hidden = !is_visible(table, reqinfo, request, target->instance);
+        }
+    }
+}
+
+void tell_of_hidden_row(Table &table, netsnmp_agent_request_info *reqinfo,
+                        std::span<netsnmp_request_info *const> requests) {
+    const auto hidden = std::ranges::find_if(requests, [&](const netsnmp_request_info *request) {
+        const SetTarget *target = target_of(request);
+        return target != nullptr && target->hidden && request->status == SNMP_ERR_NOERROR &&
+               !is_visible(table, reqinfo, request, target->instance);
+    });
+    if (hidden == requests.end()) {
+        return;
+    }
+    std::string row;
+    for (const oid subid : row_of(table, *hidden)) {
+        row += "." + std::to_string(subid);
+    }
+    log_add(log_level::warning, "%s: a SET changed the row %s, which does not exist for managers\n",
+            table.schema().name.c_str(), row.c_str() + 1);
+}
+
 }  // namespace
 
 void set_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
     const int mode = reqinfo->mode;
-    for (netsnmp_request_info *request : in_module_order(table, requests)) {
+    const std::vector<netsnmp_request_info *> ordered = in_module_order(table, requests);
+    const bool creates_rows = !table.is_iterator() && table.schema().row_status() != nullptr;
+    for (netsnmp_request_info *request : ordered) {
         SetTarget *target = mode == MODE_SET_RESERVE1 ? resolve(table, reqinfo, request) : target_of(request);
         if (target == nullptr) {
             if (mode == MODE_SET_RESERVE1) {
@@ -107,6 +163,11 @@ void set_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_reques
         if (code != SNMP_ERR_NOERROR && !undoes(mode)) {
             (void)netsnmp_set_request_error(reqinfo, request, set_error(mode, code));
         }
+    }
+    if (creates_rows && mode == MODE_SET_RESERVE2) {
+        note_hidden_rows(table, reqinfo, ordered);
+    } else if (creates_rows && mode == MODE_SET_COMMIT) {
+        tell_of_hidden_row(table, reqinfo, ordered);
     }
 }
 

@@ -222,6 +222,10 @@ def test_an_ont_from_its_creation_to_its_end(provisioning, ont):
     assert provisioning.ont() == ont
     gone = [provisioning.tables[table].instance(9, *ont_index()), taken]
     assert [value.type for _, value in provisioning.snmp.get(*gone)] == ["exception"] * 2
+    # The record takes a SET all the same, unseen but for the log.
+    provisioning.set(*provisioning.bindings(table, ont_index(), {9: ("u", 1)}))
+    row = ".".join(map(str, ont_index()))
+    assert provisioning.system.agent.log_lines(f"{table}: a SET changed the row {row}, which does not exist")
 
 
 def test_twelve_columns_reach_the_card_as_one_record(provisioning, ont):

@@ -258,6 +258,38 @@ TEST_F(TableTest, ASetThatCreatesARowTellsTheModuleFirst) {
     EXPECT_EQ(pdu.failed(), 3) << "the manager's count";
 }
 
+TEST_F(TableTest, ASetThatChangesAHiddenRowIsLogged) {
+    TableSchema schema = slot_table_schema();
+    schema.columns[1].row_status = true;
+    Table table(schema, nextgen_callbacks, cache, slots);
+    // Carries out a SET of column 3, and of column 5 when it is not 0, of a row whose column 5 has no value.
+    const auto set = [&](int row_status, bool appears) {
+        bool committed = false;
+        fake.handle = [&](int mode, netsnmp_request_info *request) {
+            committed |= mode == MODE_SET_COMMIT;
+            return mode == MODE_GET && !(committed && appears)
+                       ? netsnmp_request_set_error(request, SNMP_NOSUCHINSTANCE)
+                       : snmp_set_var_typed_integer(request->requestvb, ASN_INTEGER, 1);
+        };
+        FakePdu pdu(++transaction);
+        pdu.add_integer(instance(3, {4, 8}), 1);
+        if (row_status != 0) {
+            pdu.add_integer(instance(5, {4, 8}), row_status);
+        }
+        for (const int mode : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT}) {
+            pdu.serve(table, mode);
+        }
+        EXPECT_EQ(pdu.error(), 0);
+    };
+    log.lines.clear();
+    set(6, false);
+    set(0, true);
+    EXPECT_THAT(log.lines, IsEmpty());
+    set(0, false);
+    EXPECT_THAT(log.lines,
+                ElementsAre("tarnTestTable: a SET changed the row 4.8, which does not exist for managers\n"));
+}
+
 TEST_F(TableTest, ASetOfAnImpossibleInstanceNeverReachesTheModule) {
     for (const std::vector<oid> &suffix :
          std::vector<std::vector<oid>>{{4}, {4, 2, 1}, {0, 2}, {17, 2}, {5, 2}, {4, 4294967296UL}, {}}) {
