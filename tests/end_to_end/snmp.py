@@ -11,7 +11,8 @@ ROOT = "1.3.6.1.4.1.32473.1.22"
 PON_CHANNELS = f"{ROOT}.1"
 READ, WRITE = "public", "private"
 # A user in a community's place: SNMPv3. The agent's lines for it are below.
-USER = ("-v3", "-l", "authPriv", "-u", "walker", "-a", "SHA-256", "-A", "authentication", "-x", "AES", "-X", "encryption")
+USER = ("-v3", "-l", "authPriv", "-u", "walker", "-a", "SHA-256", "-A", "authentication", "-x", "AES",
+        "-X", "encryption")
 USER_LINES = ["createUser walker SHA-256 authentication AES encryption", "rouser walker authpriv"]
 EXCEPTIONS = ("No Such Object", "No Such Instance", "No more variables")
 

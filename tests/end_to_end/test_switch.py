@@ -58,8 +58,8 @@ def test_the_life_of_a_vlan(system, tables):
     assert sent(system, SET_VLAN)[-1] == (776).to_bytes(2, "little") + record
     assert len(sent(system, SET_VLAN)) == 2
     # The same in one SET, whose last variable creates the VLAN.
-    system.snmp.set((column(3, 778), "s", "office"), (column(4, 778), "x", "80400800"), (column(5, 778), "x", "00001000"),
-                    (column(10, 778), "i", 1), (column(11, 778), "i", 2), (column(20, 778), "i", 1),
+    system.snmp.set((column(3, 778), "s", "office"), (column(4, 778), "x", "80400800"),
+                    (column(5, 778), "x", "00001000"), (column(10, 778), "i", 1), (column(11, 778), "i", 2), (column(20, 778), "i", 1),
                     (column(21, 778), "i", 1), (column(6, 778), "i", 4))
     assert sent(system, SET_VLAN)[2:] == [(777).to_bytes(2, "little") + record]
     system.snmp.set((column(6, 778), "i", 6))
