@@ -11,6 +11,11 @@
 #include "host/module_loader.h"
 #include "support/captured_log.h"
 
+// net-snmp forgets its table of textual conventions each time that it starts again in one process.
+extern "C" const char *__lsan_default_suppressions() {
+    return "leak:netsnmp_init_mib_internals\n";
+}
+
 namespace tarn::host::test {
 namespace {
 
