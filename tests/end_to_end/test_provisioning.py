@@ -1,9 +1,11 @@
 """What an operator provisions: ONTs, profiles and templates, compared byte by byte with what the chassis stores."""
 
 import struct
+from collections import Counter
 
 import pytest
 
+from chassis import scenario
 from snmp import SnmpError, Value, oid_key
 
 SLOT = 3
@@ -403,17 +405,35 @@ def test_an_image_that_is_wrong_is_logged_and_read_again(start, tables):
     assert system.snmp.get(names[0])[0][1].value == b"oversized"
 
 
-def test_every_record_of_a_full_card(start, tables):
-    """532 ONTs on one card, few on the others, walked completely from one image a card."""
-    system = start(scenario="time_factor: 0\ncards:\n"
-                            "  - {slots: [0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15], onts: 1, addresses: 0}\n"
-                            "  - {slots: 3, onts: 1024, addresses: 0}\n")
-    rows_of = {"tarnONTConfigTable": 1, "tarnONTConfigFreenessTable": 1, "tarnONTFullServicesConfigTable": 16,
-               "tarnONTCustomCrossConnectTable": 16, "tarnONTSelectiveTunnelTable": 672}
-    for name, each in rows_of.items():
+def test_every_record_of_a_full_chassis(start, tables):
+    """532 ONTs on each of sixteen cards, walked completely from one image a card."""
+    system = start(scenario=scenario(onts_per_channel=128, addresses=0))
+
+    def walked(name, *where):
+        """The indices of a walk of the last column, of the whole table or below an index."""
         table = tables[name]
-        keys = [oid_key(oid) for oid, _ in system.snmp.bulk_walk(100, table.instance(table.served()[-1].number))]
-        assert len(keys) == each * (532 + 15), name
+        column = table.instance(table.served()[-1].number)
+        keys = [oid_key(oid.removeprefix(column + "."))
+                for oid, _ in system.snmp.bulk_walk(100, ".".join(map(str, (column, *where))))]
         assert all(a < b for a, b in zip(keys, keys[1:])), name
-    images = [request.slot for request in system.chassis.requests() if request.command == GET_ALL_CONFIG]
-    assert sorted(images) == list(range(16))
+        return keys
+
+    ont_indices = walked("tarnONTConfigTable")
+    assert Counter(index[0] for index in ont_indices) == {slot: 532 for slot in range(1, 17)}
+    assert Counter(index[:2] for index in walked("tarnONTConfigFreenessTable")) == {
+        (slot, channel): 64 if channel < 8 else 20 for slot in range(1, 17) for channel in range(9)}
+    assert walked("tarnONTFullServicesConfigTable") == [
+        (*index, service) for index in ont_indices for service in range(1, 17)]
+    # Of every ONT the first port is in use, of some the second.
+    ports = walked("tarnOntConfigUniPortTable")
+    assert [index[:-1] for index in ports if index[-1] == 1] == ont_indices
+    records = [system.chassis.ask("state-get", slot=SLOT, item="ont-config", index=index)["hex"]
+               for index in range(532)]
+    enabled = [(SLOT + 1, 8, *bytes.fromhex(record[528:544]), port + 1) for record in records for port in range(4)
+               if record[2 * (2076 + 12 * port):][:4] != "0000"]
+    assert [index for index in ports if index[0] == SLOT + 1] == sorted(enabled)
+    of_a_card = [index for index in ont_indices if index[0] == SLOT + 1]
+    assert walked("tarnONTSelectiveTunnelTable", SLOT + 1) == [
+        (*index, service, place) for index in of_a_card for service in range(1, 17) for place in range(1, 43)]
+    assert Counter(request.slot for request in system.chassis.requests(command=GET_ALL_CONFIG)) == {
+        slot: 1 for slot in range(16)}
