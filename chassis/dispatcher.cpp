@@ -78,4 +78,14 @@ void append(Bytes &to, std::span<const std::uint8_t> bytes) {
     to.insert(to.end(), bytes.begin(), bytes.end());
 }
 
+void append_le16(Bytes &to, std::uint16_t value) {
+    to.resize(to.size() + sizeof value);
+    store_le16(&to[to.size() - sizeof value], value);
+}
+
+void append_le32(Bytes &to, std::uint32_t value) {
+    to.resize(to.size() + sizeof value);
+    store_le32(&to[to.size() - sizeof value], value);
+}
+
 }  // namespace tarn::chassis

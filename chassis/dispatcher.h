@@ -80,6 +80,8 @@ Refusal dispatch(Exchange &exchange);
 Bytes answer_header(std::span<const std::uint8_t> request, std::uint8_t status);
 
 void append(Bytes &to, std::span<const std::uint8_t> bytes);
+void append_le16(Bytes &to, std::uint16_t value);
+void append_le32(Bytes &to, std::uint32_t value);
 
 }  // namespace tarn::chassis
 

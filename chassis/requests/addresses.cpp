@@ -33,7 +33,7 @@ void get_sessions(Exchange &exchange, std::uint8_t selector) {
 
 // No multicast group is ever joined on a simulated card: a 16-bit count of 0.
 void get_igmp_stats(Exchange &exchange, std::uint8_t /*selector*/) {
-    exchange.answer.resize(exchange.answer.size() + 2);
+    append_le16(exchange.answer, 0);
 }
 
 constexpr RequestRule rules[] = {

@@ -32,8 +32,7 @@ void set_config(Exchange &exchange, Channel &channel) {
 
 void get_activation_auth(Exchange &exchange, Channel &channel) {
     exchange.answer.push_back(exchange.request[payload]);
-    exchange.answer.resize(exchange.answer.size() + 2);
-    store_le16(exchange.answer.data() + payload + 1, channel.activation_auth);
+    append_le16(exchange.answer, channel.activation_auth);
 }
 
 Refusal set_activation_auth(Exchange &exchange) {

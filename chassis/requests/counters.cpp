@@ -71,9 +71,7 @@ Refusal get(Exchange &exchange) {
     const std::vector<std::uint32_t> values = counter_values(exchange.card, *ont, selection, exchange.now);
     exchange.answer.push_back(static_cast<std::uint8_t>(values.size()));
     for (const std::uint32_t value : values) {
-        std::array<std::uint8_t, sizeof value> bytes{};
-        store_le32(bytes.data(), value);
-        append(exchange.answer, bytes);
+        append_le32(exchange.answer, value);
     }
     return {};
 }

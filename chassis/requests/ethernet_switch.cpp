@@ -22,24 +22,14 @@ std::uint16_t payload_u16(const Exchange &exchange, std::size_t offset = 0) {
     return load_le16(exchange.request.data() + payload + offset);
 }
 
-void append_u16(Bytes &to, std::uint16_t value) {
-    to.push_back(static_cast<std::uint8_t>(value));
-    to.push_back(static_cast<std::uint8_t>(value >> 8));
-}
-
-void append_u32(Bytes &to, std::uint32_t value) {
-    append_u16(to, static_cast<std::uint16_t>(value));
-    append_u16(to, static_cast<std::uint16_t>(value >> 16));
-}
-
 // ---- VLANs: the configuration numbers them from 0, the running switch goes by their identifiers ----
 
 template <const SwitchConfig &(*config)(Exchange &), std::uint16_t first_number>
 Refusal list_vlans(Exchange &exchange) {
     const SwitchConfig &shown = config(exchange);
-    append_u16(exchange.answer, static_cast<std::uint16_t>(shown.vlans.size()));
+    append_le16(exchange.answer, static_cast<std::uint16_t>(shown.vlans.size()));
     for (const auto &[number, vlan] : shown.vlans) {
-        append_u16(exchange.answer, static_cast<std::uint16_t>(number + first_number));
+        append_le16(exchange.answer, static_cast<std::uint16_t>(number + first_number));
     }
     exchange.answer.resize(payload + vlan_list::size);
     return {};
@@ -53,7 +43,7 @@ Refusal get_vlan(Exchange &exchange) {
     if (found == vlans.end()) {
         return {board_status::no_such_item, "no VLAN " + std::to_string(number)};
     }
-    append_u16(exchange.answer, number);
+    append_le16(exchange.answer, number);
     append(exchange.answer, found->second);
     return {};
 }
@@ -68,8 +58,8 @@ Refusal get_vlans_block(Exchange &exchange) {
         return {board_status::malformed, "VLAN number " + std::to_string(first) + " out of range"};
     }
     const int count = std::min<int>(payload_u16(exchange, 2), switch_vlans - first);
-    append_u16(exchange.answer, static_cast<std::uint16_t>(first));
-    append_u16(exchange.answer, static_cast<std::uint16_t>(count));
+    append_le16(exchange.answer, static_cast<std::uint16_t>(first));
+    append_le16(exchange.answer, static_cast<std::uint16_t>(count));
     const auto &vlans = working(exchange).vlans;
     for (int number = first; number < first + count; ++number) {
         const auto found = vlans.find(static_cast<std::uint16_t>(number));
@@ -109,7 +99,7 @@ Refusal set_section(Exchange &exchange) {
 
 Refusal get_rules(Exchange &exchange) {
     const auto &rules = working(exchange).acl_rules;
-    append_u32(exchange.answer, static_cast<std::uint32_t>(rules.size()));
+    append_le32(exchange.answer, static_cast<std::uint32_t>(rules.size()));
     for (const AclRule &rule : rules) {
         append(exchange.answer, rule);
     }
@@ -140,8 +130,8 @@ Refusal get_macs(Exchange &exchange) {
         return {board_status::malformed, "cursor " + std::to_string(start) + " out of range"};
     }
     const std::size_t end = std::min(macs.size(), start + switch_mac::max_entries_per_part);
-    append_u32(exchange.answer, static_cast<std::uint32_t>(end - start));
-    append_u32(exchange.answer, static_cast<std::uint32_t>(end));
+    append_le32(exchange.answer, static_cast<std::uint32_t>(end - start));
+    append_le32(exchange.answer, static_cast<std::uint32_t>(end));
     for (std::size_t i = start; i < end; ++i) {
         append(exchange.answer, macs[i]);
     }

@@ -100,9 +100,7 @@ Refusal delete_task(Exchange &exchange) {
 // The answer repeats the payload; then the count and the tasks.
 Refusal get_tasks(Exchange &exchange) {
     append(exchange.answer, exchange.request.subspan(payload));
-    std::array<std::uint8_t, 4> count{};
-    store_le32(count.data(), static_cast<std::uint32_t>(exchange.card.firmware.tasks.size()));
-    append(exchange.answer, count);
+    append_le32(exchange.answer, static_cast<std::uint32_t>(exchange.card.firmware.tasks.size()));
     for (const ScheduledUpdate &task : exchange.card.firmware.tasks) {
         append(exchange.answer, task_record(exchange.card, task, exchange.now));
     }

@@ -59,13 +59,9 @@ Refusal set_field(Exchange &exchange) {
     return {};
 }
 
-Refusal get_address_table_profiles(Exchange &exchange) {
-    append(exchange.answer, working(exchange).olt_profiles.address_tables);
-    return {};
-}
-
-Refusal get_vlan_profiles(Exchange &exchange) {
-    append(exchange.answer, working(exchange).olt_profiles.vlans);
+template <auto list>
+Refusal get_olt_profiles(Exchange &exchange) {
+    append(exchange.answer, working(exchange).olt_profiles.*list);
     return {};
 }
 
@@ -112,14 +108,14 @@ constexpr RequestRule rules[] = {
      destination::configuration,
      32,
      "get_olt_address_table_profiles",
-     get_address_table_profiles,
+     get_olt_profiles<&OltProfileLists::address_tables>,
      {},
      olt_profiles_only},
     {command::get_olt_vlan_profiles,
      destination::configuration,
      32,
      "get_olt_vlan_profiles",
-     get_vlan_profiles,
+     get_olt_profiles<&OltProfileLists::vlans>,
      {},
      olt_profiles_only},
     {command::set_ont_template,

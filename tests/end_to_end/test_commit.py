@@ -68,6 +68,16 @@ def test_every_command_of_a_slot_reaches_its_card(system, tables):
     assert state(system, slot=0)["commits"] == 0
 
 
+def test_a_commit_that_nobody_confirms_is_taken_back(system, tables):
+    edit(system, tables, "first")
+    assert tarnctl(system, "commit", SLOT)[0] == 0
+    assert names(system) == ["first", "first"]
+    # Its minute passes in no time.
+    assert tarnctl(system, "chassis", "clock", 1000)[0] == 0
+    wait_until(lambda: names(system) == ["default", "default"], "the commit to be taken back")
+    assert state(system)["roll_backs"] == 1
+
+
 def test_the_profiles_are_told_in_turn(system):
     for command, count in (("commit", "commits"), ("confirm", "confirmations"), ("rollback", "roll_backs"),
                            ("default", "defaults")):
