@@ -79,6 +79,8 @@ Refusal enable(Exchange &exchange) {
     ont->enabled = value == enable_value;
     if (ont->enabled && !was_enabled) {
         down_and_up(exchange, *ont);
+    } else if (!ont->enabled && was_enabled) {
+        end_connection(*ont, exchange.now, ont_code::disabled, exchange.card.start_time);
     }
     return {};
 }

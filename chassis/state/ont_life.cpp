@@ -23,8 +23,8 @@ void live(std::vector<Ont> &onts, Moment now, Moment duration, std::uint32_t sta
         Outages &outages = ont.outages;
         for (; outages.period != 0 && outages.next <= now; outages.next += outages.period) {
             if (ont.enabled && ont.has_signal) {
-                reregister(ont, outages.next, outages.length + duration, start_time);
                 ont.lost_until = outages.next + outages.length;
+                reregister(ont, outages.next, outages.length + duration, start_time);
             }
         }
     }

@@ -100,14 +100,6 @@ Outages make_outages(std::uint64_t seed, int slot, std::uint32_t position) {
     return {.period = period, .length = seconds(10, 120), .next = period / 2};
 }
 
-// Ends the connection that is up.
-void end_connection(Ont &ont, Moment now, std::uint16_t last_state, std::uint32_t start_time) {
-    if (!ont.connections.empty() && ont.connections.back().link_down == 0) {
-        ont.connections.back().link_down = start_time + static_cast<std::uint32_t>(now / 1000);
-        ont.connections.back().last_state = static_cast<std::uint8_t>(last_state);
-    }
-}
-
 }  // namespace
 
 std::uint16_t Ont::code_at(Moment now) const {
@@ -151,9 +143,25 @@ Ont *find_ont(std::vector<Ont> &onts, int channel, std::uint32_t id) {
     return found == onts.end() ? nullptr : &*found;
 }
 
+void end_connection(Ont &ont, Moment now, std::uint16_t last_state, std::uint32_t start_time) {
+    if (ont.connections.empty() || ont.connections.back().link_down != 0) {
+        return;
+    }
+    const std::uint32_t end = start_time + static_cast<std::uint32_t>(now / 1000);
+    if (ont.connections.back().link_up > end) {
+        ont.connections.pop_back();
+        return;
+    }
+    ont.connections.back().link_down = end;
+    ont.connections.back().last_state = static_cast<std::uint8_t>(last_state);
+}
+
 void reregister(Ont &ont, Moment now, Moment duration, std::uint32_t start_time) {
     end_connection(ont, now, ont.code_at(now), start_time);
     ont.registering_until = now + duration;
+    if (!ont.enabled || !ont.has_signal) {
+        return;
+    }
     ont.connections.push_back({start_time + static_cast<std::uint32_t>(ont.registering_until / 1000), 0,
                                static_cast<std::uint8_t>(ont.code)});
     if (ont.connections.size() > ont_connections::max_entries) {

@@ -83,7 +83,10 @@ std::vector<Ont> make_onts(std::uint64_t seed, int slot,
 Ont *find_ont(std::vector<Ont> &onts, std::span<const std::uint8_t, serial_size> serial);
 Ont *find_ont(std::vector<Ont> &onts, int channel, std::uint32_t id);
 
-// Takes the ONT down and lets it come back after `duration` ms; logs both in its connection log.
+// Ends, in the ONT's connection log, the connection that is up; one that has not begun will not.
+void end_connection(Ont &ont, Moment now, std::uint16_t last_state, std::uint32_t start_time);
+// Takes the ONT down and lets it come back after `duration` ms, unless it is disabled or has no signal; logs
+// both in its connection log.
 void reregister(Ont &ont, Moment now, Moment duration, std::uint32_t start_time);
 // Takes the ONT down until reregister and `has_signal`; logs it in its connection log.
 void lose_signal(Ont &ont, Moment now, std::uint32_t start_time);

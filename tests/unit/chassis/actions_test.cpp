@@ -121,7 +121,13 @@ TEST(Actions, ARebootIsLoggedAsAConnection) {
     EXPECT_EQ(ont.connections[0].link_down, 1767225600U + 60);
     EXPECT_EQ(ont.connections[1].link_up, 1767225600U + 65);
     EXPECT_EQ(ont.connections[1].link_down, 0U);
+    // One that is rebooted before it is back has not been there.
+    test.clock_ms = 63000;
+    test.status(0, 16, ont_1);
+    ASSERT_EQ(ont.connections.size(), 2U);
+    EXPECT_EQ(ont.connections[1].link_up, 1767225600U + 68);
     for (int i = 0; i < 20; ++i) {
+        test.clock_ms += 6000;
         test.status(0, 16, ont_1);
     }
     EXPECT_EQ(ont.connections.size(), 10U);

@@ -67,6 +67,16 @@ TEST(OntLife, TakenDownAndUpAgainAsTheLogTells) {
     EXPECT_EQ(log.entries[1].link_up, start + 25);
     EXPECT_EQ(log.entries[1].link_down, 0U);
     EXPECT_EQ(log.entries[1].last_state, 7);
+
+    // What is disabled is gone, and does not come back by itself.
+    test.clock_ms = 30000;
+    test.status(0, 275, "00" + std::string(ont_1, 16) + zeros(4) + "ff00");
+    test.status(0, 13, "00");
+    test.clock_ms = 60000;
+    log = connections(test);
+    ASSERT_EQ(log.count, 2);
+    EXPECT_EQ(log.entries[1].link_down, start + 30);
+    EXPECT_EQ(log.entries[1].last_state, 9);
 }
 
 TEST(OntLife, ABadFibreLosesItsSignalNowAndThen) {
@@ -83,6 +93,7 @@ TEST(OntLife, ABadFibreLosesItsSignalNowAndThen) {
     test.clock_ms = 75000;
     EXPECT_EQ(code(test), 7);
     EXPECT_EQ(connections(test).entries.at(0).link_down, start + 50);
+    EXPECT_EQ(connections(test).entries.at(0).last_state, 11);
     EXPECT_EQ(connections(test).entries.at(1).link_up, start + 75);
     test.clock_ms = 2000000;  // many outages later the log is full
     EXPECT_EQ(connections(test).count, 10);
