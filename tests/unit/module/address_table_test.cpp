@@ -27,12 +27,8 @@ Bytes answer_of(const std::vector<Bytes> &entries) {
     return payload;
 }
 
-class AddressTableTest : public ModuleTest {
+class AddressTableTest : public Started<ModuleTest, 0> {
   protected:
-    void SetUp() override {
-        ModuleTest::SetUp();
-        start({0});
-    }
     static const tarn::SlotDatabase &db() { return *tarn::slot_database(0); }
     static std::string sorted_marks() {
         std::string marks;
@@ -51,7 +47,6 @@ TEST_F(AddressTableTest, KeepsTheCardsOrderAndSortsBySerialStably) {
     EXPECT_EQ(entries[3 * 37], 'd');
     EXPECT_EQ(sorted_marks(), "dbac");
     ASSERT_EQ(board.sent.size(), 1U);
-    EXPECT_EQ(board.sent[0].bytes.size(), 47U);
     EXPECT_EQ(board.payload_of(0), (Bytes{255, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
     get_global_ont_address_table(0);
     EXPECT_EQ(board.sent.size(), 1U);
@@ -134,7 +129,6 @@ TEST_F(AddressTableTest, SessionsOfAnEmptyAnswerAreKept) {
     const std::uint8_t *sessions = get_pppoe_sessions(0);
     EXPECT_EQ(sessions[0], 'p');
     EXPECT_EQ(sessions[31], 'q');
-    EXPECT_EQ(board.sent[0].bytes.size(), 33U);
     EXPECT_EQ(board.payload_of(0), (Bytes{255}));
     board.answer(205, {0, 0});
     board.everything_stale = true;
@@ -150,7 +144,6 @@ TEST_F(AddressTableTest, StatisticsAreAskedForOncePerPeriod) {
     EXPECT_EQ(get_igmp_stats(0), nullptr);
     EXPECT_EQ(get_igmp_stats(0), nullptr);
     ASSERT_EQ(board.sent.size(), 1U);
-    EXPECT_EQ(board.sent[0].bytes.size(), 33U);
     EXPECT_EQ(board.payload_of(0), (Bytes{255}));
 }
 

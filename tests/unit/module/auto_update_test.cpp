@@ -12,14 +12,10 @@ namespace {
 
 const std::string header_block = "\nDescription  EquipmentID  FWVersion  FileName\n\n";
 
-class AutoUpdateTest : public FileTest {
+class AutoUpdateTest : public Started<FileTest> {
   protected:
     const std::string path = at("/mnt/ram/config/ont_auto_update_entries.txt");
 
-    void SetUp() override {
-        FileTest::SetUp();
-        start({});
-    }
     static std::uint32_t count() { return tarn::profiles_database()->auto_update_count; }
     static void reload() {
         tarn::profiles_database()->auto_update_stamp.clear();

@@ -37,13 +37,17 @@ TEST_F(CommonTest, OnlyAnExactOneIsTrue) {
     EXPECT_EQ(get_truth_value(65537), 1);  // only the low 16 bits count
 }
 
-TEST_F(CommonTest, SlotsOutsideTheChassisAreRefused) {
+TEST_F(CommonTest, SlotsOutsideTheChassisAreRefusedAndStoppedOnesAskNobody) {
     EXPECT_EQ(slot_initializer(17), -1);
     EXPECT_EQ(slot_initializer(-1), -1);
     EXPECT_EQ(get_slot_mandb(16), nullptr);
     EXPECT_EQ(get_slot_mandb(-1), nullptr);
     EXPECT_EQ(get_slot_mandb(0), nullptr);
     EXPECT_EQ(slot_deinitializer(5), 0);
+    EXPECT_EQ(get_olt_channel_state(4, 0), nullptr);
+    EXPECT_EQ(get_olt_channels_state_lite(4), nullptr);
+    EXPECT_EQ(get_olt_state(4), nullptr);
+    EXPECT_TRUE(board.sent.empty());
 }
 
 TEST_F(CommonTest, StartingTwiceKeepsTheDatabaseAndItsContents) {
@@ -80,13 +84,6 @@ TEST_F(CommonTest, TheBufferGoesWithTheFirstStopAndComesWithTheNextStart) {
     EXPECT_EQ(cleanup_lib(), 0);
     EXPECT_EQ(cleanup_lib(), 0);  // nothing started
     EXPECT_TRUE(board.log.empty());
-}
-
-TEST_F(CommonTest, AStoppedSlotAnswersNothingAndAsksNobody) {
-    EXPECT_EQ(get_olt_channel_state(4, 0), nullptr);
-    EXPECT_EQ(get_olt_channels_state_lite(4), nullptr);
-    EXPECT_EQ(get_olt_state(4), nullptr);
-    EXPECT_TRUE(board.sent.empty());
 }
 
 }  // namespace

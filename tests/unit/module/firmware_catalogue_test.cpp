@@ -11,13 +11,8 @@
 
 namespace {
 
-class FirmwareCatalogueTest : public FileTest {
+class FirmwareCatalogueTest : public Started<FileTest> {
   protected:
-    void SetUp() override {
-        FileTest::SetUp();
-        start({});
-    }
-
     static std::string image(const std::string &name) { return at("/mnt/fs/tools/cpe/" + name); }
     static AcsFirmwareCache &cache() { return *get_acs_firmware_cache(); }
     static void list() {

@@ -16,13 +16,12 @@ using Traps = std::vector<std::pair<int, std::string>>;
 constexpr const char *fetching = R"sh(echo image >"${2##*/}")sh";
 constexpr const char *real_mv = R"sh(exec /bin/mv "$@")sh";
 
-class FirmwareDownloadTest : public FileTest {
+class FirmwareDownloadTest : public Started<FileTest> {
   protected:
     const std::string name = "tarn-test-" + std::to_string(getpid()) + ".bin";
 
     void SetUp() override {
-        FileTest::SetUp();
-        start({});
+        Started::SetUp();
         stand_in("tftp", fetching);
         stand_in("chown", "");
     }

@@ -27,12 +27,8 @@ DECLARE_SCALAR(tarnONTAutoUpdateEnabled);
 
 namespace {
 
-class FirmwareScalarsTest : public FileTest {
+class FirmwareScalarsTest : public Started<FileTest, 2> {
   protected:
-    void SetUp() override {
-        FileTest::SetUp();
-        start({2});
-    }
     static Outcome get(Netsnmp_Node_Handler *handler) { return call_scalar(handler, MODE_GET); }
     static int phase(Netsnmp_Node_Handler *handler, int mode, const Value &value) {
         return call_scalar(handler, mode, &value).error;

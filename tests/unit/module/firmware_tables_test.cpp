@@ -35,27 +35,18 @@ struct Change {
 };
 
 int set_all(module_handler_function *handler, const std::vector<Change> &changes) {
-    int row = 0;
-    int first_error = 0;
-    for (const int mode : {MODE_SET_RESERVE1, MODE_SET_RESERVE2, MODE_SET_ACTION, MODE_SET_COMMIT}) {
-        for (const Change &change : changes) {
-            const Outcome out =
-                call_iterator(handler, mode, change.column, change.index, &row, &change.value);
-            first_error = first_error != 0 ? first_error : out.error;
-        }
-        if (first_error != 0) {
-            break;
-        }
+    static int row = 0;
+    std::vector<std::function<Outcome(int)>> variables;
+    for (const Change &change : changes) {
+        variables.push_back([handler, &change](int mode) {
+            return call_iterator(handler, mode, change.column, change.index, &row, &change.value);
+        });
     }
-    return first_error;
+    return set_together(variables);
 }
 
-class FirmwareTablesTest : public FileTest {
+class FirmwareTablesTest : public Started<FileTest, 2> {
   protected:
-    void SetUp() override {
-        FileTest::SetUp();
-        start({2});
-    }
     static std::string image(const std::string &name) { return at("/mnt/fs/tools/cpe/" + name); }
     static Outcome get(module_handler_function *handler, int column, const IndexValues &index) {
         int row = 0;
@@ -69,16 +60,10 @@ TEST_F(FirmwareTablesTest, ListsAndRemovesImages) {
     write(image("a.bin"), "");
     board.headers[image("a.bin")] = {0x01020003, 4, "first\nline"};
     const auto handler = tarnONTFirmwaresFilesTable_module_handler;
-    const auto rows = walk_iterator(tarnONTFirmwaresFilesTable_next_index, 16, {0});
-    ASSERT_EQ(rows.size(), 1U);
-    EXPECT_EQ(rows[0].index, (IndexValues{1}));
-    EXPECT_EQ(get(handler, 1, {1}).integer, 1);
-    EXPECT_EQ(get(handler, 1, {1}).type, ASN_INTEGER);
-    EXPECT_EQ(get(handler, 2, {1}).octets, "a.bin");
-    EXPECT_EQ(get(handler, 3, {1}).octets, "1.2.3.4");
-    EXPECT_EQ(get(handler, 4, {1}).octets, "first line");
-    EXPECT_EQ(get(handler, 10, {1}).integer, 0);
-    EXPECT_EQ(get(handler, 5, {1}).error, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(indices_of(tarnONTFirmwaresFilesTable_next_index, 16, {0}), (std::vector<IndexValues>{{1}}));
+    expect_readings([&](int column) { return get(handler, column, {1}); }, is_integer(1, 1),
+                    is_octets(2, "a.bin"), is_octets(3, "1.2.3.4"), is_octets(4, "first line"),
+                    is_number(10, 0), is_missing(5));
     for (const int row : {0, 2, 65}) {
         EXPECT_EQ(get(handler, 2, {row}).error, SNMP_NOSUCHINSTANCE);
     }
@@ -109,15 +94,14 @@ TEST_F(FirmwareTablesTest, ListsAndRemovesImages) {
 
 TEST_F(FirmwareTablesTest, EditsParameterFiles) {
     const auto handler = tarnONTFirmwaresSpecificsTable_module_handler;
-    const auto walk = [] { return walk_iterator(tarnONTFirmwaresSpecificsTable_next_index, 16, {""}); };
+    const auto walk = [] { return indices_of(tarnONTFirmwaresSpecificsTable_next_index, 16, {""}); };
     write(image("a.bin"), "");
     write(image("b.bin"), "");
     EXPECT_TRUE(walk().empty());
     EXPECT_EQ(set_all(handler, {{2, {"b.bin"}, octets_value("1")}}), no_such_row);
     EXPECT_EQ(set_all(handler, {{10, {"b.bin"}, integer_value(6)}}), no_such_row);
     EXPECT_EQ(set_all(handler, {{10, {"b.bin"}, integer_value(4)}}), 0);
-    ASSERT_EQ(walk().size(), 1U);
-    EXPECT_EQ(walk()[0].index, (IndexValues{"b.bin"}));
+    EXPECT_EQ(walk(), (std::vector<IndexValues>{{"b.bin"}}));
     EXPECT_EQ(set_all(handler, {{10, {"b.bin"}, integer_value(4)}}), 0);  // it exists: nothing
 
     EXPECT_EQ(set_all(handler, {{2, {"b.bin"}, octets_value("1.0=x")},
@@ -127,29 +111,22 @@ TEST_F(FirmwareTablesTest, EditsParameterFiles) {
     EXPECT_EQ(read(image("b.bin.spec")),
               "VENDOR=ACME\nEQUIPMENT_LIST=A,B\nSOFTWARE_VERSION=1.0=x\nMD5_SUM="
               "0123456789abcdef0123456789abcdef\n");
-    EXPECT_EQ(get(handler, 1, {"b.bin"}).octets, "b.bin");
-    EXPECT_EQ(get(handler, 2, {"b.bin"}).octets, "1.0=x");
-    EXPECT_EQ(get(handler, 3, {"b.bin"}).octets, "A,B");
-    EXPECT_EQ(get(handler, 4, {"b.bin"}).octets, "ACME");
-    EXPECT_EQ(get(handler, 10, {"b.bin"}).integer, 1);
-    EXPECT_EQ(get(handler, 5, {"b.bin"}).error, SNMP_NOSUCHOBJECT);
+    expect_readings([&](int column) { return get(handler, column, {"b.bin"}); }, is_octets(1, "b.bin"),
+                    is_octets(2, "1.0=x"), is_octets(3, "A,B"), is_octets(4, "ACME"), is_number(10, 1),
+                    is_missing(5));
     EXPECT_EQ(get(handler, 2, {"a.bin"}).error, SNMP_NOSUCHINSTANCE);
 
-    const Change refused[] = {
-        {1, {"b.bin"}, octets_value("x")},
-        {2, {"b.bin"}, octets_value(std::string(64, 'x'))},
-        {2, {"b.bin"}, octets_value("1\nMD5_SUM=0")},
-        {3, {"b.bin"}, octets_value(std::string(1024, 'x'))},
-        {3, {"b.bin"}, octets_value(std::string("a\0b", 3))},
-        {4, {"b.bin"}, octets_value("ABC")},
-        {4, {"b.bin"}, octets_value("AB\rC")},
-        {10, {"b.bin"}, unsigned_value(4)},
-    };
-    const int errors[] = {SNMP_ERR_NOTWRITABLE, SNMP_ERR_WRONGLENGTH, SNMP_ERR_WRONGVALUE,
-                          SNMP_ERR_WRONGLENGTH, SNMP_ERR_WRONGVALUE,  SNMP_ERR_WRONGLENGTH,
-                          SNMP_ERR_WRONGVALUE,  SNMP_ERR_WRONGTYPE};
-    for (std::size_t i = 0; i < std::size(refused); ++i) {
-        EXPECT_EQ(set_all(handler, {refused[i]}), errors[i]) << i;
+    const std::pair<Change, int> refused[] = {
+        {{1, {"b.bin"}, octets_value("x")}, SNMP_ERR_NOTWRITABLE},
+        {{2, {"b.bin"}, octets_value(std::string(64, 'x'))}, SNMP_ERR_WRONGLENGTH},
+        {{2, {"b.bin"}, octets_value("1\nMD5_SUM=0")}, SNMP_ERR_WRONGVALUE},
+        {{3, {"b.bin"}, octets_value(std::string(1024, 'x'))}, SNMP_ERR_WRONGLENGTH},
+        {{3, {"b.bin"}, octets_value(std::string("a\0b", 3))}, SNMP_ERR_WRONGVALUE},
+        {{4, {"b.bin"}, octets_value("ABC")}, SNMP_ERR_WRONGLENGTH},
+        {{4, {"b.bin"}, octets_value("AB\rC")}, SNMP_ERR_WRONGVALUE},
+        {{10, {"b.bin"}, unsigned_value(4)}, SNMP_ERR_WRONGTYPE}};
+    for (const auto &[change, error] : refused) {
+        EXPECT_EQ(set_all(handler, {change}), error) << change.column;
     }
     for (const std::string &name :
          {std::string("../b.bin"), std::string("b.bin.spec"), std::string("b.bin\0x", 7),
@@ -220,17 +197,10 @@ TEST_F(FirmwareTablesTest, ServesScheduledUpdates) {
     EXPECT_EQ(rows[0].index[0], 3);
     const IndexValues index = rows[0].index;
     EXPECT_EQ(static_cast<std::uint32_t>(index[1].number), 0x80000001U);
-    EXPECT_EQ(get(handler, 1, index).integer, 3);
-    EXPECT_EQ(get(handler, 2, index).integer, 0x80000001L);
-    EXPECT_EQ(get(handler, 3, index).octets, "ABCD\x01\x02\x03\x04");
-    EXPECT_EQ(get(handler, 4, index).integer, 0x0203);
-    EXPECT_EQ(get(handler, 5, index).octets, std::string(128, 'f'));
-    EXPECT_EQ(get(handler, 6, index).integer, 0xFFFE);
-    EXPECT_EQ(get(handler, 7, index).integer, 7);
-    EXPECT_EQ(get(handler, 8, index).integer, 300);
-    EXPECT_EQ(get(handler, 9, index).integer, 1);
-    EXPECT_EQ(get(handler, 10, index).integer, 1);
-    EXPECT_EQ(get(handler, 11, index).error, SNMP_NOSUCHOBJECT);
+    expect_readings([&](int column) { return get(handler, column, index); }, is_number(1, 3),
+                    is_number(2, 0x80000001L), is_octets(3, "ABCD\x01\x02\x03\x04"), is_number(4, 0x0203),
+                    is_octets(5, std::string(128, 'f')), is_number(6, 0xFFFE), is_number(7, 7),
+                    is_number(8, 300), is_number(9, 1), is_number(10, 1), is_missing(11));
     EXPECT_EQ(get(handler, 3, {3, 5}).error, SNMP_NOSUCHOBJECT);
     EXPECT_TRUE(walk_iterator(tarnONTFWUpdateSchedulerTable_next_index, 3, {0, 0}).empty());
 }
@@ -257,13 +227,13 @@ TEST_F(FirmwareTablesTest, SchedulesUpdates) {
     expected[13] = 1;
     expected[15] = 'f';
     expected[16] = 'w';
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1), expected);
+    EXPECT_EQ(board.last_payload(), expected);
     EXPECT_EQ(set_all(handler, {by_number, channel, ont, file, create}), 0);
     std::memset(expected.data(), 0, 8);
     expected[8] = 6;
     expected[9] = 2;
     expected[10] = 1;
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1), expected);
+    EXPECT_EQ(board.last_payload(), expected);
 
     const std::vector<Change> incomplete[] = {{create, file},
                                               {create, serial},
@@ -289,11 +259,9 @@ TEST_F(FirmwareTablesTest, SchedulesUpdates) {
     EXPECT_EQ(board.count(222), 2);
 
     EXPECT_EQ(set_all(handler, {{10, existing, integer_value(6)}}), 0);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1),
-              (Bytes{'A', 'B', 'C', 'D', 1, 2, 3, 4, 0, 0, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(board.last_payload(), (Bytes{'A', 'B', 'C', 'D', 1, 2, 3, 4, 0, 0, 0, 0, 0, 1, 0}));
     EXPECT_EQ(set_all(handler, {{9, existing, integer_value(2)}, {10, existing, integer_value(6)}}), 0);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1),
-              (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 7, 0x2C, 1, 0, 0, 1, 0}));
+    EXPECT_EQ(board.last_payload(), (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 7, 0x2C, 1, 0, 0, 1, 0}));
     // Each variable tries until one succeeds.
     board.refuse(223, 6);
     const int before = board.count(223);
@@ -309,16 +277,9 @@ TEST_F(FirmwareTablesTest, EditsTheRulesOfAutomaticUpdates) {
     const std::string head = "\nDescription  EquipmentID  FWVersion  FileName\n\n";
     const auto handler = tarnONTAutoUpdateTable_module_handler;
     write(path, head + "old|EQ|1|f|postpone\n");
-    const auto walk = [] { return walk_iterator(tarnONTAutoUpdateTable_next_index, 16, {""}); };
-    ASSERT_EQ(walk().size(), 1U);
-    EXPECT_EQ(walk()[0].index, (IndexValues{"old"}));
-    EXPECT_EQ(get(handler, 2, {"old"}).octets, "EQ");
-    EXPECT_EQ(get(handler, 3, {"old"}).octets, "1");
-    EXPECT_EQ(get(handler, 4, {"old"}).octets, "f");
-    EXPECT_EQ(get(handler, 5, {"old"}).integer, 2);
-    EXPECT_EQ(get(handler, 5, {"old"}).type, ASN_INTEGER);
-    EXPECT_EQ(get(handler, 10, {"old"}).integer, 1);
-    EXPECT_EQ(get(handler, 1, {"old"}).error, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(indices_of(tarnONTAutoUpdateTable_next_index, 16, {""}), (std::vector<IndexValues>{{"old"}}));
+    expect_readings([&](int column) { return get(handler, column, {"old"}); }, is_octets(2, "EQ"),
+                    is_octets(3, "1"), is_octets(4, "f"), is_integer(5, 2), is_number(10, 1), is_missing(1));
     EXPECT_EQ(get(handler, 2, {"no"}).error, SNMP_NOSUCHINSTANCE);
 
     EXPECT_EQ(set_all(handler, {{2, {"new"}, octets_value("E2")},
@@ -358,9 +319,9 @@ TEST_F(FirmwareTablesTest, EditsTheRulesOfAutomaticUpdates) {
     // The mode is global unless said; empty fields are taken, with a warning.
     EXPECT_EQ(set_all(handler, {{10, {"bare"}, integer_value(4)}}), 0);
     EXPECT_EQ(read(path), head + "new|E2|2|g|immediate\nbare||||global\n");
-    EXPECT_EQ(
-        board.log.back(),
-        "4 tarnONTAutoUpdateTable_module_handler : a rule with an empty field cannot be read back : bare\n");
+    EXPECT_EQ(board.log.back(),
+              "4 tarnONTAutoUpdateTable_module_handler : a rule with an empty field cannot be read back "
+              ": bare\n");
     std::filesystem::create_directory(path + ".new");
     EXPECT_EQ(set_all(handler, {{10, {"new"}, integer_value(6)}}), SNMP_ERR_COMMITFAILED);
     EXPECT_EQ(read(path), head + "new|E2|2|g|immediate\nbare||||global\n");

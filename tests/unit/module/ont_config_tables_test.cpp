@@ -43,47 +43,23 @@ Oid row_oid(oid column, const std::string &serial, std::initializer_list<oid> re
 }
 
 // Every column of the configuration table that lies in the record.
-const std::vector<ColumnCase> config_columns = {
-    text(6, 272, 11),
-    truth_if_nonzero(7, 284),
-    text(8, 6, 256),
-    unsigned_number(9, 1824, 2),
-    unsigned_number(11, 1756, 2),
-    unsigned_number(12, 1758, 2),
-    unsigned_number(13, 1760, 2),
-    unsigned_number(14, 1762, 2),
-    unsigned_number(15, 1764, 2),
-    unsigned_number(16, 1766, 2),
-    unsigned_number(17, 1768, 2),
-    unsigned_number(18, 1770, 2),
-    unsigned_number(19, 1754, 2),
-    truth(22, 286),
-    unsigned_number(23, 1788, 2),
-    unsigned_number(24, 1790, 2),
-    unsigned_number(25, 1792, 2),
-    unsigned_number(26, 1794, 2),
-    unsigned_number(27, 1796, 2),
-    unsigned_number(28, 1798, 2),
-    unsigned_number(29, 1800, 2),
-    unsigned_number(30, 1802, 2),
-    unsigned_number(31, 1820, 2),
-    number(32, 1828, 2),
-    truth(35, 262),
-    unsigned_number(37, 288, 4),
-    unsigned_number(38, 292, 4, 4294967295),
-    truth(39, 1830),
-    number(40, 1832, 2),
-    unsigned_number(41, 1834, 2),
-    unsigned_number(43, 1826, 2),
-};
+const std::vector<ColumnCase> config_columns = columns_of(
+    text(6, 272, 11), truth_if_nonzero(7, 284), text(8, 6, 256), unsigned_number(9, 1824, 2),
+    unsigned_number(11, 1756, 2), unsigned_number(12, 1758, 2), unsigned_number(13, 1760, 2),
+    unsigned_number(14, 1762, 2), unsigned_number(15, 1764, 2), unsigned_number(16, 1766, 2),
+    unsigned_number(17, 1768, 2), unsigned_number(18, 1770, 2), unsigned_number(19, 1754, 2), truth(22, 286),
+    unsigned_number(23, 1788, 2), unsigned_number(24, 1790, 2), unsigned_number(25, 1792, 2),
+    unsigned_number(26, 1794, 2), unsigned_number(27, 1796, 2), unsigned_number(28, 1798, 2),
+    unsigned_number(29, 1800, 2), unsigned_number(30, 1802, 2), unsigned_number(31, 1820, 2),
+    number(32, 1828, 2), truth(35, 262), unsigned_number(37, 288, 4), unsigned_number(38, 292, 4, 4294967295),
+    truth(39, 1830), number(40, 1832, 2), unsigned_number(41, 1834, 2), unsigned_number(43, 1826, 2));
 
-class OntConfigTablesTest : public ModuleTest {
+class OntConfigTablesTest : public Started<ModuleTest, 3> {
   protected:
     ConfigImage image;
 
     void SetUp() override {
-        ModuleTest::SetUp();
-        start({3});
+        Started::SetUp();
         board.answer(123, {});
     }
     void TearDown() override {
@@ -169,15 +145,9 @@ TEST_F(OntConfigTablesTest, ReadsEveryColumnOfTheConfiguration) {
     image.add_ont(8 * 64, serial_b);
     image.serve();
     expect_reads(config_columns, record, [](int column) { return config(column); });
-    EXPECT_EQ(config(1).integer, 4);
-    EXPECT_EQ(config(1).type, ASN_UNSIGNED);
-    EXPECT_EQ(config(2).octets, serial_a);
-    EXPECT_EQ(config(3).integer, 5);
-    EXPECT_EQ(config(4).integer, 7);
+    expect_readings([&](int column) { return config(column); }, is_unsigned(1, 4), is_octets(2, serial_a),
+                    is_number(3, 5), is_number(4, 7), is_number(20, 1), is_number(21, 2), is_number(33, 2));
     EXPECT_EQ(config(3, serial_b).integer, 8);  // one of the records behind the last channel
-    EXPECT_EQ(config(20).integer, 1);
-    EXPECT_EQ(config(21).integer, 2);
-    EXPECT_EQ(config(33).integer, 2);
     for (const int gap : {5, 10, 34, 36, 42, 44}) {
         EXPECT_EQ(config(gap).error, SNMP_NOSUCHOBJECT) << gap;
     }
@@ -290,7 +260,7 @@ TEST_F(OntConfigTablesTest, LeavesNothingStagedBehindAFailedSet) {
               SNMP_ERR_INCONSISTENTNAME);
     EXPECT_EQ(board.count(123), 0);
     EXPECT_EQ(set_config(40, integer_value(5), serial_b), 0);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1)[1], 7);
+    EXPECT_EQ(board.last_payload()[1], 7);
     board.silence(123);
     EXPECT_EQ(set_config(9, unsigned_value(1)), SNMP_ERR_COMMITFAILED);
     board.answer(123, {});
@@ -305,6 +275,8 @@ TEST_F(OntConfigTablesTest, DeletesInTheActionPhaseForGood) {
     EXPECT_EQ(set_together({variable(9, unsigned_value(1)), variable(20, integer_value(6))}), 0);
     expected[4] = 0;
     EXPECT_EQ(sent_record(), expected);  // not again with the staged column
+    EXPECT_EQ(board.payload_of(1)[0], 1);
+    EXPECT_EQ(board.payload_of(1)[1], 6);
     EXPECT_EQ(set_config(20, integer_value(6), serial_c), SNMP_ERR_GENERR);
     EXPECT_TRUE(board.logged("3 delete_ont_config : tried to delete nonexistent config : 00000080\n"));
 }
@@ -319,11 +291,8 @@ TEST_F(OntConfigTablesTest, UniPortsAreRowsWhileEnabled) {
     image.add_ont(73, "deleted!")[2072 + 4] = 1;
     image.ont(73)[4] = 0;
     image.serve();
-    const auto rows = walk_iterator(tarnOntConfigUniPortTable_next_index, 3, {0, "", 0});
-    ASSERT_EQ(rows.size(), 3U);
-    EXPECT_EQ(rows[0].index, (IndexValues{4, serial_b, 1}));
-    EXPECT_EQ(rows[1].index, (IndexValues{4, serial_b, 4}));
-    EXPECT_EQ(rows[2].index, (IndexValues{4, serial_a, 2}));
+    EXPECT_EQ(indices_of(tarnOntConfigUniPortTable_next_index, 3, {0, "", 0}),
+              (std::vector<IndexValues>{{4, serial_b, 1}, {4, serial_b, 4}, {4, serial_a, 2}}));
     EXPECT_EQ(entry(tarnOntConfigUniPortTable_module_handler, 5, 1).error, SNMP_NOSUCHINSTANCE);
     board.configured[3] = false;
     EXPECT_TRUE(walk_iterator(tarnOntConfigUniPortTable_next_index, 3, {0, "", 0}).empty());

@@ -23,12 +23,8 @@ namespace {
 const Oid ports = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 3, 2};
 const Oid addresses = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 3, 4};
 
-class OntPortTablesTest : public ModuleTest {
+class OntPortTablesTest : public Started<ModuleTest, 2> {
   protected:
-    void SetUp() override {
-        ModuleTest::SetUp();
-        start({2});
-    }
     static Outcome port(oid column, const std::string &ont, oid number) {
         return call_nextgen(tarnONTUNIPortsStateTable_table_handler_nextgen, MODE_GET, 2,
                             ont_oid(ports, column, 3, ont, {number}));
@@ -87,32 +83,17 @@ TEST_F(OntPortTablesTest, EveryPortColumnComesFromThePortsBlock) {
     record[2 + 48] = 0;  // port 4
     record[2 + 49] = 0;
     board.answer(298, record);
-    EXPECT_EQ(port(1, "AAAA0001", 3).integer, 3);
-    EXPECT_EQ(port(2, "AAAA0001", 3).octets, "AAAA0001");
-    EXPECT_EQ(port(3, "AAAA0001", 3).integer, 3);
-    EXPECT_EQ(port(3, "AAAA0001", 3).type, ASN_GAUGE);
+    const auto third = [](oid column) { return port(column, "AAAA0001", 3); };
+    expect_readings(third, is_number(1, 3), is_octets(2, "AAAA0001"), is_unsigned(3, 3));
     EXPECT_EQ(board.count(298), 0);
-    EXPECT_EQ(port(4, "AAAA0001", 3).integer, 1);
-    EXPECT_EQ(port(4, "AAAA0001", 4).integer, 2);
-    EXPECT_EQ(port(4, "AAAA0001", 4).type, ASN_INTEGER);
-    EXPECT_EQ(port(5, "AAAA0001", 3).integer, 1);
-    EXPECT_EQ(port(5, "AAAA0001", 4).integer, 2);
-    EXPECT_EQ(port(6, "AAAA0001", 3).integer, 0xA5A4);
-    EXPECT_EQ(port(6, "AAAA0001", 3).type, ASN_INTEGER);
-    EXPECT_EQ(port(7, "AAAA0001", 3).integer, 0xA7A6);
-    EXPECT_EQ(port(8, "AAAA0001", 3).integer, 1);
+    expect_readings(third, is_number(4, 1), is_number(5, 1), is_integer(6, 0xA5A4), is_number(7, 0xA7A6),
+                    is_number(8, 1), is_unsigned(9, 0xAA), is_number(10, 0xAB), is_number(11, 0xAC),
+                    is_number(12, 0xAD), is_number(13, 0xB1B0AFAE), is_missing(14));
+    expect_readings([](oid column) { return port(column, "AAAA0001", 4); }, is_integer(4, 2),
+                    is_number(5, 2));
     EXPECT_EQ(port(8, "AAAA0001", 1).integer, 2);
-    EXPECT_EQ(port(9, "AAAA0001", 3).integer, 0xAA);
-    EXPECT_EQ(port(9, "AAAA0001", 3).type, ASN_GAUGE);
-    EXPECT_EQ(port(10, "AAAA0001", 3).integer, 0xAB);
-    EXPECT_EQ(port(11, "AAAA0001", 3).integer, 0xAC);
-    EXPECT_EQ(port(12, "AAAA0001", 3).integer, 0xAD);
-    EXPECT_EQ(port(13, "AAAA0001", 3).integer, 0xB1B0AFAE);
-    EXPECT_EQ(port(14, "AAAA0001", 3).error, SNMP_NOSUCHOBJECT);
     EXPECT_EQ(board.count(298), 1);
-    EXPECT_EQ(board.sent.back().timeout_ms, 5000);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1),
-              (Bytes{'A', 'A', 'A', 'A', '0', '0', '0', '1', 0, 0, 0, 0, 0}));
+    EXPECT_EQ(board.last_payload(), (Bytes{'A', 'A', 'A', 'A', '0', '0', '0', '1', 0, 0, 0, 0, 0}));
 }
 
 TEST_F(OntPortTablesTest, MissingPortsAreNoInstanceAndNothingIsWritten) {
@@ -193,25 +174,12 @@ TEST_F(OntPortTablesTest, EveryAddressColumnComesFromTheEntry) {
     payload[3 + 37 + 14] = 1;
     payload[3 + 37 + 15] = 0;
     board.answer(80, payload);
-    EXPECT_EQ(address(1, "AAAA0001", 1).integer, 3);
-    EXPECT_EQ(address(2, "AAAA0001", 1).octets, "AAAA0001");
-    EXPECT_EQ(address(3, "AAAA0001", 1).integer, 1);
-    EXPECT_EQ(address(3, "AAAA0001", 1).type, ASN_GAUGE);
-    EXPECT_EQ(address(4, "AAAA0001", 1).integer, -28272);  // 0x9190
-    EXPECT_EQ(address(5, "AAAA0001", 1).integer, -27244);  // 0x9594
-    EXPECT_EQ(address(6, "AAAA0001", 1).integer, -26730);  // 0x9796
-    EXPECT_EQ(address(6, "AAAA0001", 1).type, ASN_INTEGER);
-    EXPECT_EQ(address(7, "AAAA0001", 1).octets, "\x98\x99\x9A\x9B\x9C\x9D");
-    EXPECT_EQ(address(8, "AAAA0001", 1).integer, 1);
-    EXPECT_EQ(address(9, "AAAA0001", 1).integer, 2);
-    EXPECT_EQ(address(10, "AAAA0001", 1).integer, 0xAEAD);
-    EXPECT_EQ(address(10, "AAAA0001", 1).type, ASN_GAUGE);
-    EXPECT_EQ(address(11, "AAAA0001", 1).integer, 0xB0AF);
-    EXPECT_EQ(address(11, "AAAA0001", 1).type, ASN_INTEGER);
-    EXPECT_EQ(address(12, "AAAA0001", 1).integer, 0xB2B1);
-    EXPECT_EQ(address(13, "AAAA0001", 1).integer, 0xB4B3);
-    EXPECT_EQ(address(14, "AAAA0001", 1).integer, -27758);  // 0x9392
-    EXPECT_EQ(address(15, "AAAA0001", 1).error, SNMP_NOSUCHOBJECT);
+    expect_readings([&](oid column) { return address(column, "AAAA0001", 1); }, is_number(1, 3),
+                    is_octets(2, "AAAA0001"), is_unsigned(3, 1), is_number(4, 0x9190 - 0x10000),
+                    is_number(5, 0x9594 - 0x10000), is_integer(6, 0x9796 - 0x10000),
+                    is_octets(7, "\x98\x99\x9A\x9B\x9C\x9D"), is_number(8, 1), is_number(9, 2),
+                    is_unsigned(10, 0xAEAD), is_integer(11, 0xB0AF), is_number(12, 0xB2B1),
+                    is_number(13, 0xB4B3), is_number(14, 0x9392 - 0x10000), is_missing(15));
     EXPECT_EQ(address(7, "AAAA0001", 2).error, SNMP_NOSUCHINSTANCE);  // another ONT's number
     EXPECT_EQ(address(7, "BBBB0001", 3).error, SNMP_NOSUCHINSTANCE);
     EXPECT_EQ(address(7, "BBBB0001", 0).error, SNMP_NOSUCHINSTANCE);

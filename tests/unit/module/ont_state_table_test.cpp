@@ -20,11 +20,10 @@ namespace {
 
 const Oid table = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 3, 1};
 
-class OntStateTableTest : public ModuleTest {
+class OntStateTableTest : public Started<ModuleTest, 2> {
   protected:
     void SetUp() override {
-        ModuleTest::SetUp();
-        start({2});
+        Started::SetUp();
         list = list_of({"CCCC0001", "AAAA0001", "BBBB0001"});
         board.answer(73, list);
     }
@@ -67,13 +66,6 @@ TEST_F(OntStateTableTest, HasNoRowsWithoutLinkListOrDatabase) {
     EXPECT_TRUE(next_of(tarnONTStateTable_get_next_entry, 4, table, 5).empty());
 }
 
-TEST_F(OntStateTableTest, LogsWhenThereIsNoMemoryForAnIdentifier) {
-    next(table);
-    board.balloc_fails = true;
-    EXPECT_TRUE(next(table).empty());
-    EXPECT_TRUE(board.logged("3 append_index_state : memory allocation error. Tried to allocate 92 bytes\n"));
-}
-
 TEST_F(OntStateTableTest, ListColumnsComeFromTheListRecord) {
     std::uint8_t *record = &list[5 + 106];
     record[8] = 0xF6;
@@ -84,19 +76,10 @@ TEST_F(OntStateTableTest, ListColumnsComeFromTheListRecord) {
     tarn::store_le16(record + 68, 0xFFFE);
     tarn::store_double(record, tarn::f64_at(70), -21.49);
     board.answer(73, list);
-    EXPECT_EQ(get(1).integer, 3);
-    EXPECT_EQ(get(1).type, ASN_GAUGE);
-    EXPECT_EQ(get(2).octets, "AAAA0001");
-    EXPECT_EQ(get(3).integer, 0xF6);
-    EXPECT_EQ(get(4).integer, 0xFFFFFF01);
-    EXPECT_EQ(get(4).type, ASN_GAUGE);
-    EXPECT_EQ(get(5).integer, 0xFFFE);
-    EXPECT_EQ(get(5).type, ASN_INTEGER);
-    EXPECT_EQ(get(11).integer, -214);
-    EXPECT_EQ(get(11).type, ASN_INTEGER);
-    EXPECT_EQ(get(12).octets, std::string(32, 'x'));
-    EXPECT_EQ(get(17).octets, std::string(18, 'y'));
-    EXPECT_EQ(get(18).octets, std::string(15, 'z'));
+    expect_readings([&](oid column) { return get(column); }, is_unsigned(1, 3), is_octets(2, "AAAA0001"),
+                    is_number(3, 0xF6), is_unsigned(4, 0xFFFFFF01), is_integer(5, 0xFFFE),
+                    is_integer(11, -214), is_octets(12, std::string(32, 'x')),
+                    is_octets(17, std::string(18, 'y')), is_octets(18, std::string(15, 'z')));
     for (const oid column : {20U, 21U, 22U, 23U}) {
         EXPECT_EQ(get(column).integer, 0) << column;
         EXPECT_EQ(get(column).type, ASN_GAUGE) << column;
@@ -126,14 +109,8 @@ TEST_F(OntStateTableTest, StateColumnsComeFromTheStateRecord) {
     tarn::store_le16(&record[86], 0xFFFB);
     tarn::store_double(record.data(), tarn::f64_at(128), 12.3456);
     board.answer(72, record);
-    EXPECT_EQ(get(6).integer, 0xFFFD);
-    EXPECT_EQ(get(6).type, ASN_GAUGE);
-    EXPECT_EQ(get(7).integer, 1);
-    EXPECT_EQ(get(7).type, ASN_INTEGER);
-    EXPECT_EQ(get(8).octets, std::string(16, 'v'));
-    EXPECT_EQ(get(9).integer, -5);
-    EXPECT_EQ(get(10).integer, 12345);
-    EXPECT_EQ(get(10).type, ASN_GAUGE);
+    expect_readings([&](oid column) { return get(column); }, is_unsigned(6, 0xFFFD), is_integer(7, 1),
+                    is_octets(8, std::string(16, 'v')), is_number(9, -5), is_unsigned(10, 12345));
     EXPECT_EQ(board.count(72), 1);
     EXPECT_EQ(board.count(73), 2);  // each of the two list queries has its own stamp
     EXPECT_EQ(board.payload_of(2), (Bytes{'A', 'A', 'A', 'A', '0', '0', '0', '1', 0, 0, 0, 0, 0}));
@@ -186,9 +163,7 @@ TEST_F(OntStateTableTest, OpticsColumnsConvertTheirReadings) {
     unread[4] = 255;
     answer_optics(unread);
     EXPECT_EQ(get(16).integer, 32767);
-    EXPECT_EQ(board.sent.back().timeout_ms, 3000);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1),
-              (Bytes{'A', 'A', 'A', 'A', '0', '0', '0', '1', 0, 0, 0, 0, 0}));
+    EXPECT_EQ(board.last_payload(), (Bytes{'A', 'A', 'A', 'A', '0', '0', '0', '1', 0, 0, 0, 0, 0}));
 }
 
 TEST_F(OntStateTableTest, AMissingOntIsNoInstance) {
@@ -218,7 +193,7 @@ TEST_F(OntStateTableTest, TriggersActOnExactlyOne) {
         EXPECT_EQ(set(column, unsigned_value(1)), 0);
         EXPECT_EQ(board.sent.back().command(), command);
         EXPECT_EQ(board.sent.back().destination(), 8);
-        EXPECT_EQ(board.payload_of(board.sent.size() - 1), expected);
+        EXPECT_EQ(board.last_payload(), expected);
     }
     for (const int command : {15, 16, 291}) {
         board.silence(command);
@@ -244,12 +219,7 @@ TEST_F(OntStateTableTest, FirmwareUpdateNamesTheOntByChannelAndNumber) {
     EXPECT_EQ(Bytes(sent.begin() + 32, sent.begin() + 37), (Bytes{5, 9, 0, 0, 0}));
 }
 
-TEST_F(OntStateTableTest, LogsAnUnknownMode) {
-    call_nextgen(tarnONTStateTable_table_handler_nextgen, 77, 2, ont_oid(table, 2, 3, "AAAA0001"));
-    EXPECT_TRUE(board.logged("3 tarnONTStateTable_table_handler_nextgen : Unknown mode : 77\n"));
-}
-
-TEST_F(OntStateTableTest, IdentifiersAreBuiltAndReadByPosition) {
+TEST_F(OntStateTableTest, IdentifiersAreBuiltAndReadByPositionAndFailuresLogged) {
     table_entry entry{};
     append_index_state(&entry, table.data(), table.size(), serial("BBBB0001"), 2, 5);
     ASSERT_EQ(entry.length, 23U);
@@ -262,6 +232,12 @@ TEST_F(OntStateTableTest, IdentifiersAreBuiltAndReadByPosition) {
     const Oid last = ont_oid(table, 5, 3, "CCCC0001");
     EXPECT_EQ(get_first_available_config_index_2_state(2, first.data(), first.size()), 1022);
     EXPECT_EQ(get_first_available_config_index_2_state(2, last.data(), last.size()), -1);
+    board.balloc_fails = true;
+    EXPECT_TRUE(next(table).empty());
+    call_nextgen(tarnONTStateTable_table_handler_nextgen, 77, 2, first);
+    EXPECT_EQ(board.log, (std::vector<std::string>{
+                             "3 append_index_state : memory allocation error. Tried to allocate 92 bytes\n",
+                             "3 tarnONTStateTable_table_handler_nextgen : Unknown mode : 77\n"}));
 }
 
 }  // namespace

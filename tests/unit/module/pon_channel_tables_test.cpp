@@ -25,12 +25,8 @@ Oid address_oid(oid column, std::initializer_list<oid> index) {
     return name;
 }
 
-class PonChannelTablesTest : public ModuleTest {
+class PonChannelTablesTest : public Started<ModuleTest, 2> {
   protected:
-    void SetUp() override {
-        ModuleTest::SetUp();
-        start({2});
-    }
     static Outcome state(int column, int channel = 4, int mode = MODE_GET, const Value *value = nullptr) {
         static int row = 0;
         return call_iterator(tarnPONChannelStateTable_module_handler, mode, column, {3, channel}, &row,
@@ -79,24 +75,12 @@ TEST_F(PonChannelTablesTest, EveryStateColumnComesFromItsField) {
     config[1] = 1;
     board.answer(85, config);
 
-    EXPECT_EQ(state(1).integer, 2);  // counted from 0, unlike the index
-    EXPECT_EQ(state(1).type, ASN_GAUGE);
-    EXPECT_EQ(state(2).integer, 3);
-    EXPECT_EQ(state(3).integer, 0xFFFE);
-    EXPECT_EQ(state(4).integer, 0xFFFFFFFD);
-    EXPECT_EQ(state(4).type, ASN_GAUGE);
-    EXPECT_EQ(state(5).integer, 1);
-    EXPECT_EQ(state(5).type, ASN_INTEGER);
-    EXPECT_EQ(state(6).octets, "first");
-    EXPECT_EQ(state(7).octets, "seventeen letters");
-    EXPECT_EQ(state(8).octets, "abcde");
-    EXPECT_EQ(state(9).integer, 63);
-    EXPECT_EQ(state(10).integer, -1);
-    EXPECT_EQ(state(10).type, ASN_INTEGER);
-    EXPECT_EQ(state(11).integer, 55);
-    EXPECT_EQ(state(12).integer, -2147483648L);
-    EXPECT_EQ(state(20).integer, 0);
-    EXPECT_EQ(state(21).integer, 0);
+    // Column 1 counts from 0, unlike the index.
+    expect_readings([&](int column) { return state(column); }, is_unsigned(1, 2), is_number(2, 3),
+                    is_number(3, 0xFFFE), is_unsigned(4, 0xFFFFFFFD), is_integer(5, 1), is_octets(6, "first"),
+                    is_octets(7, "seventeen letters"), is_octets(8, "abcde"), is_number(9, 63),
+                    is_integer(10, -1), is_number(11, 55), is_number(12, -2147483648L), is_number(20, 0),
+                    is_number(21, 0));
     for (const int column : {0, 13, 19, 22}) {
         EXPECT_EQ(state(column).error, SNMP_NOSUCHOBJECT) << column;
     }
@@ -122,35 +106,22 @@ TEST_F(PonChannelTablesTest, TriggersActOnAnyValue) {
     EXPECT_EQ(failed.result, SNMP_ERR_GENERR);
 }
 
-TEST_F(PonChannelTablesTest, OnlyAnExactOneEnablesTheChannel) {
-    Bytes config(98, 0xEE);
-    board.answer(85, config);
+TEST_F(PonChannelTablesTest, OnlyAnExactOneEnablesAChannelWhoseConfigurationWasRead) {
     board.answer(86, {});
+    EXPECT_EQ(set_state(5, integer_value(1)), SNMP_ERR_GENERR);  // the card has not shown it
+    EXPECT_EQ(board.count(86), 0);
+    board.answer(85, Bytes(98, 0xEE));
     for (const auto &[value, stored] : {std::pair{1, 1}, {2, 0}, {7, 0}}) {
         EXPECT_EQ(set_state(5, integer_value(value)), 0);
         Bytes expected(98, 0xEE);
         expected[0] = 3;
         expected[1] = static_cast<std::uint8_t>(stored);
         expected[2] = 0;  // the word's high byte too
-        EXPECT_EQ(board.payload_of(board.sent.size() - 1), expected);
+        EXPECT_EQ(board.last_payload(), expected);
+        board.silence(85);  // the write made it stale, but it is known
     }
     board.silence(86);
     EXPECT_EQ(set_state(5, integer_value(1)), SNMP_ERR_GENERR);
-}
-
-TEST_F(PonChannelTablesTest, AConfigurationThatTheCardNeverShowedIsNotWritten) {
-    board.answer(86, {});
-    EXPECT_EQ(set_state(5, integer_value(1)), SNMP_ERR_GENERR);
-    EXPECT_EQ(board.count(86), 0);
-}
-
-TEST_F(PonChannelTablesTest, AConfigurationThatTheCardOnceShowedIsWrittenAgain) {
-    board.answer(85, Bytes(98, 0xEE));
-    board.answer(86, {});
-    EXPECT_EQ(set_state(5, integer_value(1)), 0);
-    board.silence(85);  // the write made it stale, but it is known
-    EXPECT_EQ(set_state(5, integer_value(2)), 0);
-    EXPECT_EQ(board.count(86), 2);
 }
 
 TEST_F(PonChannelTablesTest, RefusedWritesSendNothing) {
@@ -228,22 +199,12 @@ TEST_F(PonChannelTablesTest, EveryAddressColumnComesFromItsField) {
         return call_nextgen(tarnPONChannelAddressTable_table_handler_nextgen, MODE_GET, 2,
                             address_oid(column, index));
     };
-    EXPECT_EQ(get(4).octets, "\x95\x96\x97\x98\x99\x9A\x9B\x9C");
-    EXPECT_EQ(get(5).integer, 0xFFFF9392);  // sign-extended, then unsigned
-    EXPECT_EQ(get(5).type, ASN_GAUGE);
-    EXPECT_EQ(get(6).integer, -32384);  // 0x8180
-    EXPECT_EQ(get(6).type, ASN_INTEGER);
-    EXPECT_EQ(get(7).integer, -31356);  // 0x8584
-    EXPECT_EQ(get(8).integer, -30842);  // 0x8786
-    EXPECT_EQ(get(9).octets, "\x88\x89\x8A\x8B\x8C\x8D");
-    EXPECT_EQ(get(10).integer, 1);
-    EXPECT_EQ(get(11).integer, 2);
-    EXPECT_EQ(get(12).integer, 0x9E9D);
-    EXPECT_EQ(get(13).integer, 0xA09F);
-    EXPECT_EQ(get(13).type, ASN_INTEGER);
-    EXPECT_EQ(get(14).integer, 0xA2A1);
-    EXPECT_EQ(get(15).integer, 0xA4A3);
-    EXPECT_EQ(get(16).integer, -31870);  // 0x8382
+    // Column 5 is sign-extended, then unsigned.
+    expect_readings(get, is_octets(4, "\x95\x96\x97\x98\x99\x9A\x9B\x9C"), is_unsigned(5, 0xFFFF9392),
+                    is_integer(6, 0x8180 - 0x10000), is_number(7, 0x8584 - 0x10000),
+                    is_number(8, 0x8786 - 0x10000), is_octets(9, "\x88\x89\x8A\x8B\x8C\x8D"),
+                    is_number(10, 1), is_number(11, 2), is_number(12, 0x9E9D), is_integer(13, 0xA09F),
+                    is_number(14, 0xA2A1), is_number(15, 0xA4A3), is_number(16, 0x8382 - 0x10000));
     for (const oid column : {1U, 3U, 17U}) {
         EXPECT_EQ(get(column).error, SNMP_NOSUCHOBJECT) << column;
     }

@@ -13,6 +13,8 @@
 
 namespace {
 
+using Words = std::map<std::size_t, std::uint32_t>;  // the offset of a 32-bit word, and its value
+
 struct KindCase {
     const char *name;
     int first_command;  // get; add, set and delete follow
@@ -22,33 +24,20 @@ struct KindCase {
     int (*add)(int);
     int (*set)(int);
     int (*remove)(int);
-    std::map<std::size_t, std::uint32_t> defaults;  // offset of a 32-bit word: its value
+    Words defaults;
 };
 
 // The defaults as words, the fields cut at the odd ends.
 const KindCase kinds[] = {
-    {"management",
-     127,
-     604,
-     32,
-     get_management_profiles,
-     add_management_profile,
-     set_management_profile,
-     delete_management_profile,
-     {{278, 1}}},
-    {"crossconnect",
-     246,
-     298,
-     128,
-     get_crossconnect_profiles,
-     add_crossconnect_profile,
-     set_crossconnect_profile,
-     delete_crossconnect_profile,
-     {{278, 0x00010000}, {282, 0xFF000100}, {286, 0x00000001}, {290, 0x00007FFF}}},
+    {"management", 127, 604, 32, get_management_profiles, add_management_profile, set_management_profile,
+     delete_management_profile, Words{{278, 1}}},
+    {"crossconnect", 246, 298, 128, get_crossconnect_profiles, add_crossconnect_profile,
+     set_crossconnect_profile, delete_crossconnect_profile,
+     Words{{278, 0x00010000}, {282, 0xFF000100}, {286, 0x00000001}, {290, 0x00007FFF}}},
     {"shaping", 137, 1032, 128, get_shaping_profiles, add_shaping_profile, set_shaping_profile,
      delete_shaping_profile,
      [] {
-         std::map<std::size_t, std::uint32_t> words;
+         Words words;
          for (std::size_t i = 0; i < 16; ++i) {
              words[280 + 6 * i + 2] = 2488320;
              words[376 + 10 * i + 2] = 1244160;
@@ -56,18 +45,11 @@ const KindCase kinds[] = {
          }
          return words;
      }()},
-    {"alloc",
-     280,
-     301,
-     128,
-     get_alloc_profiles,
-     add_alloc_profile,
-     set_alloc_profile,
-     delete_alloc_profile,
-     {{282, 0x0000BDD8}, {286, 8}, {291, 64}, {295, 0x00137000}}},
+    {"alloc", 280, 301, 128, get_alloc_profiles, add_alloc_profile, set_alloc_profile, delete_alloc_profile,
+     Words{{282, 0x0000BDD8}, {286, 8}, {291, 64}, {295, 0x00137000}}},
     {"ports", 142, 1622, 32, get_ports_profiles, add_ports_profile, set_ports_profile, delete_ports_profile,
      [] {
-         std::map<std::size_t, std::uint32_t> words{{280, 3}, {290, 125}, {294, 100}, {298, 10}};
+         Words words{{280, 3}, {290, 125}, {294, 100}, {298, 10}};
          for (std::size_t port = 0; port < 4; ++port) {
              for (const std::size_t at : {1423U, 1427U, 1433U, 1437U}) {
                  words[at + 57 * port] = 2488320;
@@ -77,11 +59,10 @@ const KindCase kinds[] = {
      }()},
 };
 
-class ProfilesTest : public ModuleTest {
+class ProfilesTest : public Started<ModuleTest> {
   protected:
     void SetUp() override {
-        ModuleTest::SetUp();
-        start({});
+        Started::SetUp();
         reset_shaping_profiles_commit_needs();
         reset_ports_profiles_commit_needs();
     }
@@ -130,7 +111,7 @@ TEST_F(ProfilesTest, AddsAProfileOfEachKindWithItsDefaults) {
         for (const auto &[offset, word] : kind.defaults) {
             tarn::store_le32(&expected[2 + offset], word);
         }
-        EXPECT_EQ(board.payload_of(board.sent.size() - 1), expected) << kind.name;
+        EXPECT_EQ(board.last_payload(), expected) << kind.name;
         // The profile exists now, whatever the chassis says.
         const std::size_t requests = board.sent.size();
         EXPECT_EQ(kind.add(kind.count - 1), -1);
@@ -159,13 +140,13 @@ TEST_F(ProfilesTest, SetsAndDeletesAProfileOfEachKind) {
         kind.get();
         EXPECT_EQ(board.count(kind.first_command), 1);  // not answered: the cached array stays
         EXPECT_EQ(kind.set(3), 0);
-        Bytes payload = board.payload_of(board.sent.size() - 1);
+        Bytes payload = board.last_payload();
         EXPECT_EQ(payload.size(), 2 + kind.size) << kind.name;
         EXPECT_EQ(Bytes(payload.begin(), payload.begin() + 8), (Bytes{3, 0, 0, 0, 0, 0, 1, 0}));
         EXPECT_EQ(payload.back(), 0x77);
         board.answer(kind.first_command + 3, {});
         EXPECT_EQ(kind.remove(3), 0);
-        EXPECT_EQ(board.payload_of(board.sent.size() - 1), (Bytes{3, 0}));
+        EXPECT_EQ(board.last_payload(), (Bytes{3, 0}));
         EXPECT_EQ(record[4], 1);
         kind.get();
         EXPECT_EQ(board.count(kind.first_command), 2) << kind.name;
@@ -185,11 +166,11 @@ TEST_F(ProfilesTest, CommitsInAscendingOrderUpToTheFirstFailure) {
     }
     EXPECT_EQ(commit_shaping_profiles(), -1);
     ASSERT_EQ(board.count(139), 1);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1)[0], 3);
+    EXPECT_EQ(board.last_payload()[0], 3);
     board.answer(139, {});
     EXPECT_EQ(commit_shaping_profiles(), 0);
     EXPECT_EQ(board.count(139), 2);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1)[0], 7);
+    EXPECT_EQ(board.last_payload()[0], 7);
     set_shaping_profile_to_commit(1);
     reset_shaping_profiles_commit_needs();
     EXPECT_EQ(commit_shaping_profiles(), 0);
@@ -200,7 +181,7 @@ TEST_F(ProfilesTest, CommitsInAscendingOrderUpToTheFirstFailure) {
     set_ports_profile_to_commit(0);
     EXPECT_EQ(commit_ports_profiles(), 0);
     EXPECT_EQ(board.count(144), 2);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1)[0], 31);
+    EXPECT_EQ(board.last_payload()[0], 31);
 }
 
 TEST_F(ProfilesTest, ReadsTemplatesFromTheImageAndSendsTheEditedOnes) {
@@ -251,15 +232,6 @@ TEST_F(ProfilesTest, KeepsAHeldOltConfiguration) {
     tarn::store_le16(record + 9510, 0);
     EXPECT_EQ(get_olt_cfg(3)[0], 4);
     EXPECT_EQ(set_olt_cfg(5), -1);
-}
-
-TEST_F(ProfilesTest, ReadsTheOltProfileListsFromTheirAddress) {
-    board.answer(103, Bytes(238528, 1));
-    board.answer(97, Bytes(9408, 2));
-    EXPECT_EQ(get_olt_address_table_profiles()[238527], 1);
-    EXPECT_EQ(get_olt_vlan_profiles()[9407], 2);
-    EXPECT_EQ(board.sent.at(0).slot(), 17);
-    EXPECT_EQ(board.sent.at(1).slot(), 17);
 }
 
 class AlarmsTest : public ProfilesTest {

@@ -32,11 +32,10 @@ Bytes sample_qos() {
     return section;
 }
 
-class QosTablesTest : public ModuleTest {
+class QosTablesTest : public Started<ModuleTest, slot> {
   protected:
     void SetUp() override {
-        ModuleTest::SetUp();
-        start({slot});
+        Started::SetUp();
         board.answer(0xB9, sample_qos());
         board.answer(0xC9, {});
     }
@@ -48,18 +47,14 @@ class QosTablesTest : public ModuleTest {
     }
     static Bytes sent() {
         EXPECT_EQ(board.sent.back().command(), 0xC9);
-        return board.payload_of(board.sent.size() - 1);
+        return board.last_payload();
     }
 };
 
 TEST_F(QosTablesTest, ConfigurationIsReadAndWritten) {
     EXPECT_EQ(walk_iterator(tarnQOSConfigTable_next_index, slot, {0}).size(), 1U);
-    EXPECT_EQ(config(2).integer, 4);
-    EXPECT_EQ(config(2).type, 66);
-    EXPECT_EQ(config(3).integer, 2);
-    EXPECT_EQ(config(4).integer, 1);
-    EXPECT_EQ(config(4).type, 2);
-    EXPECT_EQ(config(5).error, SNMP_NOSUCHOBJECT);
+    expect_readings([&](int column) { return config(column); }, is_unsigned(2, 4), is_number(3, 2),
+                    is_integer(4, 1), is_missing(5));
     EXPECT_EQ(set_config(2, unsigned_value(9)), 0);  // the range is not held against the right type
     EXPECT_EQ(sent()[0], 9);
     EXPECT_EQ(set_config(3, integer_value(3)), 0);
@@ -229,9 +224,7 @@ TEST_F(QosTablesTest, CountersOfAPortAreServedByPosition) {
     }
     EXPECT_EQ(get(33).counter.high, 1U);
     EXPECT_EQ(get(33).counter.low, 32U);
-    EXPECT_EQ(get(50).integer, 0);
-    EXPECT_EQ(get(50).type, 66);
-    EXPECT_EQ(get(34).error, SNMP_NOSUCHOBJECT);
+    expect_readings(get, is_unsigned(50, 0), is_missing(34));
     EXPECT_EQ(get(3, 14).error, SNMP_NOSUCHINSTANCE);
 
     const auto set = [](int column, const Value &value) {

@@ -63,11 +63,10 @@ Oid row_name(oid column, std::initializer_list<oid> index) {
     return name;
 }
 
-class SwitchMacTest : public ModuleTest {
+class SwitchMacTest : public Started<ModuleTest, slot> {
   protected:
     void SetUp() override {
-        ModuleTest::SetUp();
-        start({slot});
+        Started::SetUp();
         db = tarn::slot_database(slot);
     }
     Entries table() const {
@@ -292,9 +291,7 @@ TEST_F(SwitchMacTest, TextsAreServedInChunks) {
         hold(10240);
         EXPECT_EQ(walk_nextgen(t.next, slot, raw, 3),
                   (std::vector<Oid>{chunk_name(3, 1), chunk_name(3, 2), chunk_name(3, 3)}));
-        EXPECT_EQ(get(1).octets, std::string(10240, 'x'));
-        EXPECT_EQ(get(2).octets, "");
-        EXPECT_EQ(get(2).error, 0);
+        expect_readings(get, is_octets(1, std::string(10240, 'x')), is_octets(2, ""));
         hold(10243);
         EXPECT_EQ(get(2).octets, "xxx");
         for (const oid chunk : {oid{0}, oid{3}, oid{4294967295}, oid{4294967297}}) {

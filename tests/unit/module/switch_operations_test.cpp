@@ -18,15 +18,14 @@ Bytes pattern(std::size_t size) {
     return bytes;
 }
 
-class SwitchOperationsTest : public ModuleTest {
+class SwitchOperationsTest : public Started<ModuleTest, slot> {
   protected:
     void SetUp() override {
-        ModuleTest::SetUp();
-        start({slot});
+        Started::SetUp();
         db = tarn::slot_database(slot);
     }
     // What the last request carried, and its head.
-    static Bytes last_payload() { return board.payload_of(board.sent.size() - 1); }
+    static Bytes last_payload() { return board.last_payload(); }
     static void expect_last(int command, int destination, std::size_t length) {
         ASSERT_FALSE(board.sent.empty());
         EXPECT_EQ(board.sent.back().command(), command);

@@ -59,11 +59,10 @@ Oid vlan_name(oid column, oid index) {
     return name;
 }
 
-class SwitchVlanTablesTest : public ModuleTest {
+class SwitchVlanTablesTest : public Started<ModuleTest, 0, slot> {
   protected:
     void SetUp() override {
-        ModuleTest::SetUp();
-        start({0, slot});
+        Started::SetUp();
         board.answer(0xAA, vlan_list_of({0, 9, 4093}));
         board.scripts[0xB4] = [](const SentRequest &request) {
             const int first = tarn::load_le16(&request.bytes[32]);
@@ -89,7 +88,7 @@ class SwitchVlanTablesTest : public ModuleTest {
     }
     // The record that was sent last, behind its number.
     static Bytes sent_vlan() {
-        Bytes sent = board.payload_of(board.sent.size() - 1);
+        Bytes sent = board.last_payload();
         EXPECT_EQ(board.sent.back().command(), 0xC3);
         return {sent.begin() + 2, sent.end()};
     }
@@ -120,12 +119,9 @@ TEST_F(SwitchVlanTablesTest, LackOfMemoryForAnIdentifierIsLoggedInTheCardsUnits)
 }
 
 TEST_F(SwitchVlanTablesTest, EveryColumnComesFromItsField) {
-    EXPECT_EQ(get(1).integer, slot + 1);
-    EXPECT_EQ(get(1).type, 66);
-    EXPECT_EQ(get(2).integer, 10);
-    EXPECT_EQ(get(3).octets, "office");
-    EXPECT_EQ(get(4).octets, std::string("\x80\x40\x08\x00", 4));
-    EXPECT_EQ(get(5).octets, std::string("\x00\x00\x10\x00", 4));
+    expect_readings([&](int column) { return get(column); }, is_unsigned(1, slot + 1), is_number(2, 10),
+                    is_octets(3, "office"), is_octets(4, std::string("\x80\x40\x08\x00", 4)),
+                    is_octets(5, std::string("\x00\x00\x10\x00", 4)));
     for (const auto &[column, value] : {std::pair{6, 1}, {10, 1}, {11, 2}, {20, 2}, {21, 1}}) {
         EXPECT_EQ(get(column).integer, value) << column;
         EXPECT_EQ(get(column).type, 2) << column;
@@ -156,6 +152,8 @@ TEST_F(SwitchVlanTablesTest, ValuesAreCheckedFirst) {
 }
 
 TEST_F(SwitchVlanTablesTest, EditsAreStagedAndSentAtTheEnd) {
+    EXPECT_EQ(set(3, octets_value("x")), missing_in_action);  // an edit does not fetch
+    EXPECT_TRUE(board.sent.empty());
     get(3);
     const std::string name(31, 'n');
     EXPECT_EQ(set(3, octets_value(name)), 0);
@@ -163,7 +161,7 @@ TEST_F(SwitchVlanTablesTest, EditsAreStagedAndSentAtTheEnd) {
     std::copy(name.begin(), name.end(), expected.begin());
     expected[31] = 0;
     EXPECT_EQ(sent_vlan(), expected);
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1)[0], 9);
+    EXPECT_EQ(board.last_payload()[0], 9);
     EXPECT_EQ(set(3, octets_value("ab")), 0);
     EXPECT_EQ(get(3).octets, "ab");
     expected = sent_vlan();
@@ -254,11 +252,6 @@ TEST_F(SwitchVlanTablesTest, ARowIsCreatedResetAndDestroyedByItsStatus) {
     }
 }
 
-TEST_F(SwitchVlanTablesTest, AnEditDoesNotFetch) {
-    EXPECT_EQ(set(3, octets_value("x")), missing_in_action);
-    EXPECT_TRUE(board.sent.empty());
-}
-
 TEST_F(SwitchVlanTablesTest, TheSeventeenthVlanOfOneSetIsRefused) {
     const Value create = integer_value(4);
     call(MODE_SET_RESERVE1, 6, 1, &create);
@@ -306,12 +299,9 @@ TEST_F(SwitchVlanTablesTest, OperationalVlansAreNumberedAsListed) {
         return call_iterator(tarnSwitchOperationalVLANTable_module_handler, MODE_GET, column,
                              {slot + 1, number}, &row);
     };
-    EXPECT_EQ(read(1).integer, slot + 1);
-    EXPECT_EQ(read(2).integer, 4094);
-    EXPECT_EQ(read(3).octets, "office");
-    EXPECT_EQ(read(4).octets, std::string("\x80\x40\x08\x00", 4));
-    EXPECT_EQ(read(5).octets, std::string("\x00\x00\x10\x00", 4));
-    EXPECT_EQ(read(6).error, SNMP_NOSUCHOBJECT);
+    expect_readings(read, is_number(1, slot + 1), is_number(2, 4094), is_octets(3, "office"),
+                    is_octets(4, std::string("\x80\x40\x08\x00", 4)),
+                    is_octets(5, std::string("\x00\x00\x10\x00", 4)), is_missing(6));
     EXPECT_EQ(read(1, 5000).error, SNMP_NOSUCHOBJECT);
     board.silence(0xB3);
     EXPECT_EQ(read(1, 7).error, SNMP_NOSUCHOBJECT);
@@ -366,10 +356,8 @@ TEST_F(SwitchVlanTablesTest, GeneralOptionsAreSentAtOnce) {
         const auto write = [&, h = handler](int column, const Value &value) {
             return set_iterator(h, column, {slot + 1}, rows[0].row, value);
         };
-        EXPECT_EQ(read(1).integer, slot + 1);
-        EXPECT_EQ(read(2).integer, 1);  // whatever is not 0
-        EXPECT_EQ(read(2).type, 2);
-        EXPECT_EQ(read(3).error, SNMP_NOSUCHOBJECT);
+        // Column 2 is true for whatever is not 0.
+        expect_readings(read, is_number(1, slot + 1), is_integer(2, 1), is_missing(3));
         EXPECT_EQ(write(1, integer_value(1)), SNMP_ERR_NOTWRITABLE);
         EXPECT_EQ(write(2, unsigned_value(1)), SNMP_ERR_WRONGTYPE);
         const Value three = integer_value(3);
@@ -380,11 +368,11 @@ TEST_F(SwitchVlanTablesTest, GeneralOptionsAreSentAtOnce) {
         board.answer(0xBE, {});
         EXPECT_EQ(write(2, integer_value(2)), 0);
         section[at] = 0;
-        EXPECT_EQ(board.payload_of(board.sent.size() - 1), section);
+        EXPECT_EQ(board.last_payload(), section);
         EXPECT_EQ(read(2).integer, 2);
         EXPECT_EQ(write(2, integer_value(1)), 0);
         section[at] = 1;
-        EXPECT_EQ(board.payload_of(board.sent.size() - 1), section);
+        EXPECT_EQ(board.last_payload(), section);
     }
 }
 
@@ -402,7 +390,7 @@ TEST_F(SwitchVlanTablesTest, AnOptionIsNotSetOnASectionThatWasNeverRead) {
     board.everything_stale = true;
     EXPECT_EQ(set_iterator(tarnP2PTable_module_handler, 2, {slot + 1}, &row, integer_value(1)), 0);
     section[2572] = 1;
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1), section);
+    EXPECT_EQ(board.last_payload(), section);
 }
 
 }  // namespace

@@ -42,13 +42,7 @@ Bytes block(int first, int count, const Bytes &record, int records) {
     return answer;
 }
 
-class SwitchVlansTest : public ModuleTest {
-  protected:
-    void SetUp() override {
-        ModuleTest::SetUp();
-        start({slot});
-    }
-};
+class SwitchVlansTest : public Started<ModuleTest, slot> {};
 
 TEST_F(SwitchVlansTest, BothListsAreOneRequestToTheirUnits) {
     Bytes list(8190, 0);
@@ -171,7 +165,6 @@ TEST_F(SwitchVlansTest, ANewVlanHasItsDefaultsAndIsSentWhole) {
     tarn::slot_database(slot)->vlans[4093][0] = 'n';
     ASSERT_EQ(init_switch_vlan(slot, 4094), 0);  // resets
     EXPECT_EQ(set_switch_vlan(slot, 4094), 0);
-    EXPECT_EQ(board.sent.back().bytes.size(), 118U);
     EXPECT_EQ(board.sent.back().destination(), 5);
     Bytes expected(86, 0);
     expected[0] = 0xFD;  // board VLAN number 4093
@@ -182,7 +175,7 @@ TEST_F(SwitchVlansTest, ANewVlanHasItsDefaultsAndIsSentWhole) {
     expected[2 + 53] = 125;
     expected[2 + 55] = 10;
     expected[2 + 56] = 2;
-    EXPECT_EQ(board.payload_of(board.sent.size() - 1), expected);
+    EXPECT_EQ(board.last_payload(), expected);
     get_switch_vlan_list(slot);
     EXPECT_EQ(board.count(0xAA), 2);  // the list is fetched anew
 

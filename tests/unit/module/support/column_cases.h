@@ -41,6 +41,11 @@ constexpr ColumnCase octets(int column, std::size_t offset, std::size_t size, in
     return {column, type, offset, size, ColumnCase::octets};
 }
 
+template <typename... Cases>
+std::vector<ColumnCase> columns_of(const Cases &...cases) {
+    return {cases...};
+}
+
 // `size` bytes that are all different over a stretch of 251 and never 0.
 Bytes pattern(std::size_t size, unsigned seed = 0);
 

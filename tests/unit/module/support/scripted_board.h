@@ -62,6 +62,7 @@ struct ScriptedBoard {
     [[nodiscard]] int count(int command) const;
     // The request's bytes behind the header.
     [[nodiscard]] Bytes payload_of(std::size_t request) const;
+    [[nodiscard]] Bytes last_payload() const { return payload_of(sent.size() - 1); }
     [[nodiscard]] bool logged(const std::string &line) const;
 };
 
@@ -77,6 +78,16 @@ class ModuleTest : public testing::Test {
     void SetUp() override;
     void TearDown() override;
     void start(std::initializer_list<int> slots);
+};
+
+// ... with these slots up from the beginning.
+template <typename Fixture, int... slots>
+class Started : public Fixture {
+  protected:
+    void SetUp() override {
+        Fixture::SetUp();
+        Fixture::start({slots...});
+    }
 };
 
 #endif

@@ -97,6 +97,34 @@ Value address_value(std::string four_octets) {
     return {ASN_IPADDRESS, 0, std::move(four_octets)};
 }
 
+Reading is_integer(int column, long value) {
+    return {column, ASN_INTEGER, value, {}};
+}
+Reading is_unsigned(int column, long value) {
+    return {column, ASN_UNSIGNED, value, {}};
+}
+Reading is_number(int column, long value) {
+    return {column, 0, value, {}};
+}
+Reading is_octets(int column, std::string octets) {
+    return {column, ASN_OCTET_STR, 0, std::move(octets)};
+}
+Reading is_missing(int column, int error) {
+    return {column, 0, 0, {}, error};
+}
+
+void expect_reading(const Outcome &out, const Reading &expected) {
+    SCOPED_TRACE("column " + std::to_string(expected.column));
+    EXPECT_EQ(out.error, expected.error);
+    EXPECT_EQ(out.integer, expected.integer);
+    EXPECT_EQ(out.octets, expected.octets);
+    if (expected.type != 0) {
+        EXPECT_EQ(out.type, expected.type);
+    } else if (expected.error == 0) {
+        EXPECT_TRUE(out.type == ASN_INTEGER || out.type == ASN_UNSIGNED) << out.type;
+    }
+}
+
 Outcome call_iterator(module_handler_function *handler, int mode, int column, const IndexValues &index,
                       void *row, const Value *value) {
     Call call(mode, {1, 3, 6, 1}, value);
@@ -128,6 +156,14 @@ std::vector<WalkedRow> walk_iterator(next_index_function *next_index, int slot, 
         EXPECT_NE(loop_context, nullptr);
     }
     return rows;
+}
+
+std::vector<IndexValues> indices_of(next_index_function *next_index, int slot, const IndexValues &shape) {
+    std::vector<IndexValues> indices;
+    for (const WalkedRow &row : walk_iterator(next_index, slot, shape)) {
+        indices.push_back(row.index);
+    }
+    return indices;
 }
 
 Oid next_of(get_next_entry_function *next, int slot, const Oid &name, int column) {

@@ -31,6 +31,32 @@ Value unsigned_value(long value);
 Value octets_value(std::string octets);
 Value address_value(std::string four_octets);
 
+// What reading a column must give: a value, of a type where one is stated, or an error.
+struct Reading {
+    int column;
+    int type;  // 0: any
+    long integer = 0;
+    std::string octets;
+    int error = 0;
+};
+Reading is_integer(int column, long value);
+Reading is_unsigned(int column, long value);
+Reading is_number(int column, long value);  // of either type
+Reading is_octets(int column, std::string octets);
+Reading is_missing(int column, int error = SNMP_NOSUCHOBJECT);
+
+void expect_reading(const Outcome &out, const Reading &expected);
+// Reads each of these columns; `get` takes the column as an int or as an oid.
+template <typename Get, typename... Readings>
+void expect_readings(const Get &get, const Readings &...readings) {
+    struct Column {
+        int number;
+        operator int() const { return number; }                    // NOLINT: stands for an argument
+        operator oid() const { return static_cast<oid>(number); }  // NOLINT
+    };
+    (expect_reading(get(Column{readings.column}), readings), ...);
+}
+
 // One index value of an iterator table: a number or octets.
 struct IndexValue {
     long number = 0;
@@ -60,6 +86,8 @@ struct WalkedRow {
     void *row;
 };
 std::vector<WalkedRow> walk_iterator(next_index_function *next_index, int slot, const IndexValues &shape);
+// The indices alone.
+std::vector<IndexValues> indices_of(next_index_function *next_index, int slot, const IndexValues &shape);
 
 // The identifiers of a slot's rows in the finder's order, from the bare table OID; at most `limit`.
 std::vector<Oid> walk_nextgen(get_next_entry_function *next, int slot, const Oid &table, int column,
