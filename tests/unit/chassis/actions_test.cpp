@@ -50,43 +50,22 @@ TEST(Actions, CountersMoveWithTimeAndRestartWhenCleared) {
     test.clock_ms = 1000;
     EXPECT_EQ(received(test, 1), 510U);
     // Group 16, channel 1: that channel alone.
-    EXPECT_EQ(test.status(0, 67,
-                          "1000"
-                          "0000"
-                          "01" +
-                              zeros(13)),
-              0);
+    EXPECT_EQ(test.status(0, 67, "1000000001" + zeros(13)), 0);
     test.clock_ms = 3000;
     EXPECT_EQ(received(test, 0), 530U);
     EXPECT_EQ(received(test, 1), 20U);
     EXPECT_EQ(received(test, 5), 530U);
     // Channels 0 and 4 stand for the two halves of the OLT.
-    EXPECT_EQ(test.status(0, 67,
-                          "1000"
-                          "0000"
-                          "00" +
-                              zeros(13)),
-              0);
+    EXPECT_EQ(test.status(0, 67, "1000000000" + zeros(13)), 0);
     EXPECT_EQ(received(test, 3), 0U);
     EXPECT_EQ(received(test, 4), 530U);
-    EXPECT_EQ(test.status(0, 67,
-                          "1000"
-                          "0000"
-                          "04" +
-                              zeros(13)),
-              0);
+    EXPECT_EQ(test.status(0, 67, "1000000004" + zeros(13)), 0);
     EXPECT_EQ(received(test, 7), 0U);
 
     // Group 5, an ONT.
     test.chassis.card(0)->onts[0].errors = {.per_second = 0, .base = 9, .since = 0};
     test.chassis.card(0)->onts[2].errors = {.per_second = 0, .base = 9, .since = 0};
-    EXPECT_EQ(test.status(0, 67,
-                          "0500"
-                          "0000"
-                          "00"
-                          "5441524e00000001" +
-                              zeros(5)),
-              0);
+    EXPECT_EQ(test.status(0, 67, "05000000005441524e00000001" + zeros(5)), 0);
     EXPECT_EQ(test.payload(0, 72, ont_1).substr(2 * 66, 4), "0000");
     EXPECT_EQ(test.payload(0, 72, "5441524e000000030000000000").substr(2 * 66, 4), "0900");
 }
@@ -149,16 +128,8 @@ TEST(Actions, ReconfiguringAChannelOrTheOltTakesItsOntsDown) {
 
 TEST(Actions, DisabledUntilEnabled) {
     TestChassis test;
-    const std::string disable =
-        "00"
-        "5441524e00000001"
-        "00000000"
-        "ff00";
-    const std::string enable =
-        "00"
-        "5441524e00000001"
-        "00000000"
-        "0000";
+    const std::string disable = "005441524e0000000100000000ff00";
+    const std::string enable = "005441524e00000001000000000000";
     EXPECT_EQ(test.payload(0, 275, disable), "");
     test.clock_ms = 3600000;
     EXPECT_EQ(listed_code(test, 0), 9);

@@ -11,6 +11,14 @@ void write(std::span<std::uint8_t> record, std::size_t offset, const std::string
     std::copy(bytes.begin(), bytes.end(), record.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
+std::string repeated(const std::string &hex, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) {
+        all += hex;
+    }
+    return all;
+}
+
 TEST(Answers, WholeExchangeWithItsHeader) {
     TestChassis test;
     write(test.chassis.card(0)->identity.olt, 0,
@@ -61,44 +69,16 @@ TEST(Answers, OntList) {
     write(ont.list, 18, "545900");
     write(ont.list, 50, "312e3000");
     write(ont.list, 91, "485700");
-    const std::string first =
-        "5441524e00000001"
-        "00"
-        "000000"
-        "00000000"
-        "0000"
-        "545900" +
-        zeros(29) + "312e3000" + zeros(14) + "0700" + "00000000008032c0" + zeros(13) + "485700" + zeros(12);
+    const std::string first = "5441524e0000000100000000000000000000545900" + zeros(29) + "312e3000" +
+                              zeros(14) + "0700" + "00000000008032c0" + zeros(13) + "485700" + zeros(12);
     // The second ONT has code 13 and no optical reading; the third is alone on channel 1.
     const std::string second =
-        "5441524e00000002"
-        "00"
-        "000000"
-        "01000000" +
-        zeros(52) +
-        "0d00"
-        "000000000000f87f" +
-        zeros(28);
+        "5441524e000000020000000001000000" + zeros(52) + "0d00000000000000f87f" + zeros(28);
     const std::string third =
-        "5441524e00000003"
-        "01"
-        "000000"
-        "00000000" +
-        zeros(52) +
-        "0700"
-        "00000000008032c0" +
-        zeros(28);
-    EXPECT_EQ(test.payload(0, 73, "ff"),
-              "ff"
-              "03000000" +
-                  first + second + third);
-    EXPECT_EQ(test.payload(0, 73, "01"),
-              "01"
-              "01000000" +
-                  third);
-    EXPECT_EQ(test.payload(5, 73, "ff"),
-              "ff"
-              "00000000");
+        "5441524e000000030100000000000000" + zeros(52) + "070000000000008032c0" + zeros(28);
+    EXPECT_EQ(test.payload(0, 73, "ff"), "ff03000000" + first + second + third);
+    EXPECT_EQ(test.payload(0, 73, "01"), "0101000000" + third);
+    EXPECT_EQ(test.payload(5, 73, "ff"), "ff00000000");
 }
 
 TEST(Answers, OntRecords) {
@@ -109,27 +89,16 @@ TEST(Answers, OntRecords) {
     write(ont.state, 68, "0100");
     write(ont.state, 70, "5239");
     write(ont.state, 128, "000000000000f03f");
-    EXPECT_EQ(test.payload(0, 72, "5441524e000000010000000000"), zeros(66) +
-                                                                     "0200"
-                                                                     "0100"
-                                                                     "5239" +
-                                                                     zeros(56) + "000000000000f03f" +
-                                                                     zeros(34));
+    EXPECT_EQ(test.payload(0, 72, "5441524e000000010000000000"),
+              zeros(66) + "020001005239" + zeros(56) + "000000000000f03f" + zeros(34));
 
     write(ont.i2c, 0, "b004640001000019f0ff881f4080");
     EXPECT_EQ(test.payload(0, 250, "5441524e000000010000000000"), "b004640001000019f0ff881f4080");
     write(ont.uni_ports, 0, "0400010002000300010008090a0b0c000000");
     EXPECT_EQ(test.payload(0, 298, "5441524e000000010000000000"),
-              "0400"
-              "0100020003000100"
-              "08090a0b"
-              "0c000000" +
-                  zeros(48));
+              "0400010002000300010008090a0b0c000000" + zeros(48));
     // An ONT that isn't working has no readings.
-    EXPECT_EQ(test.payload(0, 250, "5441524e000000020000000000"),
-              "00000000"
-              "ff"
-              "000000000000000000");
+    EXPECT_EQ(test.payload(0, 250, "5441524e000000020000000000"), "00000000ff000000000000000000");
     EXPECT_EQ(test.payload(0, 298, "5441524e000000020000000000"), zeros(66));
 }
 
@@ -140,37 +109,17 @@ TEST(Answers, OntConnections) {
     write(ont.list, 50, "5631");
     ont.connections = {{0x11223344, 0x55667788, 11}, {0x01020304, 0, 7}};
     const auto entry = [](const std::string &times_and_state) {
-        return "0000"
-               "4551" +
-               zeros(62) + "5631" + zeros(14) + times_and_state + zeros(8);
+        return "00004551" + zeros(62) + "5631" + zeros(14) + times_and_state + zeros(8);
     };
     // By channel at byte 40 and number at 41-44, which the answer repeats.
-    EXPECT_EQ(test.payload(0, 305,
-                           zeros(8) + "00"
-                                      "01000000"),
-              zeros(8) +
-                  "00"
-                  "01000000"
-                  "02" +
-                  zeros(8) +
-                  entry("44332211"
-                        "88776655"
-                        "0b") +
-                  entry("04030201"
-                        "00000000"
-                        "07") +
-                  zeros(990 - 8 - 2 * 99));
+    EXPECT_EQ(test.payload(0, 305, zeros(8) + "0001000000"),
+              zeros(8) + "000100000002" + zeros(8) + entry("44332211887766550b") +
+                  entry("040302010000000007") + zeros(990 - 8 - 2 * 99));
     // Ten entries do not fit whole: the last one's named fields do.
     ont.connections.assign(10, {1, 2, 3});
-    const std::string full = test.payload(0, 305,
-                                          zeros(8) +
-                                              "00"
-                                              "01000000");
+    const std::string full = test.payload(0, 305, zeros(8) + "0001000000");
     EXPECT_EQ(full.size(), 2 * (1036 - 32));
-    EXPECT_EQ(full.substr(2 * (14 + 8 + 9 * 99 + 82), 18),
-              "01000000"
-              "02000000"
-              "03");
+    EXPECT_EQ(full.substr(2 * (14 + 8 + 9 * 99 + 82), 18), "010000000200000003");
 }
 
 TEST(Answers, AddressTableAndSessions) {
@@ -183,17 +132,9 @@ TEST(Answers, AddressTableAndSessions) {
     write(card.addresses[1], 20, "01");
     const std::string entry_0 = std::string(40, 'a') + "00" + std::string(32, 'a');
     const std::string entry_1 = std::string(40, 'a') + "01" + std::string(32, 'a');
-    EXPECT_EQ(test.payload(0, 80, "ff" + zeros(14)),
-              "ff"
-              "0200" +
-                  entry_0 + entry_1);
-    EXPECT_EQ(test.payload(0, 80, "01" + zeros(14)),
-              "01"
-              "0100" +
-                  entry_1);
-    EXPECT_EQ(test.payload(5, 80, "ff" + zeros(14)),
-              "ff"
-              "0000");
+    EXPECT_EQ(test.payload(0, 80, "ff" + zeros(14)), "ff0200" + entry_0 + entry_1);
+    EXPECT_EQ(test.payload(0, 80, "01" + zeros(14)), "010100" + entry_1);
+    EXPECT_EQ(test.payload(5, 80, "ff" + zeros(14)), "ff0000");
 
     card.pppoe_sessions[0].record.fill(0x31);
     EXPECT_EQ(test.payload(0, 205, "ff"),
@@ -221,24 +162,10 @@ TEST(Answers, ChannelConfigurationAndActivationMode) {
     Channel &channel = test.chassis.card(0)->channels[6];
     channel.config.fill(0x5C);
     write(channel.config, 0, "0100");
-    EXPECT_EQ(
-        test.payload(0, 85, "06"),
-        "06"
-        "0100" +
-            [] {
-                std::string rest;
-                for (int i = 0; i < 95; ++i) {
-                    rest += "5c";
-                }
-                return rest;
-            }());
+    EXPECT_EQ(test.payload(0, 85, "06"), "060100" + repeated("5c", 95));
     channel.activation_auth = 4;
-    EXPECT_EQ(test.payload(0, 313, "06"),
-              "06"
-              "0400");
-    EXPECT_EQ(test.payload(0, 313, "05"),
-              "05"
-              "0200");
+    EXPECT_EQ(test.payload(0, 313, "06"), "060400");
+    EXPECT_EQ(test.payload(0, 313, "05"), "050200");
 }
 
 TEST(Answers, IdentityBerAndUtilization) {
@@ -246,23 +173,14 @@ TEST(Answers, IdentityBerAndUtilization) {
     Card &card = *test.chassis.card(0);
     card.identity.versions.fill(0x41);
     card.identity.hardware.fill(0x42);
-    EXPECT_EQ(test.payload(0, 412), [] {
-        std::string hex;
-        for (int i = 0; i < 64; ++i) {
-            hex += "41";
-        }
-        return hex;
-    }());
+    EXPECT_EQ(test.payload(0, 412), repeated("41", 64));
     EXPECT_EQ(test.payload(0, 413).size(), 2 * 4 * 32U);
     EXPECT_EQ(test.payload(0, 413).substr(0, 4), "4242");
 
     card.onts[0].errors = {.per_second = 2, .base = 0, .since = 1000};
     test.clock_ms = 4000;
     EXPECT_EQ(test.payload(0, 277, "5441524e000000010000000000"),
-              "5441524e00000001"
-              "06000000"
-              "b80b000000000000"
-              "0000");
+              "5441524e0000000106000000b80b0000000000000000");
     const std::string sample = test.payload(0, 450, "5441524e000000010000000000");
     EXPECT_EQ(sample.size(), 2 * 512U);
     EXPECT_EQ(test.payload(0, 450, "5441524e000000010000000000"), sample);
