@@ -279,7 +279,8 @@ TEST_F(ConfigStoreTest, ANewRecordNeedsAPlace) {
     image.serve();
     init_ont_config_buffer(3, bytes_of(serial_a), 1);
     set_ont_cb_tree(4);
-    EXPECT_EQ(commit_ont_config(3), -1);                             // its channel alone is none
+    EXPECT_EQ(commit_ont_config(3), -1);  // its channel alone is none
+    EXPECT_TRUE(board.logged("3 commit_ont_config : id or tree not specified\n"));
     EXPECT_EQ(init_ont_config_buffer(3, bytes_of(serial_b), 1), 0);  // idle again
     invalidate_config_buffer();
     EXPECT_EQ(commit_ont_config(3), 0);

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "module/common/common.h"
+#include "module/config/olt_config.h"
 #include "module/config/profiles.h"
 #include "support/column_cases.h"
 #include "support/config_image.h"
@@ -537,11 +538,13 @@ TEST_F(ProfileTablesTest, ListsOltProfilesByNumberAndName) {
     const struct {
         int command;
         std::size_t size;
+        std::uint8_t *(*get)();
         next_index_function *next;
         module_handler_function *handler;
-    } lists[] = {{103, 7454, tarnOLTAddressTableProfilesTable_next_index,
+    } lists[] = {{103, 7454, get_olt_address_table_profiles, tarnOLTAddressTableProfilesTable_next_index,
                   tarnOLTAddressTableProfilesTable_module_handler},
-                 {97, 294, tarnOLTVlanProfilesTable_next_index, tarnOLTVlanProfilesTable_module_handler}};
+                 {97, 294, get_olt_vlan_profiles, tarnOLTVlanProfilesTable_next_index,
+                  tarnOLTVlanProfilesTable_module_handler}};
     for (const auto &list : lists) {
         Bytes array(list.size * 32, 0);
         array[4] = 1;
@@ -549,9 +552,11 @@ TEST_F(ProfileTablesTest, ListsOltProfilesByNumberAndName) {
         array[31 * list.size + 4] = 1;
         std::copy_n("first", 5, array.begin() + 22);
         std::fill_n(array.begin() + static_cast<std::ptrdiff_t>(31 * list.size + 22), 256, std::uint8_t{'x'});
+        array.back() = 9;
         board.answer(list.command, array);
         EXPECT_EQ(indices_of(list.next, 16, {0}), (std::vector<IndexValues>{{0}, {5}, {31}}));
         EXPECT_EQ(board.sent.back().slot(), 17);
+        EXPECT_EQ(list.get()[array.size() - 1], 9);
         const auto get = [&](int column, int number) {
             static int row = 0;
             return call_iterator(list.handler, MODE_GET, column, {number}, &row);
