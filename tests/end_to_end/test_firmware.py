@@ -132,8 +132,8 @@ def test_one_download_at_a_time_and_a_stop_does_not_wait(site, system):
     assert system.agent.stop() == 0
     assert time.monotonic() - began < PATIENCE / 2
     gate.touch()
-    wait_until(lambda: not left_in_tmp(name), "the orphaned transfer")
-    Path("/tmp", name).unlink(missing_ok=True)
+    wait_until(lambda: left_in_tmp(name), "the end of the orphaned transfer")
+    Path("/tmp", name).unlink()
 
 
 # ---- Catalogue ----
