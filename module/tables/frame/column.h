@@ -138,6 +138,8 @@ constexpr Check unsigned_within(std::int64_t low, std::int64_t high, int code) {
 constexpr Check octets_up_to(int count) {
     return {.kind = Check::Kind::octets_at_most, .high = count};
 }
+// Whatever does not fit the field is cut.
+inline constexpr Check any_octets = octets_up_to(65535);
 constexpr Check octets_of(int count) {
     return {.kind = Check::Kind::octets_exactly, .high = count};
 }

@@ -9,6 +9,7 @@
 #include "module/exports.h"
 #include "module/tables/frame/column.h"
 #include "module/tables/frame/index.h"
+#include "module/tables/frame/well_formed.h"
 
 namespace tarn {
 
@@ -102,7 +103,23 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
 
 }  // namespace tarn
 
+// What the compiler refuses, in both styles.
+#define MODULE_WELL_FORMED(T, table)                                                                         \
+    static_assert((table).name == std::string_view(#T), "a table has the name of its callbacks");            \
+    static_assert(tarn::well_formed::index_fits((table).index), "a table has as many index parts as a row"); \
+    static_assert(tarn::well_formed::ascending((table).columns), "columns ascend without repetition");       \
+    static_assert(tarn::well_formed::types_fit((table).columns),                                             \
+                  "a column's type fits its field and its check");                                           \
+    static_assert(tarn::well_formed::writes_somewhere((table).columns),                                      \
+                  "a writable column has an action or a field");                                             \
+    static_assert(!(table).ignores_set || !tarn::well_formed::any_writable((table).columns),                 \
+                  "a table that leaves SETs alone has no writable column");                                  \
+    static_assert((table).find != nullptr || !tarn::well_formed::reads_own_record((table).columns),          \
+                  "a table whose columns lie in its rows' records finds them")
+
 #define MODULE_ITERATOR_TABLE(T, table)                                                           \
+    static_assert((table).next != nullptr && (table).successor == nullptr,                        \
+                  "an iterator table walks by next");                                             \
     TARN_EXPORT netsnmp_variable_list *T##_next_index(void **loop_context, void **data_context,   \
                                                       netsnmp_variable_list *indexes, int slot) { \
         static std::int64_t cursor = 0;                                                           \
@@ -112,6 +129,7 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
 
 // Without the walk.
 #define MODULE_ITERATOR_HANDLER(T, table)                                                                  \
+    MODULE_WELL_FORMED(T, table);                                                                          \
     TARN_EXPORT void init_##T##_handlers(void) {}                                                          \
     TARN_EXPORT int T##_module_handler(netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo, \
                                        void *row, netsnmp_table_request_info *table_info) {                \
@@ -119,6 +137,12 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
     }
 
 #define MODULE_NEXTGEN_TABLE(T, table)                                                                 \
+    MODULE_WELL_FORMED(T, table);                                                                      \
+    static_assert((table).successor != nullptr && (table).next == nullptr,                             \
+                  "a nextgen table walks by successor");                                               \
+    static_assert((table).index_builder != nullptr, "a nextgen table names its index builder");        \
+    static_assert(!tarn::well_formed::has_part((table).index, tarn::IndexPart::Kind::text),            \
+                  "a text index is an iterator table's");                                              \
     TARN_EXPORT void init_##T##_handlers(void) {}                                                      \
     TARN_EXPORT void T##_get_next_entry(table_entry *result, int slot, const oid *name, size_t length, \
                                         int column) {                                                  \

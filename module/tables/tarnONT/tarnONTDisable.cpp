@@ -56,9 +56,6 @@ int act_on_one(const Binding &value) {
                                                                                  : SNMP_ERR_GENERR;
 }
 
-// A serial of any length passes.
-constexpr Check any_octets = octets_up_to(65535);
-
 constexpr Scalar disable_slot{"tarnONTDisableSlot", {3, 30000, 1}, get_slot,
                               any_unsigned32,       set_slot,      unsigned_within(1, 16, SNMP_ERR_BADVALUE)};
 constexpr Scalar disable_serial{"tarnONTDisableONTSerial", {3, 30000, 2}, get_serial, any_octets, set_serial};

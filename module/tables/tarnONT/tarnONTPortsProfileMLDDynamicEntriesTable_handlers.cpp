@@ -8,9 +8,7 @@ namespace {
 
 constexpr IndexPart row_index[] = {number_part(any_unsigned), number_part(mld_entries)};
 
-// Any length passes; what does not fill the address leaves zeros behind it.
-constexpr Check any_octets = octets_up_to(65535);
-
+// What does not fill an address leaves zeros after it.
 constexpr Column columns[] = {
     {2, unsigned32, field(mld_value), any_unsigned32},  // 65535: none
     {5, octet_string, field(mld_address_2), any_octets},
