@@ -7,8 +7,8 @@
 #include <ctime>
 #include <limits>
 
-#include "chassis/scenario.h"
 #include "chassis/state/card.h"
+#include "chassis/state/scenario.h"
 #include "module/config/config_buffer.h"
 #include "module/config/config_records.h"
 #include "support/scripted_board.h"

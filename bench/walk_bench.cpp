@@ -18,9 +18,9 @@
 #include <vector>
 
 #include "bench/plain_handler.h"
-#include "host/host.h"
-#include "host/logger.h"
-#include "host/mib_reader.h"
+#include "host/agent/host.h"
+#include "host/services/logger.h"
+#include "host/tables/mib_reader.h"
 #include "tarn/module_api.h"
 
 extern char **environ;  // NOLINT(readability-redundant-declaration)

@@ -4,8 +4,8 @@
 #include <fstream>
 #include <iostream>
 
-#include "chassis/control_server.h"
-#include "chassis/server.h"
+#include "chassis/net/control_server.h"
+#include "chassis/net/server.h"
 
 namespace {
 

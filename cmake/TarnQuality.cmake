@@ -3,7 +3,7 @@ find_program(CLANG_FORMAT clang-format)
 find_program(RUN_CLANG_TIDY NAMES run-clang-tidy run-clang-tidy-14)
 file(GLOB_RECURSE TARN_SOURCES CONFIGURE_DEPENDS
   include/*.h module/*.h module/*.cpp host/*.h host/*.cpp chassis/*.h chassis/*.cpp
-  ctl/*.h ctl/*.cpp tests/*.h tests/*.cpp bench/*.h bench/*.cpp)
+  ctl/*.h ctl/*.cpp tools/*.cpp tests/*.h tests/*.cpp bench/*.h bench/*.cpp)
 
 if(CLANG_FORMAT)
   add_custom_target(format COMMAND ${CLANG_FORMAT} -i ${TARN_SOURCES}
@@ -13,6 +13,6 @@ if(CLANG_FORMAT)
 endif()
 if(RUN_CLANG_TIDY)
   add_custom_target(tidy
-    COMMAND ${RUN_CLANG_TIDY} -quiet -p ${CMAKE_BINARY_DIR} "^${CMAKE_SOURCE_DIR}/(module|host|chassis|ctl)/.*\\.cpp$"
+    COMMAND ${RUN_CLANG_TIDY} -quiet -p ${CMAKE_BINARY_DIR} "^${CMAKE_SOURCE_DIR}/(module|host|chassis|ctl|tools)/.*\\.cpp$"
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} VERBATIM)
 endif()

@@ -2,7 +2,7 @@
 #ifndef TARN_CHASSIS_REQUESTS_SELECTORS_H
 #define TARN_CHASSIS_REQUESTS_SELECTORS_H
 
-#include "chassis/dispatcher.h"
+#include "chassis/requests/dispatcher.h"
 
 namespace tarn::chassis {
 

@@ -3,12 +3,12 @@
 #ifndef TARN_CHASSIS_STATE_CARD_H
 #define TARN_CHASSIS_STATE_CARD_H
 
-#include "chassis/scenario.h"
 #include "chassis/state/addresses.h"
 #include "chassis/state/channels.h"
 #include "chassis/state/firmware.h"
 #include "chassis/state/identity.h"
 #include "chassis/state/onts.h"
+#include "chassis/state/scenario.h"
 #include "chassis/state/staged_config.h"
 #include "chassis/state/switch_traffic.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "host/image_header.h"
+#include "host/services/image_header.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const std::span<const std::uint8_t> image(data, size);

@@ -16,7 +16,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/chassis_address.h"
+#include "host/board/chassis_address.h"
 #include "tarn/board_protocol.h"
 
 namespace tarn::host::test {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/logger.h"
+#include "host/services/logger.h"
 
 namespace tarn::host::test {
 

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "host/table.h"
+#include "host/tables/table.h"
 #include "support/fake_table.h"
 
 namespace tarn::host::test {

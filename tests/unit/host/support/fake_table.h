@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/table.h"
+#include "host/tables/table.h"
 #include "tarn/host_services.h"
 
 namespace tarn::host::test {

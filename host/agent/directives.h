@@ -1,0 +1,40 @@
+// The agent's directives in net-snmp's configuration files.
+#ifndef TARN_HOST_AGENT_DIRECTIVES_H
+#define TARN_HOST_AGENT_DIRECTIVES_H
+
+#include <string>
+#include <vector>
+
+#include "host/agent/host.h"
+
+namespace tarn::host {
+
+// What the configuration files say, as they say it; host_config makes a HostConfig of it.
+struct Settings {
+    std::string module_path;
+    std::string mib_directories;  // separated by colons
+    std::string chassis;
+    std::string control;  // path of a socket
+    SlotSet slots = SlotSet().set();
+    std::string log;  // as open_log takes it
+    int log_level = 6;
+    std::string command_path = "/usr/sbin:/usr/bin:/sbin:/bin";  // where the module's commands are
+    int largest_bulk = 1000;                                     // variables of a GETBULK answer
+    HostConfig host;
+    bool configured_slots_given = false;
+    bool candidate_slots_given = false;
+};
+
+// Has net-snmp pass the directives of `application`'s files on to `settings`, which must live as long as
+// files are read. A directive with a bad value is reported with its file and line.
+void register_directives(const char *application, Settings &settings);
+
+// The problems that net-snmp reported while it read configuration files: unknown directives too.
+int configuration_problems();
+
+// Puts the settings together. False, and the reason in `error`, when something is missing or wrong.
+bool host_config(const Settings &settings, HostConfig &config, std::string &error);
+
+}  // namespace tarn::host
+
+#endif

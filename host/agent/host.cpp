@@ -1,0 +1,110 @@
+#include "host/agent/host.h"
+
+#include "host/services/agent_thread.h"
+#include "host/services/cache_clock.h"
+#include "host/services/logger.h"
+#include "host/tables/mib_reader.h"
+#include "host/tables/table_binding.h"
+#include "host/tables/table_registration.h"
+
+namespace tarn::host {
+namespace {
+
+constexpr const char *mib_module = "TARN-MIB";
+constexpr unsigned link_check_seconds = 1;
+// How long the agent waits for one slot's link frame: it serves nothing else meanwhile.
+constexpr int link_timeout_ms = 300;
+
+}  // namespace
+
+std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) {
+    std::unique_ptr<Host> host(new Host(config));
+    std::vector<TableSchema> schemas = read_mib_tables(config.mib_directories, mib_module, error);
+    if (schemas.empty()) {
+        return nullptr;
+    }
+    set_cache_period(config.cache_period);
+    set_configured_slots(config.configured);
+    set_ipc_client(&host->ipc_);
+    set_firmware_directories(config.firmware);
+    become_agent_thread();
+    host->module_ = Module::load(config.module_path, error);
+    if (host->module_ == nullptr) {
+        return nullptr;
+    }
+    const ModuleDescriptor &descriptor = host->module_->descriptor();
+    log_add(log_level::information, "module %s, %s, release %u.%u.%u.%u\n", descriptor.family,
+            descriptor.variant, descriptor.version[1], descriptor.version[2], descriptor.version[3],
+            descriptor.version[4]);
+    host->slots_ = std::make_unique<Slots>(config.served_slots, host->module_->slot_initializer,
+                                           host->module_->slot_deinitializer);
+    host->guard_.watch(true);
+    if (!host->slots_->start_chassis()) {
+        error = config.module_path + ": the module cannot start its chassis-wide stores";
+        return nullptr;
+    }
+    host->follow_links();
+    for (BoundTable &bound : bind_tables(std::move(schemas), *host->module_)) {
+        Table &table =
+            host->tables_.emplace_back(std::move(bound.schema), bound.callbacks, host->cache_, *host->slots_);
+        netsnmp_handler_registration *registration = register_table(table);
+        if (registration == nullptr) {
+            error = table.schema().name + ": net-snmp refuses to register it";
+            return nullptr;
+        }
+        host->registrations_.push_back(registration);
+    }
+    host->guard_.watch(false);
+    if (!config.control.empty() && !host->open_control(config.control, error)) {
+        return nullptr;
+    }
+    host->alarm_ = snmp_alarm_register(link_check_seconds, SA_REPEAT, link_alarm, host.get());
+    return host;
+}
+
+bool Host::open_control(const std::string &path, std::string &error) {
+    commands_ = std::make_unique<ControlCommands>(*module_, *slots_, [this] { cache_.clear(); });
+    control_ = ControlSocket::open(
+        path, [this](const std::string &line) { return commands_->answer(line); }, error);
+    return control_ != nullptr;
+}
+
+void Host::follow_links() {
+    for (int slot = profiles_slot; slot < IpcClient::slots; ++slot) {
+        (void)ipc_.check_link(slot, link_timeout_ms);
+    }
+    if (slots_->follow([this](int slot) { return ipc_.check_link(slot, link_timeout_ms); })) {
+        cache_.clear();
+    }
+}
+
+void Host::link_alarm(unsigned /*alarm*/, void *host) {
+    run_left_work();
+    static_cast<Host *>(host)->follow_links();
+}
+
+void Host::stop() {
+    control_.reset();
+    if (alarm_ != 0) {
+        snmp_alarm_unregister(alarm_);
+        alarm_ = 0;
+    }
+    for (netsnmp_handler_registration *registration : registrations_) {
+        unregister_table(registration);
+    }
+    registrations_.clear();
+    cache_.clear();
+    if (slots_ != nullptr) {
+        (void)module_->cleanup_lib();
+        slots_.reset();
+    }
+    run_left_work();
+    flush_log();
+}
+
+Host::~Host() {
+    stop();
+    set_ipc_client(nullptr);
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,73 @@
+// The core of the agent: the module, its tables and its slots inside a net-snmp agent that somebody else
+// runs.
+#ifndef TARN_HOST_AGENT_HOST_H
+#define TARN_HOST_AGENT_HOST_H
+
+#include <chrono>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/board/chassis_address.h"
+#include "host/board/ipc_client.h"
+#include "host/board/slots.h"
+#include "host/control/control_commands.h"
+#include "host/control/control_socket.h"
+#include "host/loader/module_loader.h"
+#include "host/services/firmware_files.h"
+#include "host/tables/row_cache.h"
+#include "host/tables/set_guard.h"
+#include "host/tables/table.h"
+
+namespace tarn::host {
+
+struct HostConfig {
+    std::string module_path;
+    std::vector<std::string> mib_directories;
+    ChassisAddress chassis;
+    SlotSet served_slots = SlotSet().set();
+    ConfiguredSlots configured{SlotSet().set(), SlotSet().set(), {}};
+    int cache_period = 20;         // seconds; 0: always stale
+    std::chrono::seconds hold{5};  // for which a silent card is left alone
+    FirmwareDirectories firmware = default_firmware_directories();
+    std::size_t row_budget = 2'000'000;
+    std::string control;  // path of the control socket; empty: none
+};
+
+class Host {
+  public:
+    // Loads the module, starts its slots and registers its tables, between net-snmp's init_snmp and the first
+    // request. Null, and the reason in `error`, when that cannot be.
+    static std::unique_ptr<Host> start(const HostConfig &config, std::string &error);
+    // Stops the slots and takes the tables out of net-snmp. net-snmp may still hold scalars of the module:
+    // shut it down before the Host goes, since then the module is unloaded.
+    void stop();
+    ~Host();
+    Host(const Host &) = delete;
+    Host &operator=(const Host &) = delete;
+
+    [[nodiscard]] const Slots &slots() const { return *slots_; }
+    [[nodiscard]] std::size_t tables() const { return tables_.size(); }
+
+  private:
+    explicit Host(const HostConfig &config) : ipc_(config.chassis, config.hold), cache_(config.row_budget) {}
+    bool open_control(const std::string &path, std::string &error);
+    void follow_links();
+    static void link_alarm(unsigned alarm, void *host);
+
+    std::unique_ptr<Module> module_;
+    IpcClient ipc_;
+    RowCache cache_;
+    SetGuard guard_;
+    std::unique_ptr<Slots> slots_;
+    std::list<Table> tables_;
+    std::vector<netsnmp_handler_registration *> registrations_;
+    std::unique_ptr<ControlCommands> commands_;
+    std::unique_ptr<ControlSocket> control_;
+    unsigned alarm_ = 0;
+};
+
+}  // namespace tarn::host
+
+#endif

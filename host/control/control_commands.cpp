@@ -1,0 +1,176 @@
+#include "host/control/control_commands.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "host/control/download.h"
+#include "host/services/logger.h"
+
+namespace tarn::host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+class ControlError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// The commands by name, and the module's functions for line cards and for the chassis-wide profiles.
+struct ConfigurationCommand {
+    std::string_view name;
+    const char *of_slot;
+    const char *of_profiles;  // null: there is none
+    bool forgets;             // what the module remembers of the slot no longer holds
+};
+
+constexpr ConfigurationCommand commands[] = {
+    {"commit", "slot_lib_set_commit_change", "slot_lib_set_commit_blade_profiles", false},
+    {"confirm", "slot_lib_set_confirm_change", "slot_lib_confirm_blade_profiles", false},
+    {"rollback", "slot_lib_set_rollback_change", "slot_lib_set_rollback_blade_profiles", true},
+    {"save", "slot_lib_set_save_to_startup", nullptr, false},
+    {"default", "slot_lib_set_to_default", "slot_lib_set_default_blade_profiles", true},
+    {"reread", "slot_lib_set_reread_config", nullptr, false},
+    {"reload", "slot_lib_set_reload_blade_slot", nullptr, true},
+};
+
+using profiles_function = int();
+
+template <class Function>
+Function *find_function(const Module &module, const char *symbol) {
+    auto *function = symbol != nullptr ? module.function<Function>(symbol) : nullptr;
+    if (function == nullptr) {
+        throw ControlError(symbol != nullptr ? std::string("the module has no ") + symbol
+                                             : "there is no such command for the profiles");
+    }
+    return function;
+}
+
+void need_keys(const Json &request, std::initializer_list<std::string_view> known) {
+    for (const auto &[key, value] : request.items()) {
+        if (key != "do" && std::ranges::find(known, key) == known.end()) {
+            throw ControlError("unknown key \"" + key + '"');
+        }
+    }
+}
+
+// The slots of a request, 0-15 inside the agent and 1-16 outside; without the key those that are up.
+std::vector<int> requested_slots(const Json &request, const Slots &slots) {
+    if (!request.contains("slots")) {
+        return slots.up();
+    }
+    const Json &list = request["slots"];
+    if (!list.is_array() || list.empty()) {
+        throw ControlError("slots must be a list of slots");
+    }
+    std::vector<int> result;
+    for (const Json &slot : list) {
+        if (!slot.is_number_integer() || slot < 1 || slot > chassis_slot::line_cards) {
+            throw ControlError("a slot lies between 1 and " + std::to_string(chassis_slot::line_cards));
+        }
+        result.push_back(slot.get<int>() - 1);
+    }
+    return result;
+}
+
+Json run_on_slots(const ConfigurationCommand &command, const Json &request, const Module &module,
+                  Slots &slots) {
+    need_keys(request, {"slots"});
+    auto *function = find_function<slot_function>(module, command.of_slot);
+    Json results = Json::array();
+    for (const int slot : requested_slots(request, slots)) {
+        Json result{{"slot", slot + 1}};
+        if (slots.is_up(slot)) {
+            const int outcome = function(slot);
+            result["result"] = outcome;
+            if (outcome == 0 && command.forgets) {
+                slots.restart(slot);
+            }
+        } else {
+            result["error"] = "not up";
+        }
+        results.push_back(std::move(result));
+    }
+    return {{"results", results}};
+}
+
+Json list_slots(const Slots &slots) {
+    Json list = Json::array();
+    for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
+        list.push_back({{"slot", slot + 1},
+                        {"served", slots.served().test(static_cast<std::size_t>(slot))},
+                        {"up", slots.is_up(slot)}});
+    }
+    return {{"slots", list}};
+}
+
+std::string text_of(const Json &request, const char *key) {
+    if (!request.contains(key) || !request[key].is_string()) {
+        throw ControlError(std::string(key) + " must be a text");
+    }
+    return request[key].get<std::string>();
+}
+
+Json download_firmware(const Json &request, const Module &module) {
+    need_keys(request, {"server", "path"});
+    std::string error;
+    if (!start_download(module, text_of(request, "server"), text_of(request, "path"), error)) {
+        throw ControlError(error);
+    }
+    return {{"download", "started"}};
+}
+
+constexpr std::string_view profiles_suffix = "-profiles";
+
+}  // namespace
+
+std::string ControlCommands::error_line(const std::string &text) {
+    return Json{{"error", text}}.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+std::string ControlCommands::answer(const std::string &line) try {
+    const Json request = Json::parse(line);
+    if (!request.is_object() || !request.contains("do") || !request["do"].is_string()) {
+        throw ControlError("a request is a JSON object with a text \"do\"");
+    }
+    auto name = request["do"].get<std::string>();
+    if (name == "slots" || name == "version") {
+        need_keys(request, {});
+        const Json answer = name == "slots" ? list_slots(slots_)
+                                            : Json{{"program", "tarn-agentd"}, {"version", TARN_VERSION}};
+        return answer.dump() + '\n';
+    }
+    if (name == "firmware-state") {
+        need_keys(request, {});
+        return Json{{"download", download_state(module_)}}.dump() + '\n';
+    }
+    if (name == "firmware-download") {
+        log_add(log_level::information, "control: %s\n", printable(line).c_str());
+        return download_firmware(request, module_).dump() + '\n';
+    }
+    const bool of_profiles = name.ends_with(profiles_suffix);
+    if (of_profiles) {
+        name.resize(name.size() - profiles_suffix.size());
+    }
+    const auto *const command =
+        std::ranges::find_if(commands, [&](const ConfigurationCommand &c) { return c.name == name; });
+    if (command == std::end(commands)) {
+        throw ControlError("unknown request \"" + request["do"].get<std::string>() + '"');
+    }
+    log_add(log_level::information, "control: %s\n", printable(line).c_str());
+    Json answer;
+    if (of_profiles) {
+        need_keys(request, {});
+        answer = {{"result", find_function<profiles_function>(module_, command->of_profiles)()}};
+    } else {
+        answer = run_on_slots(*command, request, module_, slots_);
+    }
+    changed_();
+    return answer.dump() + '\n';
+} catch (const ControlError &error) {
+    return error_line(error.what());
+} catch (const Json::exception &error) {
+    return error_line(error.what());
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,32 @@
+// The clock that decides whether cached board data is fresh. It stands still while one SNMP PDU is served, so
+// that all variables of a PDU see the same data.
+#ifndef TARN_HOST_SERVICES_CACHE_CLOCK_H
+#define TARN_HOST_SERVICES_CACHE_CLOCK_H
+
+#include <cstdint>
+
+namespace tarn::host {
+
+// The standard period of check_cache in seconds; 0: everything is always stale.
+void set_cache_period(int seconds);
+int cache_period();
+
+// Monotonic time in nanoseconds; while a PDU is served, the time at which its serving began.
+std::int64_t agent_time();
+
+// Stops the clock for the time that part of a PDU is served. Parts of one PDU (its phases, its tables) have
+// the same transaction number and see the same time.
+class PduClock {
+  public:
+    explicit PduClock(long transaction);
+    ~PduClock();
+    PduClock(const PduClock &) = delete;
+    PduClock &operator=(const PduClock &) = delete;
+};
+
+// The clock that agent_time reads, in nanoseconds: CLOCK_MONOTONIC unless a test sets another; null resets.
+void set_clock_source(std::int64_t (*source)());
+
+}  // namespace tarn::host
+
+#endif

@@ -1,0 +1,39 @@
+// The agent's log. The module's log_add and net-snmp's own messages go to the same place.
+#ifndef TARN_HOST_SERVICES_LOGGER_H
+#define TARN_HOST_SERVICES_LOGGER_H
+
+#include <string>
+#include <string_view>
+
+#include "tarn/host_services.h"
+
+namespace tarn::host {
+
+// As syslog's. A message passes when its level is at most the configured one.
+namespace log_level {
+inline constexpr int error = 3;
+inline constexpr int warning = 4;
+inline constexpr int information = 6;
+inline constexpr int debug = 7;
+}  // namespace log_level
+
+void set_log_level(int level);
+
+// Opens the log's destination: "stderr", "syslog" or "file PATH". False for any other text and for a file
+// that cannot be opened.
+bool open_log(std::string_view destination);
+
+// The level of a name: error, warning, information or debug; -1 for another text.
+int log_level_of(std::string_view name);
+
+// A line that repeats one of the last few is not written but counted for up to five seconds, so that a card
+// that fails for every row of a table does not flood the log. This writes the counts.
+void flush_log();
+
+// The text without its last line end, each other control byte replaced by '?': a text that came from a
+// manager or a card can neither forge a line nor command a terminal.
+std::string printable(std::string_view text);
+
+}  // namespace tarn::host
+
+#endif

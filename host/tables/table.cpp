@@ -1,0 +1,168 @@
+#include "host/tables/table.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "host/services/cache_clock.h"
+#include "host/tables/table_set.h"
+#include "host/tables/table_walk.h"
+
+namespace tarn::host {
+namespace {
+
+const std::vector<int> chassis_only{profiles_slot};
+
+// net-snmp's data list takes names and data without const.
+char table_list_name[] = TABLE_HANDLER_NAME;
+
+std::span<const oid> name_of(const netsnmp_variable_list *binding) {
+    return {binding->name, binding->name_length};
+}
+
+}  // namespace
+
+Table::Table(TableSchema schema, const TableCallbacks &callbacks, RowCache &cache, const Slots &slots)
+    : schema_(std::move(schema)),
+      callbacks_(callbacks),
+      cache_(cache),
+      slots_(slots),
+      source_(schema_, callbacks_),
+      index_values_(schema_.index) {
+    registration_.indexes = index_values_.list();
+    registration_.number_indexes = static_cast<unsigned>(schema_.index.size());
+    registration_.min_column = static_cast<unsigned>(schema_.columns.front().number);
+    registration_.max_column = static_cast<unsigned>(schema_.columns.back().number);
+    table_info_.reg_info = &registration_;
+    table_info_.indexes = index_values_.list();
+    table_info_.number_indexes = registration_.number_indexes;
+}
+
+const std::vector<int> &Table::slots() const {
+    return schema_.per_slot() ? slots_.up() : chassis_only;
+}
+
+std::shared_ptr<const RowIndex> Table::rows(int slot, long transaction, bool fresh) {
+    const auto build = [this, slot] { return source_.enumerate(slot); };
+    return fresh ? cache_.renew(this, slot, transaction, build) : cache_.get(this, slot, transaction, build);
+}
+
+const Column *Table::column_of(std::span<const oid> name) const {
+    const std::size_t root_length = schema_.root.size();
+    if (name.size() < schema_.prefix_length() || name[root_length] != 1) {
+        return nullptr;
+    }
+    const auto found =
+        std::lower_bound(schema_.columns.begin(), schema_.columns.end(), name[root_length + 1],
+                         [](const Column &column, oid number) { return column.number < number; });
+    return found != schema_.columns.end() && found->number == name[root_length + 1] ? &*found : nullptr;
+}
+
+NameForm Table::parse(std::span<const oid> name, Instance &instance) {
+    const std::size_t root_length = schema_.root.size();
+    if (name.size() <= schema_.prefix_length() || name[root_length] != 1) {
+        return NameForm::nothing;
+    }
+    instance.column = name[root_length + 1];
+    if (instance.column > std::numeric_limits<std::int32_t>::max()) {
+        return NameForm::nothing;
+    }
+    const std::span<const oid> suffix = name.subspan(schema_.prefix_length());
+    instance.suffix.assign(suffix.begin(), suffix.end());
+    instance.slot = profiles_slot;
+    if (schema_.per_slot()) {
+        if (suffix.front() == 0 || suffix.front() > chassis_slot::line_cards) {
+            return NameForm::nothing;
+        }
+        instance.slot = static_cast<int>(suffix.front()) - 1;  // in names, slots count from 1
+        if (!slots_.is_up(instance.slot)) {
+            return NameForm::nothing;
+        }
+    }
+    if (suffix.size() < schema_.shortest_index()) {
+        return NameForm::part_of_a_row;
+    }
+    return index_values_.decode(suffix) ? NameForm::row : NameForm::nothing;
+}
+
+int Table::call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request,
+                const Instance &instance) {
+    netsnmp_request_info single = *request;
+    single.next = nullptr;
+    single.prev = nullptr;
+    single.status = SNMP_ERR_NOERROR;
+    single.processed = 0;
+    single.agent_req_info = reqinfo;
+    const int outer_mode = std::exchange(reqinfo->mode, mode);
+    int result = SNMP_ERR_NOERROR;
+    if (is_iterator()) {
+        (void)index_values_.decode(instance.suffix);
+        table_info_.colnum = static_cast<unsigned>(instance.column);
+        std::copy(instance.suffix.begin(), instance.suffix.end(), table_info_.index_oid);
+        table_info_.index_oid_len = instance.suffix.size();
+        netsnmp_data_list info{request->parent_data, table_list_name, &table_info_, nullptr};
+        single.parent_data = &info;
+        result = callbacks_.module_handler(&single, reqinfo, instance.row, &table_info_);
+    } else {
+        result = callbacks_.table_handler_nextgen(mode, &single, instance.slot, instance.row);
+    }
+    reqinfo->mode = outer_mode;
+    return single.status != SNMP_ERR_NOERROR ? single.status : result;
+}
+
+void Table::get(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request) {
+    netsnmp_variable_list *binding = request->requestvb;
+    const std::span<const oid> name = name_of(binding);
+    if (column_of(name) == nullptr) {
+        (void)netsnmp_request_set_error(request, SNMP_NOSUCHOBJECT);
+        return;
+    }
+    Instance instance;
+    const NameForm form = parse(name, instance);
+    // What a name means that is too short for a row is for an OID-exact table to say.
+    if (form == NameForm::nothing || (form == NameForm::part_of_a_row && is_iterator())) {
+        (void)netsnmp_request_set_error(request, SNMP_NOSUCHINSTANCE);
+        return;
+    }
+    if (is_iterator()) {
+        // A row that does not exist goes to the module without data: what that means is the table's.
+        const auto index = rows(instance.slot, reqinfo->asp->pdu->transid);
+        const std::size_t row = index->find(instance.suffix);
+        instance.row = row < index->size() ? index->data(row) : nullptr;
+    }
+    const int code = call(MODE_GET, reqinfo, request, instance);
+    if (binding->type != ASN_NULL) {
+        return;
+    }
+    if (code == SNMP_ERR_NOERROR) {
+        (void)netsnmp_request_set_error(request, SNMP_NOSUCHOBJECT);
+    } else {
+        (void)netsnmp_request_set_error(request, code);
+    }
+}
+
+void Table::serve(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    const PduClock clock(reqinfo->asp->pdu->transid);
+    switch (reqinfo->mode) {
+        case MODE_GET:
+            for (auto *request = requests; request != nullptr; request = request->next) {
+                if (request->processed == 0) {
+                    get(reqinfo, request);
+                }
+            }
+            break;
+        case MODE_GETNEXT:
+        case MODE_GETBULK:
+            walk_table(*this, reqinfo, requests);
+            break;
+        default:
+            set_table(*this, reqinfo, requests);
+            if (reqinfo->mode == MODE_SET_COMMIT || reqinfo->mode == MODE_SET_UNDO ||
+                reqinfo->mode == MODE_SET_FREE) {
+                cache_.clear();
+            }
+            break;
+    }
+}
+
+}  // namespace tarn::host

@@ -1,0 +1,174 @@
+#include "host/tables/table_set.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "host/services/logger.h"
+
+namespace tarn::host {
+namespace {
+
+constexpr char list_name[] = "tarn_set";
+
+// What a request of a SET is about, from RESERVE1 to its end.
+struct SetTarget {
+    Instance instance;
+    std::shared_ptr<const RowIndex> rows;
+    bool hidden = false;  // the row cannot be read, nor does the SET say what becomes of it
+};
+
+void delete_target(void *target) {
+    delete static_cast<SetTarget *>(target);
+}
+
+SetTarget *target_of(const netsnmp_request_info *request) {
+    return static_cast<SetTarget *>(netsnmp_get_list_data(request->parent_data, list_name));
+}
+
+// Requests that are not resolved never reach the module, in no phase.
+SetTarget *resolve(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request) {
+    const netsnmp_variable_list *binding = request->requestvb;
+    auto target = std::make_unique<SetTarget>();
+    if (table.parse({binding->name, binding->name_length}, target->instance) != NameForm::row) {
+        return nullptr;
+    }
+    if (table.is_iterator()) {
+        // A row that does not exist stays null: the table may create it.
+        target->rows = table.rows(target->instance.slot, reqinfo->asp->pdu->transid, true);
+        const std::size_t row = target->rows->find(target->instance.suffix);
+        target->instance.row = row < target->rows->size() ? target->rows->data(row) : nullptr;
+    }
+    SetTarget *result = target.release();
+    netsnmp_request_add_list_data(request, netsnmp_create_data_list(list_name, result, delete_target));
+    return result;
+}
+
+// The error-status that reaches the manager. The exceptions of a GET have no meaning in a SET, and what
+// net-snmp makes of them after RESERVE1 is not allowed in SNMPv2; a COMMIT can only fail.
+int set_error(int mode, int code) {
+    if (mode == MODE_SET_COMMIT) {
+        return SNMP_ERR_COMMITFAILED;
+    }
+    if (code == SNMP_NOSUCHOBJECT || code == SNMP_NOSUCHINSTANCE || code == SNMP_ERR_NOSUCHNAME) {
+        return SNMP_ERR_NOCREATION;
+    }
+    return code < 0 || code > SNMP_ERR_INCONSISTENTNAME ? SNMP_ERR_GENERR : code;
+}
+
+bool undoes(int mode) {
+    return mode == MODE_SET_FREE || mode == MODE_SET_UNDO;
+}
+
+// Whether the variable creates its row when that is not there. A row that is destroyed goes when the manager
+// says.
+bool creates_row(const Table &table, const netsnmp_variable_list *binding) {
+    const Column *column = table.column_of({binding->name, binding->name_length});
+    return column != nullptr && column->row_status && binding->type == ASN_INTEGER &&
+           *binding->val.integer != RS_DESTROY;
+}
+
+std::span<const oid> row_of(const Table &table, const netsnmp_request_info *request) {
+    const std::span<const oid> name(request->requestvb->name, request->requestvb->name_length);
+    return name.subspan(std::min(table.schema().prefix_length(), name.size()));
+}
+
+// SNMP leaves the order of a SET's variables open; the module must learn of a new row before it is given the
+// row's other columns. Otherwise the manager's order stays.
+std::vector<netsnmp_request_info *> in_module_order(const Table &table, netsnmp_request_info *requests) {
+    std::vector<netsnmp_request_info *> ordered;
+    for (auto *request = requests; request != nullptr; request = request->next) {
+        auto place = ordered.end();
+        if (creates_row(table, request->requestvb)) {
+            place = std::ranges::find_if(ordered, [&](const netsnmp_request_info *earlier) {
+                return std::ranges::equal(row_of(table, earlier), row_of(table, request));
+            });
+        }
+        ordered.insert(place, request);
+    }
+    return ordered;
+}
+
+// Whether a row's RowStatus can be read.
+bool is_visible(Table &table, netsnmp_agent_request_info *reqinfo, const netsnmp_request_info *request,
+                Instance row) {
+    row.column = table.schema().row_status()->number;
+    std::vector<oid> name(request->requestvb->name,
+                          request->requestvb->name + request->requestvb->name_length);
+    name[table.schema().prefix_length() - 1] = row.column;
+    netsnmp_request_info probe = *request;
+    probe.requestvb = nullptr;
+    (void)snmp_varlist_add_variable(&probe.requestvb, name.data(), name.size(), ASN_NULL, nullptr, 0);
+    const bool visible = table.call(MODE_GET, reqinfo, &probe, row) == SNMP_ERR_NOERROR &&
+                         probe.requestvb->type == ASN_INTEGER;
+    snmp_free_varbind(probe.requestvb);
+    return visible;
+}
+
+// An OID-exact table may take a SET of a row that was destroyed, and change what no manager can read: notes
+// the rows that are not visible before the SET, and tells of one that is not afterwards.
+void note_hidden_rows(Table &table, netsnmp_agent_request_info *reqinfo,
+                      std::span<netsnmp_request_info *const> requests) {
+    for (netsnmp_request_info *request : requests) {
+        const bool told = std::ranges::any_of(requests, [&](const netsnmp_request_info *other) {
+            const Column *column = table.column_of({other->requestvb->name, other->requestvb->name_length});
+            return column != nullptr && column->row_status &&
+                   std::ranges::equal(row_of(table, other), row_of(table, request));
+        });
+        if (SetTarget *target = target_of(request); target != nullptr && !told) {
+            target->hidden = !is_visible(table, reqinfo, request, target->instance);
+        }
+    }
+}
+
+void tell_of_hidden_row(Table &table, netsnmp_agent_request_info *reqinfo,
+                        std::span<netsnmp_request_info *const> requests) {
+    const auto hidden = std::ranges::find_if(requests, [&](const netsnmp_request_info *request) {
+        const SetTarget *target = target_of(request);
+        return target != nullptr && target->hidden && request->status == SNMP_ERR_NOERROR &&
+               !is_visible(table, reqinfo, request, target->instance);
+    });
+    if (hidden == requests.end()) {
+        return;
+    }
+    std::string row;
+    for (const oid subid : row_of(table, *hidden)) {
+        row += "." + std::to_string(subid);
+    }
+    log_add(log_level::warning, "%s: a SET changed the row %s, which does not exist for managers\n",
+            table.schema().name.c_str(), row.c_str() + 1);
+}
+
+}  // namespace
+
+void set_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {
+    const int mode = reqinfo->mode;
+    const std::vector<netsnmp_request_info *> ordered = in_module_order(table, requests);
+    const bool creates_rows = !table.is_iterator() && table.schema().row_status() != nullptr;
+    for (netsnmp_request_info *request : ordered) {
+        SetTarget *target = mode == MODE_SET_RESERVE1 ? resolve(table, reqinfo, request) : target_of(request);
+        if (target == nullptr) {
+            if (mode == MODE_SET_RESERVE1) {
+                (void)netsnmp_set_request_error(reqinfo, request, SNMP_ERR_NOCREATION);
+            }
+            continue;
+        }
+        // Once an action failed, also in another table, no further one is started.
+        if (mode == MODE_SET_ACTION &&
+            netsnmp_check_all_requests_error(reqinfo->asp, 0) != SNMP_ERR_NOERROR) {
+            return;
+        }
+        const int code = table.call(mode, reqinfo, request, target->instance);
+        // What FREE and UNDO return must not hide the error that led to them.
+        if (code != SNMP_ERR_NOERROR && !undoes(mode)) {
+            (void)netsnmp_set_request_error(reqinfo, request, set_error(mode, code));
+        }
+    }
+    if (creates_rows && mode == MODE_SET_RESERVE2) {
+        note_hidden_rows(table, reqinfo, ordered);
+    } else if (creates_rows && mode == MODE_SET_COMMIT) {
+        tell_of_hidden_row(table, reqinfo, ordered);
+    }
+}
+
+}  // namespace tarn::host
