@@ -1,5 +1,7 @@
 #include "host/agent/host.h"
 
+#include <net-snmp/library/fd_event_manager.h>
+
 #include "host/services/agent_thread.h"
 #include "host/services/cache_clock.h"
 #include "host/services/logger.h"
@@ -12,8 +14,8 @@ namespace {
 
 constexpr const char *mib_module = "TARN-MIB";
 constexpr unsigned link_check_seconds = 1;
-// How long the agent waits for one slot's link frame: it serves nothing else meanwhile.
-constexpr int link_timeout_ms = 300;
+// How long the agent waits at its start for the chassis to say which slots have cards.
+constexpr std::chrono::seconds start_patience{2};
 
 }  // namespace
 
@@ -43,6 +45,8 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
         error = config.module_path + ": the module cannot start its chassis-wide stores";
         return nullptr;
     }
+    host->ipc_.refresh_links();
+    host->ipc_.wait_for_links(std::chrono::steady_clock::now() + start_patience);
     host->follow_links();
     for (BoundTable &bound : bind_tables(std::move(schemas), *host->module_)) {
         Table &table =
@@ -58,6 +62,10 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
     if (!config.control.empty() && !host->open_control(config.control, error)) {
         return nullptr;
     }
+    if (register_readfd(host->ipc_.descriptor(), board_ready, host.get()) != FD_REGISTERED_OK) {
+        error = "net-snmp takes no more descriptors";
+        return nullptr;
+    }
     host->alarm_ = snmp_alarm_register(link_check_seconds, SA_REPEAT, link_alarm, host.get());
     return host;
 }
@@ -70,21 +78,25 @@ bool Host::open_control(const std::string &path, std::string &error) {
 }
 
 void Host::follow_links() {
-    for (int slot = profiles_slot; slot < IpcClient::slots; ++slot) {
-        (void)ipc_.check_link(slot, link_timeout_ms);
-    }
-    if (slots_->follow([this](int slot) { return ipc_.check_link(slot, link_timeout_ms); })) {
+    if (slots_->follow([this](int slot) { return ipc_.link(slot); })) {
         cache_.clear();
     }
 }
 
+void Host::board_ready(int /*descriptor*/, void *host) {
+    static_cast<Host *>(host)->ipc_.process();
+    static_cast<Host *>(host)->follow_links();
+}
+
 void Host::link_alarm(unsigned /*alarm*/, void *host) {
     run_left_work();
+    static_cast<Host *>(host)->ipc_.refresh_links();
     static_cast<Host *>(host)->follow_links();
 }
 
 void Host::stop() {
     control_.reset();
+    (void)unregister_readfd(ipc_.descriptor());
     if (alarm_ != 0) {
         snmp_alarm_unregister(alarm_);
         alarm_ = 0;

@@ -29,7 +29,7 @@ struct HostConfig {
     SlotSet served_slots = SlotSet().set();
     ConfiguredSlots configured{SlotSet().set(), SlotSet().set(), {}};
     int cache_period = 20;         // seconds; 0: always stale
-    std::chrono::seconds hold{5};  // for which a silent card is left alone
+    std::chrono::seconds hold{1};  // for which a silent card is left alone between two probes
     FirmwareDirectories firmware = default_firmware_directories();
     std::size_t row_budget = 2'000'000;
     std::string control;  // path of the control socket; empty: none
@@ -54,6 +54,7 @@ class Host {
     explicit Host(const HostConfig &config) : ipc_(config.chassis, config.hold), cache_(config.row_budget) {}
     bool open_control(const std::string &path, std::string &error);
     void follow_links();
+    static void board_ready(int descriptor, void *host);
     static void link_alarm(unsigned alarm, void *host);
 
     std::unique_ptr<Module> module_;

@@ -1,7 +1,13 @@
 #include "host/board/ipc_client.h"
 
+#include <sys/epoll.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstring>
+#include <system_error>
+#include <utility>
 
 #include "host/board/ipc_result.h"
 #include "host/services/logger.h"
@@ -9,9 +15,15 @@
 namespace tarn::host {
 namespace {
 
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
 constexpr int silent_requests_before_hold = 2;
+constexpr int lost_requests_before_hold = 3;
 constexpr int suspect_timeout_ms = 1000;
 constexpr int doublings = 3;
+constexpr auto link_timeout = 3s;
+constexpr int probe_timeout_ms = 3000;
 
 // The size of an answer's block: at least what the largest answer of its command takes.
 std::size_t block_size(std::uint16_t command, std::size_t length) {
@@ -20,19 +32,59 @@ std::size_t block_size(std::uint16_t command, std::size_t length) {
     return std::max(length, command == command::get_all_config ? configuration_image : other);
 }
 
-Deadline deadline_in(int milliseconds) {
-    return std::chrono::steady_clock::now() + std::chrono::milliseconds(std::max(milliseconds, 0));
+std::uint16_t command_of(const std::vector<std::uint8_t> &message) {
+    return static_cast<std::uint16_t>(load_integer(message.data(), board_header::command));
 }
 
-std::uint16_t command_of(const std::uint8_t *message) {
-    return static_cast<std::uint16_t>(load_integer(message, board_header::command));
+// A question that any card can answer and that changes nothing.
+std::vector<std::uint8_t> probe_request(int slot) {
+    struct Question {
+        std::uint16_t command;
+        std::uint8_t destination;
+    };
+    constexpr Question of_line_card{command::get_olt_state, destination::services};
+    constexpr std::array<Question, 3> of_chassis = {
+        Question{command::get_alloc_profiles, destination::configuration},
+        Question{command::get_olt_vlan_profiles, destination::configuration},
+        Question{command::get_alarms_config, destination::configuration}};
+    const Question question = slot < chassis_slot::line_cards
+                                  ? of_line_card
+                                  : of_chassis[static_cast<std::size_t>(slot - chassis_slot::line_cards)];
+    std::vector<std::uint8_t> request(board_header::size);
+    store_integer(request.data(), board_header::command, question.command);
+    store_integer(request.data(), board_header::kind, 1);
+    store_integer(request.data(), board_header::destination, question.destination);
+    store_integer(request.data(), board_header::slot, slot);
+    store_integer(request.data(), board_header::version_1, release_numbers[0]);
+    store_integer(request.data(), board_header::version_2, release_numbers[1]);
+    store_integer(request.data(), board_header::version_3, release_numbers[2]);
+    store_integer(request.data(), board_header::version_4, release_numbers[3]);
+    store_integer(request.data(), board_header::version_5, release_numbers[4]);
+    store_integer(request.data(), board_header::length, board_header::size);
+    return request;
 }
 
-std::size_t length_of(const std::uint8_t *message) {
-    return static_cast<std::size_t>(load_integer(message, board_header::length));
+int milliseconds_until(Deadline deadline) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    return static_cast<int>(std::clamp<std::int64_t>(left, 0, 3'600'000));
 }
 
-IpcClient *the_client = nullptr;
+void count(CommandFigures &figures, const Exchange &exchange, int result, std::chrono::milliseconds taken) {
+    if (result == ipc_result::timed_out) {
+        ++figures.timed_out;
+    } else if (result == ipc_result::connection_lost || result == ipc_result::protocol_error) {
+        ++figures.lost;
+    } else if (result != 0) {
+        ++figures.other;
+    } else {
+        ++(load_integer(exchange.answer.data(), board_header::status) == board_status::success
+               ? figures.answered
+               : figures.refused);
+        const auto &limits = CommandFigures::limits_ms;
+        const auto place = std::lower_bound(limits.begin(), limits.end(), taken.count());
+        ++figures.times[static_cast<std::size_t>(place - limits.begin())];
+    }
+}
 
 }  // namespace
 
@@ -43,164 +95,448 @@ int patience_ms(int silent_requests, int timeout_ms) {
     return std::min(timeout_ms, suspect_timeout_ms << std::min(silent_requests - 1, doublings));
 }
 
-void set_ipc_client(IpcClient *client) {
-    the_client = client;
+const char *name_of(CardState state) {
+    constexpr std::array names = {"ok", "slow", "silent", "closing", "absent"};
+    return names[static_cast<std::size_t>(state)];
 }
 
-bool IpcClient::on_hold(const Slot &slot) {
-    return slot.silent_requests >= silent_requests_before_hold &&
-           std::chrono::steady_clock::now() < slot.hold_until;
+IpcClient::IpcClient(const ChassisAddress &address, std::chrono::milliseconds hold)
+    : address_(address),
+      hold_(hold),
+      events_(epoll_create1(EPOLL_CLOEXEC)),
+      timer_(timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
+    epoll_event event{};
+    event.events = EPOLLIN;
+    event.data.ptr = nullptr;  // the timer
+    if (events_ < 0 || timer_ < 0 || epoll_ctl(events_, EPOLL_CTL_ADD, timer_, &event) != 0) {
+        throw std::system_error(errno, std::generic_category(), "board connections");
+    }
 }
 
-void IpcClient::count_silence(Slot &slot) const {
-    ++slot.silent_requests;
-    const int holds = std::clamp(slot.silent_requests - silent_requests_before_hold, 0, doublings);
-    slot.hold_until = std::chrono::steady_clock::now() + hold_ * (1 << holds);
+IpcClient::~IpcClient() {
+    (void)::close(timer_);
+    (void)::close(events_);
 }
 
-int IpcClient::fail(Slot &slot, SocketResult result) {
-    slot.socket.close();
-    return result == SocketResult::timed_out ? ipc_result::timed_out : ipc_result::connection_lost;
+bool IpcClient::link(int slot) const {
+    return slot >= 0 && slot < slots && slot_at(slot).link;
 }
 
-int IpcClient::connect(Slot &slot, int number, Deadline deadline) {
-    slot.link = false;
-    const SocketResult connected = slot.socket.connect(address_, deadline);
-    if (connected != SocketResult::done) {
-        return connected == SocketResult::timed_out ? ipc_result::timed_out : ipc_result::no_connection;
-    }
-    std::array<std::uint8_t, board_header::size> frame{};
-    store_integer(frame.data(), board_header::command, command::link);
-    store_integer(frame.data(), board_header::kind, 1);
-    store_integer(frame.data(), board_header::slot, number);
-    store_integer(frame.data(), board_header::length, board_header::size);
-    SocketResult result = slot.socket.write(frame, deadline);
-    if (result == SocketResult::done) {
-        result = slot.socket.read(frame, deadline);
-    }
-    if (result != SocketResult::done) {
-        return fail(slot, result);
-    }
-    if (command_of(frame.data()) != command::link ||
-        load_integer(frame.data(), board_header::slot) != number ||
-        length_of(frame.data()) != board_header::size) {
-        slot.socket.close();
-        return ipc_result::protocol_error;
-    }
-    if (load_integer(frame.data(), board_header::status) != board_status::success) {
-        slot.socket.close();
-        return ipc_result::no_card;
-    }
-    slot.link = true;
-    return 0;
+const CardFigures &IpcClient::figures(int slot) const {
+    return slot_at(slot).figures;
 }
 
-int IpcClient::exchange(Slot &slot, std::span<const std::uint8_t> request, std::uint8_t **answer,
-                        Deadline deadline) {
-    std::array<std::uint8_t, board_header::size> header{};
-    SocketResult result = slot.socket.write(request, deadline);
-    if (result == SocketResult::done) {
-        result = slot.socket.read(header, deadline);
+CardState IpcClient::state(int number) const {
+    const Slot &slot = slot_at(number);
+    if (!slot.link) {
+        return CardState::absent;
     }
-    if (result != SocketResult::done) {
-        return fail(slot, result);
+    if (slot.held) {
+        return slot.silent_requests >= silent_requests_before_hold ? CardState::silent : CardState::closing;
     }
-    const std::uint16_t command = command_of(header.data());
-    const std::size_t length = length_of(header.data());
-    if (command != command_of(request.data()) ||
-        load_integer(header.data(), board_header::slot) != load_integer(request.data(), board_header::slot) ||
-        length < board_header::size || length > max_message_size) {
-        slot.socket.close();
-        return ipc_result::protocol_error;
+    const Deadline long_ago = Clock::now() - quick;
+    const bool waits = std::ranges::any_of(slot.connections, [&](const auto &connection) {
+        return connection->exchange() != nullptr && connection->exchange()->started < long_ago;
+    });
+    return slot.last_answer > quick || waits ? CardState::slow : CardState::ok;
+}
+
+ExchangePtr IpcClient::start(std::span<const std::uint8_t> request, int timeout_ms) {
+    auto exchange = std::make_shared<Exchange>();
+    const auto number = request.size() < board_header::size
+                            ? slots
+                            : static_cast<int>(load_integer(request.data(), board_header::slot));
+    exchange->started = Clock::now();
+    if (number >= slots || request.size() > max_message_size) {
+        exchange->finished = true;
+        exchange->result = ipc_result::bad_request;
+        return exchange;
     }
-    const std::size_t size = block_size(command, length);
+    Slot &slot = slot_at(number);
+    exchange->slot = number;
+    exchange->request.assign(request.begin(), request.end());
+    if (slot.held) {
+        finish(exchange, ipc_result::on_hold);
+        return exchange;
+    }
+    const int patience = std::max(patience_ms(slot.silent_requests, timeout_ms), 0);
+    exchange->deadline = exchange->started + std::chrono::milliseconds(patience);
+    slot.queue.push_back(exchange);
+    watch_deadline(exchange->deadline);
+    dispatch(number);
+    return exchange;
+}
+
+// Gives what is queued to idle connections, and opens more of them as far as they are wanted.
+void IpcClient::dispatch(int number) {
+    Slot &slot = slot_at(number);
+    while (!slot.queue.empty()) {
+        const auto idle = std::ranges::find_if(slot.connections, [](const auto &connection) {
+            return connection->phase() == BoardConnection::Phase::idle;
+        });
+        if (idle != slot.connections.end() && !(*idle)->is_usable()) {
+            close(**idle);
+            continue;
+        }
+        if (idle != slot.connections.end()) {
+            const ExchangePtr exchange = slot.queue.front();
+            slot.queue.pop_front();
+            (*idle)->send(exchange);
+            serve(**idle);
+            continue;
+        }
+        const auto opening =
+            static_cast<std::size_t>(std::ranges::count_if(slot.connections, [](const auto &connection) {
+                return connection->phase() == BoardConnection::Phase::opening;
+            }));
+        const std::size_t room = most_connections + (slot.queue.front()->probe ? 4 : 0);
+        // The first connection finds out whether there is a card at all.
+        if (opening >= (slot.link ? slot.queue.size() : 1) || slot.connections.size() >= room ||
+            open(number) == nullptr) {
+            return;
+        }
+    }
+}
+
+BoardConnection *IpcClient::open(int number) {
+    Slot &slot = slot_at(number);
+    auto connection = std::make_unique<BoardConnection>(address_, number, Clock::now() + link_timeout);
+    epoll_event event{};
+    event.events = EPOLLIN | EPOLLOUT | EPOLLET;
+    event.data.ptr = connection.get();
+    if (!connection->is_open() || epoll_ctl(events_, EPOLL_CTL_ADD, connection->descriptor(), &event) != 0) {
+        // What is queued can wait for another connection where there is one.
+        if (slot.connections.empty()) {
+            slot.link = false;
+            fail_queue(number, ipc_result::no_connection);
+        }
+        return nullptr;
+    }
+    watch_deadline(connection->deadline());
+    slot.connections.push_back(std::move(connection));
+    return slot.connections.back().get();
+}
+
+void IpcClient::close(BoardConnection &connection) {
+    auto &connections = slot_at(connection.slot()).connections;
+    const auto place =
+        std::ranges::find_if(connections, [&](const auto &other) { return other.get() == &connection; });
+    connection.close();
+    closed_.push_back(std::move(*place));
+    connections.erase(place);
+}
+
+void IpcClient::serve(BoardConnection &connection) {
+    const int number = connection.slot();
+    switch (connection.serve()) {
+        case BoardConnection::Event::none:
+            return;
+        case BoardConnection::Event::opened:
+            slot_at(number).link = true;
+            break;
+        case BoardConnection::Event::answered:
+            finish(connection.release(), 0);
+            // What came with the answer raises no event of its own.
+            if (connection.is_open() && connection.phase() == BoardConnection::Phase::idle &&
+                !connection.is_usable()) {
+                close(connection);
+            }
+            break;
+        case BoardConnection::Event::no_card:
+            slot_at(number).link = false;
+            close(connection);
+            fail_queue(number, ipc_result::no_card);
+            return;
+        case BoardConnection::Event::failed:
+            connection_failed(connection, connection.failure());
+            return;
+    }
+    dispatch(number);
+}
+
+void IpcClient::connection_failed(BoardConnection &connection, int result) {
+    const int number = connection.slot();
+    const bool opening = connection.phase() == BoardConnection::Phase::opening;
+    const ExchangePtr exchange = connection.release();
+    close(connection);
+    if (exchange != nullptr) {
+        finish(exchange, result);
+    } else if (opening && slot_at(number).connections.empty()) {
+        slot_at(number).link = false;
+        fail_queue(number, result);
+    }
+    dispatch(number);
+}
+
+void IpcClient::fail_queue(int number, int result) {
+    std::deque<ExchangePtr> queue;
+    queue.swap(slot_at(number).queue);
+    for (const ExchangePtr &exchange : queue) {
+        finish(exchange, result);
+    }
+}
+
+void IpcClient::finish(const ExchangePtr &exchange, int result) {
+    Slot &slot = slot_at(exchange->slot);
+    exchange->finished = true;
+    exchange->result = result;
+    const auto taken =
+        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - exchange->started);
+    if (!exchange->probe) {
+        count(slot.figures.commands[command_of(exchange->request)], *exchange, result, taken);
+    }
+    if (result == 0) {
+        slot.last_answer = taken;
+    }
+    note_outcome(slot, *exchange, result);
+    if (listener_) {
+        listener_(*exchange);
+    }
+}
+
+void IpcClient::note_outcome(Slot &slot, const Exchange &exchange, int result) {
+    if (result == 0) {
+        if (slot.held) {
+            log_add(log_level::information, "slot %d: the card answers again\n", exchange.slot + 1);
+        }
+        slot.silent_requests = 0;
+        slot.lost_requests = 0;
+        slot.held = false;
+        return;
+    }
+    // Requests that failed together, or that were sent before the card was found out, count once.
+    if (exchange.started < slot.last_failure || slot.held) {
+        return;
+    }
+    if (result == ipc_result::timed_out) {
+        ++slot.silent_requests;
+    } else if (result == ipc_result::connection_lost) {
+        ++slot.lost_requests;
+    } else {
+        return;
+    }
+    slot.last_failure = Clock::now();
+    if (slot.silent_requests >= silent_requests_before_hold ||
+        slot.lost_requests >= lost_requests_before_hold) {
+        if (hold_ > 0s) {
+            log_add(log_level::warning, "slot %d: the card %s; its requests fail at once until it answers\n",
+                    exchange.slot + 1,
+                    slot.silent_requests >= silent_requests_before_hold ? "does not answer"
+                                                                        : "keeps closing its connections");
+            hold(slot);
+            fail_queue(exchange.slot, ipc_result::on_hold);
+        }
+    }
+}
+
+void IpcClient::hold(Slot &slot) {
+    slot.held = true;
+    slot.next_probe = Clock::now() + hold_;
+    ++slot.figures.holds;
+    watch_deadline(slot.next_probe);
+}
+
+void IpcClient::probe(int number, Deadline now) {
+    Slot &slot = slot_at(number);
+    slot.next_probe = now + hold_;
+    watch_deadline(slot.next_probe);
+    const auto is_probe = [](const auto &connection) {
+        return connection->exchange() != nullptr && connection->exchange()->probe;
+    };
+    // A card that is slow by more than the hold still gets to answer one of a few.
+    constexpr std::ptrdiff_t most_probes = 4;
+    if (!slot.queue.empty() || std::ranges::count_if(slot.connections, is_probe) >= most_probes) {
+        return;
+    }
+    auto exchange = std::make_shared<Exchange>();
+    exchange->slot = number;
+    exchange->probe = true;
+    exchange->request = probe_request(number);
+    exchange->started = now;
+    exchange->deadline = now + std::chrono::milliseconds(probe_timeout_ms);
+    ++slot.figures.probes;
+    slot.queue.push_front(exchange);
+    watch_deadline(exchange->deadline);
+    dispatch(number);
+}
+
+// Ends what is overdue and sends the probes that are due.
+void IpcClient::expire(Deadline now) {
+    if (now < next_deadline_) {
+        return;
+    }
+    next_deadline_ = Deadline::max();
+    for (int number = 0; number < slots; ++number) {
+        Slot &slot = slot_at(number);
+        std::vector<ExchangePtr> overdue;
+        std::erase_if(slot.queue, [&](const ExchangePtr &exchange) {
+            if (exchange->deadline <= now) {
+                overdue.push_back(exchange);
+                return true;
+            }
+            return false;
+        });
+        for (std::size_t i = slot.connections.size(); i-- > 0;) {
+            BoardConnection &connection = *slot.connections[i];
+            if (connection.phase() != BoardConnection::Phase::idle && connection.deadline() <= now) {
+                if (const ExchangePtr exchange = connection.release()) {
+                    overdue.push_back(exchange);
+                }
+                close(connection);
+            }
+        }
+        const bool nothing_open = slot.connections.empty();
+        for (const ExchangePtr &exchange : overdue) {
+            finish(exchange, ipc_result::timed_out);
+        }
+        if (nothing_open && overdue.empty() && !slot.queue.empty()) {
+            slot.link = false;
+        }
+        if (slot.held && slot.next_probe <= now) {
+            probe(number, now);
+        }
+        dispatch(number);
+    }
+    for (const Slot &slot : slots_) {
+        for (const ExchangePtr &exchange : slot.queue) {
+            next_deadline_ = std::min(next_deadline_, exchange->deadline);
+        }
+        for (const auto &connection : slot.connections) {
+            if (connection->phase() != BoardConnection::Phase::idle) {
+                next_deadline_ = std::min(next_deadline_, connection->deadline());
+            }
+        }
+        if (slot.held) {
+            next_deadline_ = std::min(next_deadline_, slot.next_probe);
+        }
+    }
+    if (next_deadline_ != Deadline::max()) {
+        const Deadline deadline = std::exchange(next_deadline_, Deadline::max());
+        watch_deadline(deadline);
+    }
+}
+
+void IpcClient::watch_deadline(Deadline deadline) {
+    if (deadline >= next_deadline_) {
+        return;
+    }
+    next_deadline_ = deadline;
+    const auto since_start = std::max<std::chrono::nanoseconds>(deadline.time_since_epoch(), 1ns);
+    itimerspec when{};
+    when.it_value.tv_sec = std::chrono::duration_cast<std::chrono::seconds>(since_start).count();
+    when.it_value.tv_nsec = (since_start % 1s).count();
+    (void)timerfd_settime(timer_, TFD_TIMER_ABSTIME, &when, nullptr);
+}
+
+void IpcClient::poll(int timeout_ms) {
+    std::array<epoll_event, 64> ready{};
+    const int count = epoll_wait(events_, ready.data(), static_cast<int>(ready.size()), timeout_ms);
+    for (int i = 0; i < count; ++i) {
+        auto *connection = static_cast<BoardConnection *>(ready[static_cast<std::size_t>(i)].data.ptr);
+        if (connection == nullptr) {
+            std::uint64_t times = 0;
+            (void)!read(timer_, &times, sizeof times);
+        } else if (connection->is_open()) {
+            serve(*connection);
+        }
+    }
+    expire(Clock::now());
+    closed_.clear();
+}
+
+void IpcClient::process() {
+    poll(0);
+}
+
+void IpcClient::wait(const Exchange &exchange, Deadline until) {
+    while (!exchange.finished) {
+        const Deadline next = std::min(until, next_deadline_);
+        poll(milliseconds_until(next));
+        if (Clock::now() >= until) {
+            return;
+        }
+    }
+}
+
+void IpcClient::abandon(int result) {
+    for (int number = 0; number < slots; ++number) {
+        fail_queue(number, result);
+        std::vector<std::unique_ptr<BoardConnection>> connections;
+        connections.swap(slot_at(number).connections);
+        for (const auto &connection : connections) {
+            if (const ExchangePtr exchange = connection->release()) {
+                finish(exchange, result);
+            }
+        }
+    }
+}
+
+int IpcClient::send_request(const std::uint8_t *request, std::uint8_t **answer, int timeout_ms) {
+    const auto length = static_cast<std::size_t>(load_integer(request, board_header::length));
+    if (length < board_header::size || length > max_message_size) {
+        return ipc_result::bad_request;
+    }
+    process();  // a connection that the chassis ended in the meantime must not be used
+    const ExchangePtr exchange = start({request, length}, timeout_ms);
+    wait(*exchange, Deadline::max());
+    return take_answer(*exchange, answer);
+}
+
+int take_answer(const Exchange &exchange, std::uint8_t **answer) {
+    if (exchange.result != 0) {
+        return exchange.result;
+    }
+    const std::size_t length = exchange.answer.size();
+    const std::size_t size = block_size(command_of(exchange.answer), length);
     auto *block = static_cast<std::uint8_t *>(balloc(__FILE__, __LINE__, size));
     if (block == nullptr) {
-        slot.socket.close();
         return ipc_result::no_memory;
     }
-    std::copy(header.begin(), header.end(), block);
-    result = slot.socket.read({block + header.size(), length - header.size()}, deadline);
-    if (result != SocketResult::done) {
-        bfree(__FILE__, __LINE__, block);
-        return fail(slot, result);
-    }
+    std::copy(exchange.answer.begin(), exchange.answer.end(), block);
     std::memset(block + length, 0, size - length);
     *answer = block;
     return 0;
 }
 
-int IpcClient::send_request(const std::uint8_t *request, std::uint8_t **answer, int timeout_ms) {
-    const auto number = static_cast<int>(load_integer(request, board_header::slot));
-    const std::size_t length = length_of(request);
-    if (number >= slots || length < board_header::size || length > max_message_size) {
-        return ipc_result::bad_request;
+void IpcClient::refresh_links() {
+    process();
+    for (int number = 0; number < slots; ++number) {
+        // A card that is left alone is asked by its probes.
+        if (slot_at(number).connections.empty() && !slot_at(number).held) {
+            (void)open(number);
+        }
     }
-    Slot &slot = slots_[static_cast<std::size_t>(number)];
-    const std::lock_guard lock(slot.mutex);
-    if (on_hold(slot)) {
-        return ipc_result::on_hold;
-    }
-    const Deadline deadline = deadline_in(patience_ms(slot.silent_requests, timeout_ms));
-    if (slot.socket.is_open() && slot.socket.has_unexpected_input()) {
-        slot.socket.close();
-    }
-    int result = slot.socket.is_open() ? 0 : connect(slot, number, deadline);
-    if (result == 0) {
-        result = exchange(slot, {request, length}, answer, deadline);
-    }
-    if (result == 0) {
-        slot.silent_requests = 0;
-    } else if (result == ipc_result::timed_out) {
-        count_silence(slot);
-    }
-    return result;
 }
 
-bool IpcClient::link(int slot) {
-    if (slot < 0 || slot >= slots) {
+void IpcClient::wait_for_links(Deadline until) {
+    const auto decided = [this] {
+        return std::ranges::none_of(slots_, [](const Slot &slot) {
+            return std::ranges::any_of(slot.connections, [](const auto &connection) {
+                return connection->phase() == BoardConnection::Phase::opening;
+            });
+        });
+    };
+    while (!decided() && Clock::now() < until) {
+        poll(milliseconds_until(std::min(until, next_deadline_)));
+    }
+}
+
+bool IpcClient::check_link(int number, int timeout_ms) {
+    process();
+    Slot &slot = slot_at(number);
+    if (slot.connections.empty() && open(number) == nullptr) {
         return false;
     }
-    Slot &state = slots_[static_cast<std::size_t>(slot)];
-    const std::lock_guard lock(state.mutex);
-    return state.link;
-}
-
-bool IpcClient::check_link(int slot, int timeout_ms) {
-    Slot &state = slots_[static_cast<std::size_t>(slot)];
-    const std::lock_guard lock(state.mutex);
-    if (state.socket.is_open()) {
-        if (!state.socket.has_unexpected_input()) {
-            return state.link;
-        }
-        state.socket.close();
+    const Deadline until = Clock::now() + std::chrono::milliseconds(timeout_ms);
+    const auto opening = [&] {
+        return !slot.connections.empty() && std::ranges::all_of(slot.connections, [](const auto &connection) {
+            return connection->phase() == BoardConnection::Phase::opening;
+        });
+    };
+    while (opening() && Clock::now() < until) {
+        poll(milliseconds_until(std::min(until, next_deadline_)));
     }
-    if (on_hold(state)) {
-        return state.link;
-    }
-    const int result = connect(state, slot, deadline_in(timeout_ms));
-    if (result == ipc_result::timed_out) {
-        count_silence(state);
-    }
-    return result == 0;
+    return slot.link && !opening();
 }
 
 }  // namespace tarn::host
-
-int ipcSendRequest(void *request, void **answer, int timeout_ms) {
-    using namespace tarn::host;
-    if (the_client == nullptr) {
-        return ipc_result::no_connection;
-    }
-    std::uint8_t *block = nullptr;
-    const int result = the_client->send_request(static_cast<std::uint8_t *>(request), &block, timeout_ms);
-    if (result >= 0) {
-        *answer = block;
-    }
-    return result;
-}
-
-int check_slot_link(int slot) {
-    using namespace tarn::host;
-    return the_client != nullptr && the_client->link(slot) ? 1 : 0;
-}

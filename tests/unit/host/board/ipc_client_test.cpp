@@ -204,6 +204,34 @@ TEST_F(IpcClientTest, LeavesASilentCardAloneUntilItAnswers) {
     EXPECT_EQ(requests, 2);
 }
 
+TEST_F(IpcClientTest, ACardThatIsLeftAloneIsAskedByTheAgentItself) {
+    const auto closing = [](Connection &board) {
+        board.accept_link();
+        (void)board.receive();
+    };
+    Bytes asked;
+    BoardServer server({closing, closing, closing, [&](Connection &board) {
+                            board.accept_link();
+                            asked = board.receive();
+                            board.send(message(69, 0, 64));
+                            board.send(message(70, 0, board.receive().size()));
+                        }});
+    IpcClient client(server.address(), 10ms);
+    Answer answer;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(client.send_request(request(70, 0).data(), &answer.bytes, patient),
+                  ipc_result::connection_lost);
+    }
+    EXPECT_EQ(client.state(0), CardState::closing);
+    EXPECT_EQ(client.send_request(request(70, 0).data(), &answer.bytes, patient), ipc_result::on_hold);
+    while (client.state(0) == CardState::closing) {
+        client.process();
+    }
+    EXPECT_EQ(asked, (Bytes{69, 0, 1, 0, 0,  8, 0, 0, 3, 3, 38, 0, 1, 0, 0, 0,
+                            36, 0, 0, 0, 32, 0, 0, 0, 0, 0, 0,  0, 0, 0, 0, 0}));
+    EXPECT_EQ(client.send_request(request(70, 0).data(), &answer.bytes, patient), 0);
+}
+
 TEST(IpcPatience, ShrinksForASuspectCardAndGrowsBackForASlowOne) {
     EXPECT_EQ(patience_ms(0, 30000), 30000);
     EXPECT_EQ(patience_ms(1, 30000), 1000);
