@@ -16,7 +16,7 @@ constexpr Command table[] = {
     {"save", "save the running configuration for the next start", false, ""},
     {"default", "edit the working configuration back to the factory's", true,
      "Give up the configuration for the factory's"},
-    {"reread", "have the card read its running configuration again", false, ""},
+    {"reread", "have the card read its running configuration again, and the agent the card", false, ""},
     {"reload", "restart the card with its saved configuration", false, "Interrupt all service and restart"},
 };
 

@@ -121,10 +121,11 @@ void cache_period_directive(const char *token, char *line) {
     number_directive(token, line, 0, day, target->host.cache_period);
 }
 
-void silent_hold_directive(const char *token, char *line) {
-    int seconds = static_cast<int>(target->host.hold.count());
+template <std::chrono::seconds HostConfig::*member>
+void seconds_directive(const char *token, char *line) {
+    int seconds = static_cast<int>((target->host.*member).count());
     number_directive(token, line, 0, day, seconds);
-    target->host.hold = std::chrono::seconds(seconds);
+    target->host.*member = std::chrono::seconds(seconds);
 }
 
 void max_bulk_directive(const char *token, char *line) {
@@ -193,7 +194,8 @@ constexpr std::array directives = {
     Directive{"tarnCandidateSlots", candidate_slots_directive, "SLOTS of the candidate configuration"},
     Directive{"tarnLockedONT", locked_ont_directive, "SLOT CHANNEL ID of an ONT not to be written"},
     Directive{"tarnCachePeriod", cache_period_directive, "SECONDS"},
-    Directive{"tarnSilentHold", silent_hold_directive, "SECONDS"},
+    Directive{"tarnSilentHold", seconds_directive<&HostConfig::hold>, "SECONDS"},
+    Directive{"tarnConfirmTime", seconds_directive<&HostConfig::confirm_time>, "SECONDS"},
     Directive{"tarnMaxBulk", max_bulk_directive, "VARIABLES of a GETBULK answer"},
     Directive{"tarnRowBudget", row_budget_directive, "ROWS to remember in all"},
     Directive{"tarnTftpDirectory", firmware_directive<&FirmwareDirectories::tftp_root>,

@@ -38,8 +38,9 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
     log_add(log_level::information, "module %s, %s, release %u.%u.%u.%u\n", descriptor.family,
             descriptor.variant, descriptor.version[1], descriptor.version[2], descriptor.version[3],
             descriptor.version[4]);
-    host->slots_ = std::make_unique<Slots>(config.served_slots, host->module_->slot_initializer,
-                                           host->module_->slot_deinitializer);
+    host->slots_ =
+        std::make_unique<Slots>(config.served_slots, host->module_->slot_initializer,
+                                host->module_->slot_deinitializer, host->module_->init_config_buffer);
     host->guard_.watch(true);
     if (!host->slots_->start_chassis()) {
         error = config.module_path + ": the module cannot start its chassis-wide stores";
@@ -59,7 +60,7 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
         host->registrations_.push_back(registration);
     }
     host->guard_.watch(false);
-    if (!config.control.empty() && !host->open_control(config.control, error)) {
+    if (!config.control.empty() && !host->open_control(config, error)) {
         return nullptr;
     }
     if (register_readfd(host->ipc_.descriptor(), board_ready, host.get()) != FD_REGISTERED_OK) {
@@ -70,10 +71,13 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
     return host;
 }
 
-bool Host::open_control(const std::string &path, std::string &error) {
-    commands_ = std::make_unique<ControlCommands>(*module_, *slots_, [this] { cache_.clear(); });
+bool Host::open_control(const HostConfig &config, std::string &error) {
+    commands_ = std::make_unique<ControlCommands>(*module_, *slots_, config.confirm_time, [this] {
+        cache_.clear();
+        expire_cached_data();
+    });
     control_ = ControlSocket::open(
-        path, [this](const std::string &line) { return commands_->answer(line); }, error);
+        config.control, [this](const std::string &line) { return commands_->answer(line); }, error);
     return control_ != nullptr;
 }
 
@@ -90,8 +94,12 @@ void Host::board_ready(int /*descriptor*/, void *host) {
 
 void Host::link_alarm(unsigned /*alarm*/, void *host) {
     run_left_work();
-    static_cast<Host *>(host)->ipc_.refresh_links();
-    static_cast<Host *>(host)->follow_links();
+    auto &self = *static_cast<Host *>(host);
+    self.ipc_.refresh_links();
+    self.follow_links();
+    if (self.commands_ != nullptr) {
+        self.commands_->follow_commits();
+    }
 }
 
 void Host::stop() {

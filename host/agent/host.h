@@ -28,8 +28,9 @@ struct HostConfig {
     ChassisAddress chassis;
     SlotSet served_slots = SlotSet().set();
     ConfiguredSlots configured{SlotSet().set(), SlotSet().set(), {}};
-    int cache_period = 20;         // seconds; 0: always stale
-    std::chrono::seconds hold{1};  // for which a silent card is left alone between two probes
+    int cache_period = 20;                   // seconds; 0: always stale
+    std::chrono::seconds hold{1};            // for which a silent card is left alone between two probes
+    std::chrono::seconds confirm_time{600};  // after which a card takes back a commit; 0: never
     FirmwareDirectories firmware = default_firmware_directories();
     std::size_t row_budget = 2'000'000;
     std::string control;  // path of the control socket; empty: none
@@ -52,7 +53,7 @@ class Host {
 
   private:
     explicit Host(const HostConfig &config) : ipc_(config.chassis, config.hold), cache_(config.row_budget) {}
-    bool open_control(const std::string &path, std::string &error);
+    bool open_control(const HostConfig &config, std::string &error);
     void follow_links();
     static void board_ready(int descriptor, void *host);
     static void link_alarm(unsigned alarm, void *host);

@@ -47,11 +47,8 @@ void Slots::stop(int slot) {
     up_.erase(std::find(up_.begin(), up_.end(), slot));
     (void)deinitialize_(slot);
     log_add(log_level::information, "slot %d: line card down\n", slot + 1);
-    // Stopping any slot releases the configuration buffer that all slots share; starting one that is up
-    // brings it back and changes nothing else.
-    if (!up_.empty()) {
-        (void)initialize_(up_.front());
-    }
+    // Stopping any slot releases the configuration buffer that the others and the chassis still use.
+    provide_buffer_();
 }
 
 void Slots::restart(int slot) {

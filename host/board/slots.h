@@ -19,9 +19,14 @@ using SlotSet = std::bitset<chassis_slot::line_cards>;
 
 class Slots {
   public:
-    // `served`: the slots to bring up when they have a card.
-    Slots(const SlotSet &served, slot_function *initialize, slot_function *deinitialize)
-        : served_(served), initialize_(initialize), deinitialize_(deinitialize) {}
+    // `served`: the slots to bring up when they have a card. `provide_buffer`: has the module allocate the
+    // configuration buffer that all slots and the chassis share, unless it is there.
+    Slots(const SlotSet &served, slot_function *initialize, slot_function *deinitialize,
+          init_handlers_function *provide_buffer)
+        : served_(served),
+          initialize_(initialize),
+          deinitialize_(deinitialize),
+          provide_buffer_(provide_buffer) {}
 
     // Starts the chassis-wide stores; false when the module cannot.
     bool start_chassis();
@@ -44,6 +49,7 @@ class Slots {
     SlotSet served_;
     slot_function *initialize_;
     slot_function *deinitialize_;
+    init_handlers_function *provide_buffer_;
     SlotSet failed_;  // could not be started, said once
     std::vector<int> up_;
 };

@@ -16,22 +16,26 @@ class ControlError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// What a command means for a commit that waits to be confirmed.
+enum class Trial { none, begins, ends };
+
 // The commands by name, and the module's functions for line cards and for the chassis-wide profiles.
 struct ConfigurationCommand {
     std::string_view name;
     const char *of_slot;
     const char *of_profiles;  // null: there is none
     bool forgets;             // what the module remembers of the slot no longer holds
+    Trial trial;
 };
 
 constexpr ConfigurationCommand commands[] = {
-    {"commit", "slot_lib_set_commit_change", "slot_lib_set_commit_blade_profiles", false},
-    {"confirm", "slot_lib_set_confirm_change", "slot_lib_confirm_blade_profiles", false},
-    {"rollback", "slot_lib_set_rollback_change", "slot_lib_set_rollback_blade_profiles", true},
-    {"save", "slot_lib_set_save_to_startup", nullptr, false},
-    {"default", "slot_lib_set_to_default", "slot_lib_set_default_blade_profiles", true},
-    {"reread", "slot_lib_set_reread_config", nullptr, false},
-    {"reload", "slot_lib_set_reload_blade_slot", nullptr, true},
+    {"commit", "slot_lib_set_commit_change", "slot_lib_set_commit_blade_profiles", false, Trial::begins},
+    {"confirm", "slot_lib_set_confirm_change", "slot_lib_confirm_blade_profiles", false, Trial::ends},
+    {"rollback", "slot_lib_set_rollback_change", "slot_lib_set_rollback_blade_profiles", true, Trial::ends},
+    {"save", "slot_lib_set_save_to_startup", nullptr, false, Trial::none},
+    {"default", "slot_lib_set_to_default", "slot_lib_set_default_blade_profiles", true, Trial::none},
+    {"reread", "slot_lib_set_reread_config", nullptr, true, Trial::none},
+    {"reload", "slot_lib_set_reload_blade_slot", nullptr, true, Trial::ends},
 };
 
 using profiles_function = int();
@@ -73,8 +77,18 @@ std::vector<int> requested_slots(const Json &request, const Slots &slots) {
     return result;
 }
 
+// An answer that did not come says nothing: the commit may have been carried out, the confirmation may not.
+void watch_commit(UnconfirmedCommits &unconfirmed, const ConfigurationCommand &command, int slot,
+                  int outcome) {
+    if (command.trial == Trial::begins) {
+        unconfirmed.begin(slot);
+    } else if (command.trial == Trial::ends && outcome == 0) {
+        unconfirmed.end(slot);
+    }
+}
+
 Json run_on_slots(const ConfigurationCommand &command, const Json &request, const Module &module,
-                  Slots &slots) {
+                  Slots &slots, UnconfirmedCommits &unconfirmed) {
     need_keys(request, {"slots"});
     auto *function = find_function<slot_function>(module, command.of_slot);
     Json results = Json::array();
@@ -83,6 +97,7 @@ Json run_on_slots(const ConfigurationCommand &command, const Json &request, cons
         if (slots.is_up(slot)) {
             const int outcome = function(slot);
             result["result"] = outcome;
+            watch_commit(unconfirmed, command, slot, outcome);
             if (outcome == 0 && command.forgets) {
                 slots.restart(slot);
             }
@@ -161,9 +176,11 @@ std::string ControlCommands::answer(const std::string &line) try {
     Json answer;
     if (of_profiles) {
         need_keys(request, {});
-        answer = {{"result", find_function<profiles_function>(module_, command->of_profiles)()}};
+        const int outcome = find_function<profiles_function>(module_, command->of_profiles)();
+        watch_commit(unconfirmed_, *command, profiles_slot, outcome);
+        answer = {{"result", outcome}};
     } else {
-        answer = run_on_slots(*command, request, module_, slots_);
+        answer = run_on_slots(*command, request, module_, slots_, unconfirmed_);
     }
     changed_();
     return answer.dump() + '\n';
@@ -171,6 +188,21 @@ std::string ControlCommands::answer(const std::string &line) try {
     return error_line(error.what());
 } catch (const Json::exception &error) {
     return error_line(error.what());
+}
+
+void ControlCommands::follow_commits() {
+    const std::vector<int> overdue = unconfirmed_.take_overdue();
+    for (const int slot : overdue) {
+        const std::string what = slot == profiles_slot ? "profiles" : "slot " + std::to_string(slot + 1);
+        log_add(log_level::information, "%s: a commit was not confirmed in time; all is read again\n",
+                what.c_str());
+        if (slots_.is_up(slot)) {
+            slots_.restart(slot);
+        }
+    }
+    if (!overdue.empty()) {
+        changed_();
+    }
 }
 
 }  // namespace tarn::host

@@ -6,26 +6,32 @@
 #include <string>
 
 #include "host/board/slots.h"
+#include "host/control/unconfirmed_commits.h"
 #include "host/loader/module_loader.h"
 
 namespace tarn::host {
 
 class ControlCommands {
   public:
-    // `changed` is called when a card's or the chassis' configuration may have changed. All three must
-    // outlive the commands.
-    ControlCommands(const Module &module, Slots &slots, std::function<void()> changed)
-        : module_(module), slots_(slots), changed_(std::move(changed)) {}
+    // `confirm_time`: after which a card takes back a commit that was not confirmed. `changed` is called when
+    // a card's or the chassis' configuration may have changed. Module and slots must outlive the commands.
+    ControlCommands(const Module &module, Slots &slots, std::chrono::seconds confirm_time,
+                    std::function<void()> changed)
+        : module_(module), slots_(slots), unconfirmed_(confirm_time), changed_(std::move(changed)) {}
 
     // The answer to one line, with its newline. A request that is not understood changes nothing and is
     // answered {"error": "what is wrong"}.
     std::string answer(const std::string &line);
+
+    // Forgets what was known of the slots whose commit was taken back; to be called every second or so.
+    void follow_commits();
 
     static std::string error_line(const std::string &text);
 
   private:
     const Module &module_;
     Slots &slots_;
+    UnconfirmedCommits unconfirmed_;
     std::function<void()> changed_;
 };
 

@@ -25,11 +25,12 @@ std::unique_ptr<Module> Module::load(const std::string &path, std::string &error
     module->slot_initializer = module->function<slot_function>("slot_initializer");
     module->slot_deinitializer = module->function<slot_function>("slot_deinitializer");
     module->cleanup_lib = module->function<cleanup_lib_function>("cleanup_lib");
+    module->init_config_buffer = module->function<init_handlers_function>("init_config_buffer");
     if (get_info == nullptr || module->slot_initializer == nullptr || module->slot_deinitializer == nullptr ||
-        module->cleanup_lib == nullptr) {
+        module->cleanup_lib == nullptr || module->init_config_buffer == nullptr) {
         error = path +
-                ": not an agent module: mod_get_info, slot_initializer, slot_deinitializer or cleanup_lib is "
-                "missing";
+                ": not an agent module: mod_get_info, slot_initializer, slot_deinitializer, cleanup_lib or "
+                "init_config_buffer is missing";
         return nullptr;
     }
     const int result = get_info(&module->descriptor_);

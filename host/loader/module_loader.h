@@ -32,6 +32,7 @@ class Module {
     slot_function *slot_initializer = nullptr;
     slot_function *slot_deinitializer = nullptr;
     cleanup_lib_function *cleanup_lib = nullptr;
+    init_handlers_function *init_config_buffer = nullptr;
 
   private:
     explicit Module(void *handle) : handle_(handle) {}

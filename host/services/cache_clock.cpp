@@ -16,6 +16,7 @@ std::int64_t monotonic_time() {
 }
 
 int standard_period = 20;
+std::int64_t expired_at = 0;  // stamps up to here are stale
 std::int64_t (*clock_source)() = monotonic_time;
 
 // Of the PDU that was served last. Only the agent's thread serves PDUs; another thread never sees these.
@@ -34,6 +35,11 @@ int cache_period() {
 }
 void set_clock_source(std::int64_t (*source)()) {
     clock_source = source == nullptr ? monotonic_time : source;
+    expired_at = 0;
+}
+
+void expire_cached_data() {
+    expired_at = clock_source();
 }
 
 std::int64_t agent_time() {
@@ -58,10 +64,10 @@ PduClock::~PduClock() {
 using namespace tarn::host;
 
 int check_cache_custom_period(long seconds, long nanoseconds, int period_seconds) {
-    if (period_seconds <= 0 || (seconds == 0 && nanoseconds == 0)) {
+    const std::int64_t stamp = seconds * nanoseconds_per_second + nanoseconds;
+    if (period_seconds <= 0 || stamp <= expired_at) {  // a zero stamp is always stale
         return 1;
     }
-    const std::int64_t stamp = seconds * nanoseconds_per_second + nanoseconds;
     return agent_time() - stamp >= period_seconds * nanoseconds_per_second ? 1 : 0;
 }
 

@@ -11,6 +11,9 @@ namespace tarn::host {
 void set_cache_period(int seconds);
 int cache_period();
 
+// From now on all data that was stamped before is stale, whatever the period.
+void expire_cached_data();
+
 // Monotonic time in nanoseconds; while a PDU is served, the time at which its serving began.
 std::int64_t agent_time();
 

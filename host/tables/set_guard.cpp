@@ -17,14 +17,24 @@ void append(std::string &text, const void *data, std::size_t size) {
     text.append(static_cast<const char *>(data), size);
 }
 
+std::string source_of(const netsnmp_pdu *pdu) {
+    std::string source;
+    append(source, pdu->transport_data, static_cast<std::size_t>(std::max(pdu->transport_data_length, 0)));
+    return source;
+}
+
 // All that tells one request from another. SNMPv3's message id is left out: it is new for each repetition.
 std::string identity_of(const netsnmp_pdu *pdu) {
     std::string identity;
-    append(identity, pdu->transport_data, static_cast<std::size_t>(std::max(pdu->transport_data_length, 0)));
-    append(identity, &pdu->version, sizeof pdu->version);
-    append(identity, &pdu->reqid, sizeof pdu->reqid);
+    for (const long *number : {&pdu->version, &pdu->reqid, &pdu->errstat, &pdu->errindex}) {
+        append(identity, number, sizeof *number);
+    }
+    for (const int *number : {&pdu->command, &pdu->securityModel, &pdu->securityLevel}) {
+        append(identity, number, sizeof *number);
+    }
     append(identity, pdu->community, pdu->community_len);
     append(identity, pdu->securityName, pdu->securityNameLen);
+    append(identity, pdu->contextEngineID, pdu->contextEngineIDLen);
     append(identity, pdu->contextName, pdu->contextNameLen);
     for (const auto *variable = pdu->variables; variable != nullptr; variable = variable->next_variable) {
         append(identity, variable->name, variable->name_length * sizeof(oid));
@@ -38,17 +48,20 @@ std::string identity_of(const netsnmp_pdu *pdu) {
 
 const SetHistory::Outcome *SetHistory::find(const netsnmp_pdu *pdu) const {
     const auto oldest = std::chrono::steady_clock::now() - lifetime;
+    const std::string source = source_of(pdu);
     const std::string request = identity_of(pdu);
-    const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry &entry) {
-        return entry.answered >= oldest && entry.request == request;
+    const auto found = std::ranges::find_if(entries_, [&](const Entry &entry) {
+        return entry.answered >= oldest && entry.source == source && entry.request == request;
     });
     return found == entries_.end() ? nullptr : &found->outcome;
 }
 
+// A source is remembered for its last SET only: what it wrote before is no longer what stands, so a SET that
+// comes again after another one is meant.
 void SetHistory::record(const netsnmp_pdu *pdu, const Outcome &outcome) {
-    std::string request = identity_of(pdu);
-    std::erase_if(entries_, [&request](const Entry &entry) { return entry.request == request; });
-    entries_.push_back({std::move(request), outcome, std::chrono::steady_clock::now()});
+    std::string source = source_of(pdu);
+    std::erase_if(entries_, [&source](const Entry &entry) { return entry.source == source; });
+    entries_.push_back({std::move(source), identity_of(pdu), outcome, std::chrono::steady_clock::now()});
     if (entries_.size() > most_entries) {
         entries_.pop_front();
     }

@@ -20,13 +20,14 @@ class SetHistory {
         int index;   // error-index
     };
 
-    // The outcome of an equal request (same manager, request-id and variables); null when there was none
-    // within the last ten seconds.
+    // The outcome of the last SET of the same source when that was the very same and is not older than ten
+    // seconds; null when it was not.
     [[nodiscard]] const Outcome *find(const netsnmp_pdu *pdu) const;
     void record(const netsnmp_pdu *pdu, const Outcome &outcome);
 
   private:
     struct Entry {
+        std::string source;
         std::string request;
         Outcome outcome;
         std::chrono::steady_clock::time_point answered;

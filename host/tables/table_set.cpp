@@ -106,7 +106,8 @@ bool is_visible(Table &table, netsnmp_agent_request_info *reqinfo, const netsnmp
 }
 
 // An OID-exact table may take a SET of a row that was destroyed, and change what no manager can read: notes
-// the rows that are not visible before the SET, and tells of one that is not afterwards.
+// the rows that are not visible before the SET, and tells of one that is not afterwards. Looking at a row has
+// the module fetch it, which a SET that destroys the row needs, too: the module keeps what it fetched.
 void note_hidden_rows(Table &table, netsnmp_agent_request_info *reqinfo,
                       std::span<netsnmp_request_info *const> requests) {
     for (netsnmp_request_info *request : requests) {
@@ -115,8 +116,9 @@ void note_hidden_rows(Table &table, netsnmp_agent_request_info *reqinfo,
             return column != nullptr && column->row_status &&
                    std::ranges::equal(row_of(table, other), row_of(table, request));
         });
-        if (SetTarget *target = target_of(request); target != nullptr && !told) {
-            target->hidden = !is_visible(table, reqinfo, request, target->instance);
+        if (SetTarget *target = target_of(request); target != nullptr) {
+            const bool visible = is_visible(table, reqinfo, request, target->instance);
+            target->hidden = !visible && !told;
         }
     }
 }

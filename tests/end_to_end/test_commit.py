@@ -13,9 +13,14 @@ SLOT = 5
 CARD = SLOT - 1
 
 
+def started(start, confirm_time=600):
+    return start(scenario="confirm_seconds: 60\n" + scenario(),
+                 agent_lines=[f"tarnControl {CONTROL}", f"tarnConfirmTime {confirm_time}"])
+
+
 @pytest.fixture
 def system(start):
-    return start(scenario="confirm_seconds: 60\n" + scenario(), agent_lines=[f"tarnControl {CONTROL}"])
+    return started(start)
 
 
 def tarnctl(system, *arguments):
@@ -31,6 +36,10 @@ def edit(system, tables, name):
     table = tables["tarnSwitchVLANTable"]
     system.snmp.get(table.instance(3, SLOT, 1))
     system.snmp.set((table.instance(3, SLOT, 1), "s", name))
+
+
+def shown(system, tables):
+    return system.snmp.get(tables["tarnSwitchVLANTable"].instance(3, SLOT, 1))[0][1].value
 
 
 def names(system):
@@ -54,8 +63,7 @@ def test_every_command_of_a_slot_reaches_its_card(system, tables):
     assert tarnctl(system, "--yes", "rollback", SLOT)[0] == 0
     assert names(system) == ["first", "first"]
     # The agent does not go on showing what was taken back.
-    name = tables["tarnSwitchVLANTable"].instance(3, SLOT, 1)
-    assert system.snmp.get(name)[0][1].value == b"first"
+    assert shown(system, tables) == b"first"
     assert tarnctl(system, "--yes", "default", SLOT)[0] == 0
     assert names(system) == ["default", "first"]
     assert tarnctl(system, "reread", SLOT)[0] == 0
@@ -68,7 +76,9 @@ def test_every_command_of_a_slot_reaches_its_card(system, tables):
     assert state(system, slot=0)["commits"] == 0
 
 
-def test_a_commit_that_nobody_confirms_is_taken_back(system, tables):
+@pytest.mark.parametrize("confirm_time, reread", [(1, False), (600, True)])
+def test_a_commit_that_nobody_confirms_is_taken_back(start, tables, confirm_time, reread):
+    system = started(start, confirm_time)
     edit(system, tables, "first")
     assert tarnctl(system, "commit", SLOT)[0] == 0
     assert names(system) == ["first", "first"]
@@ -76,6 +86,28 @@ def test_a_commit_that_nobody_confirms_is_taken_back(system, tables):
     assert tarnctl(system, "chassis", "clock", 1000)[0] == 0
     wait_until(lambda: names(system) == ["default", "default"], "the commit to be taken back")
     assert state(system)["roll_backs"] == 1
+    if reread:
+        assert tarnctl(system, "reread", SLOT)[0] == 0
+        assert shown(system, tables) == b"default"
+    wait_until(lambda: shown(system, tables) == b"default", "the agent to read the card again")
+
+
+def test_the_first_set_after_a_rollback_can_destroy_a_vlan(system, tables):
+    assert tarnctl(system, "--yes", "rollback", SLOT)[0] == 0
+    system.snmp.set((tables["tarnSwitchVLANTable"].instance(6, SLOT, 1), "i", 6))
+    assert "1" not in system.chassis.ask("state-get", slot=CARD, item="vlans")["working"]
+
+
+def test_profiles_that_were_rolled_back_are_read_again(system, tables):
+    table = tables["tarnONTCrossConnectProfileTable"]
+    name, value = table.instance(3, 1), table.instance(9, 1)
+    before = system.snmp.get(name)
+    for command in ("rollback", "default"):
+        system.snmp.set((name, "s", "edited"))
+        assert tarnctl(system, "--yes", "profiles", command) == (0, "done\n")
+        # What is written next goes into the profile that the chassis has.
+        system.snmp.set((value, "i", 7))
+        assert system.snmp.get(name) == before, command
 
 
 def test_the_profiles_are_told_in_turn(system):

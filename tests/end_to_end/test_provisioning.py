@@ -6,6 +6,7 @@ from collections import Counter
 import pytest
 
 from chassis import scenario
+from programs import wait_until
 from snmp import SnmpError, Value, oid_key
 
 SLOT = 3
@@ -331,6 +332,15 @@ def test_a_template_from_its_creation_to_its_end(provisioning):
     created = edit(bytearray(473), TEMPLATE)
     created[4] = 1
     assert provisioning.template(21) == created
+
+
+def test_a_template_is_whole_also_without_a_card(provisioning):
+    before = provisioning.template(3)
+    for slot in range(16):
+        provisioning.chassis.ask("card-pull", slot=slot)
+    wait_until(lambda: len(provisioning.system.agent.log_lines("line card down")) == 16, "the cards to be missed")
+    provisioning.set_each("tarnONTTemplateValuesTable", (3,), {32: integer(u16(465, 2))}, before,
+                          lambda: provisioning.template(3))
 
 
 def test_the_olt_profiles_are_listed(provisioning):

@@ -118,9 +118,8 @@ TEST_F(SetUpFiles, OnlyOurModulesAreLoaded) {
     EXPECT_THAT(error, HasSubstr("none.so"));
     EXPECT_EQ(Module::load("libz.so.1", error), nullptr);
     EXPECT_EQ(error,
-              "libz.so.1: not an agent module: mod_get_info, slot_initializer, slot_deinitializer or "
-              "cleanup_lib is "
-              "missing");
+              "libz.so.1: not an agent module: mod_get_info, slot_initializer, slot_deinitializer, "
+              "cleanup_lib or init_config_buffer is missing");
 }
 
 class Configuration : public SetUpFiles {
@@ -153,6 +152,7 @@ TEST_F(Configuration, TakesAllDirectives) {
                    "tarnLockedONT 1 8 63\n"
                    "tarnCachePeriod 0\n"
                    "tarnSilentHold 7\n"
+                   "tarnConfirmTime 30\n"
                    "tarnMaxBulk 500\n"
                    "tarnRowBudget 1000\n"
                    "tarnLog file /var/log/tarn\n"
@@ -169,6 +169,7 @@ TEST_F(Configuration, TakesAllDirectives) {
     EXPECT_EQ(config.configured.locked_onts.count({0, 7, 63}), 1U);
     EXPECT_EQ(config.cache_period, 0);
     EXPECT_EQ(config.hold.count(), 7);
+    EXPECT_EQ(config.confirm_time.count(), 30);
     EXPECT_EQ(config.row_budget, 1000U);
     EXPECT_EQ(settings.largest_bulk, 500);
     EXPECT_EQ(settings.log, "file /var/log/tarn");

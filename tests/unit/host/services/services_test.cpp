@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "host/board/slots.h"
+#include "host/control/unconfirmed_commits.h"
 #include "host/services/block_allocator.h"
 #include "host/services/cache_clock.h"
 #include "support/captured_log.h"
@@ -140,6 +141,33 @@ TEST_F(CacheClock, ZeroStampsAndZeroPeriodsAreAlwaysStale) {
     EXPECT_EQ(check_cache_custom_period(3, 0, 1), 0);
 }
 
+TEST_F(CacheClock, ExpiresWhatWasStampedBefore) {
+    now = 100 * second;
+    EXPECT_EQ(check_cache(99, 999'999'999), 0);
+    expire_cached_data();
+    EXPECT_NE(check_cache(99, 999'999'999), 0);
+    EXPECT_NE(check_cache_custom_period(100, 0, 3600), 0);
+    EXPECT_EQ(check_cache(100, 1), 0);
+}
+
+TEST_F(CacheClock, TellsOnceOfACommitThatNobodyConfirmed) {
+    UnconfirmedCommits commits(std::chrono::seconds(60));
+    now = 100 * second;
+    for (const int slot : {16, 3, 4}) {
+        commits.begin(slot);
+    }
+    commits.end(4);
+    now = 130 * second;
+    commits.begin(3);
+    now = 160 * second - 1;
+    EXPECT_THAT(commits.take_overdue(), IsEmpty());
+    now = 160 * second;
+    EXPECT_THAT(commits.take_overdue(), ElementsAre(16));
+    now = 190 * second;
+    EXPECT_THAT(commits.take_overdue(), ElementsAre(3));
+    EXPECT_THAT(commits.take_overdue(), IsEmpty());
+}
+
 TEST_F(CacheClock, StandsStillWhileOnePduIsServed) {
     now = 100 * second;
     {
@@ -187,6 +215,10 @@ int record_stop(int slot) {
     return 0;
 }
 
+void record_buffer() {
+    slot_calls.emplace_back("buffer");
+}
+
 class SlotsTest : public testing::Test {
   protected:
     SlotsTest() {
@@ -197,7 +229,7 @@ class SlotsTest : public testing::Test {
 };
 
 TEST_F(SlotsTest, FollowTheLinksOfTheServedSlots) {
-    Slots slots(SlotSet("0000000000001011"), record_start, record_stop);
+    Slots slots(SlotSet("0000000000001011"), record_start, record_stop, record_buffer);
     std::set<int> links = {0, 1, 2, 3};
     const auto has_link = [&links](int slot) { return links.contains(slot); };
     EXPECT_TRUE(slots.follow(has_link));
@@ -210,17 +242,17 @@ TEST_F(SlotsTest, FollowTheLinksOfTheServedSlots) {
     EXPECT_TRUE(slots.follow(has_link));
     EXPECT_THAT(slots.up(), ElementsAre(0, 3));
     EXPECT_FALSE(slots.is_up(1));
-    EXPECT_THAT(slot_calls, ElementsAre("stop 1", "start 0"))
-        << "a slot that is up brings the shared buffer back";
+    EXPECT_THAT(slot_calls, ElementsAre("stop 1", "buffer"));
 
     slot_calls.clear();
     links.clear();
     EXPECT_TRUE(slots.follow(has_link));
-    EXPECT_THAT(slot_calls, ElementsAre("stop 0", "start 3", "stop 3"));
+    EXPECT_THAT(slot_calls, ElementsAre("stop 0", "buffer", "stop 3", "buffer"))
+        << "the chassis' profiles are read through the shared buffer also without a card";
 }
 
 TEST_F(SlotsTest, SayOnceThatASlotCannotBeStartedAndTryAgain) {
-    Slots slots(SlotSet(1), record_start, record_stop);
+    Slots slots(SlotSet(1), record_start, record_stop, record_buffer);
     const auto always = [](int) { return true; };
     initializer_result = -1;
     EXPECT_FALSE(slots.start_chassis());

@@ -44,7 +44,7 @@ class SetGuardTest : public testing::Test {
     }
 
     CapturedLog log;
-    Slots slots{SlotSet().set(), [](int) { return 0; }, [](int) { return 0; }};
+    Slots slots{SlotSet().set(), [](int) { return 0; }, [](int) { return 0; }, [] {}};
     RowCache cache{1000};
     Table table{slot_table_schema(), nextgen_callbacks, cache, slots};
     SetGuard guard;
@@ -62,6 +62,13 @@ TEST_F(SetGuardTest, CarriesARepeatedSetOutOnce) {
     EXPECT_EQ(set(8, instance(5, {4, 8})), 0) << "another request-id";
     EXPECT_EQ(set(7, instance(5, {4, 9})), 0) << "another variable";
     EXPECT_EQ(set(7, instance(5, {4, 8}), "127.0.0.1:40001"), 0) << "another manager";
+    EXPECT_EQ(fake.calls.size(), 12U);
+}
+
+TEST_F(SetGuardTest, CarriesOutASetThatComesAgainAfterAnother) {
+    for (const oid row : {2U, 1U, 2U}) {
+        EXPECT_EQ(set(7, instance(5, {4, row})), 0);
+    }
     EXPECT_EQ(fake.calls.size(), 12U);
 }
 

@@ -49,7 +49,7 @@ class TableTest : public testing::Test {
     }
 
     CapturedLog log;
-    Slots slots{SlotSet().set(), succeed, succeed};
+    Slots slots{SlotSet().set(), succeed, succeed, [] {}};
     RowCache cache{1000};
     Table iterator{slot_table_schema(), iterator_callbacks, cache, slots};
     Table nextgen{slot_table_schema(), nextgen_callbacks, cache, slots};
