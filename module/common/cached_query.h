@@ -22,6 +22,7 @@ bool refresh(std::uint8_t *to, std::size_t size, Stamp &stamp, const Request<Len
     const Answer answer = ask(request, operation, slot, payload + size, timeout_ms, file, line);
     if (answer) {
         answer.copy(to, payload, size);
+        stamp.filled = true;
     }
     stamp.set();
     return static_cast<bool>(answer);
@@ -32,21 +33,18 @@ template <std::size_t Size, std::size_t Length>
 std::uint8_t *refresh(Section<Size> &section, const Request<Length> &request, const char *operation, int slot,
                       int timeout_ms = default_timeout_ms, const char *file = __builtin_FILE(),
                       int line = __builtin_LINE()) {
-    if (refresh(section.record.data(), Size, section.stamp, request, operation, slot, timeout_ms, file,
-                line)) {
-        section.fetched = true;
-    }
+    refresh(section.record.data(), Size, section.stamp, request, operation, slot, timeout_ms, file, line);
     return section.record.data();
 }
 
-// Whether a section may be edited and sent back: not before the card has shown it, which is logged.
-template <std::size_t Size>
-bool may_edit(const Section<Size> &section, const char *operation, int slot) {
-    if (!section.fetched) {
-        log_add(log_error, "%s : slot %d has never sent its configuration, which is not overwritten\n",
+// Whether a section may be edited and sent back: not unless it shows what the card has, which is logged.
+inline bool may_edit(const Stamp &section, const char *operation, int slot) {
+    const bool allowed = section.held || section.filled;
+    if (!allowed) {
+        log_add(log_error, "%s : slot %d has not sent its configuration, which is not overwritten\n",
                 operation, slot);
     }
-    return section.fetched;
+    return allowed;
 }
 
 }  // namespace tarn

@@ -39,7 +39,6 @@ template <std::size_t Size>
 struct Section {
     Record<Size> record;
     Stamp stamp;
-    bool fetched;  // at least once; until then the record is zeros, which must not be edited and sent
 };
 template <std::size_t Size, std::size_t Count>
 using Sections = std::array<Section<Size>, Count>;

@@ -47,6 +47,9 @@ int slot_lib_set_alarms_config(void) {
     if (db == nullptr) {
         return -1;
     }
+    if (!may_edit(db->alarms_config.stamp, __func__, chassis_slot::chassis_network)) {
+        return -1;
+    }
     db->alarms_config.stamp.clear();
     const Answer current =
         ask(get_request, __func__, chassis_slot::chassis_network, payload + alarms_config::size);

@@ -10,7 +10,7 @@
 // profiles database.
 TARN_EXPORT void *slot_lib_get_alarms_config(void);
 // Sends every entry whose two values differ from the chassis' own to the configured slots, then to the
-// chassis. 0, or -1 when anything failed (logged).
+// chassis. 0, or -1 when anything failed or the configuration was never read (logged).
 TARN_EXPORT int slot_lib_set_alarms_config(void);
 
 #endif

@@ -15,6 +15,12 @@ namespace {
 
 std::uint8_t *config_buffer;
 
+// Whose image the buffer holds, and how many bytes of it: none after a damaged one.
+struct {
+    int address;
+    std::size_t size;
+} buffered;
+
 constexpr std::size_t max_compressed = config_image::compressed_length - payload;
 
 // zlib writes straight into the buffer. It may end a little behind it: card software of old inflated in steps
@@ -22,8 +28,8 @@ constexpr std::size_t max_compressed = config_image::compressed_length - payload
 constexpr std::size_t step = 1024;
 constexpr std::size_t spill_size = step - config_image::size % step;
 
-// Returns zlib's last code; Z_STREAM_END when the image is whole.
-int inflate_image(const std::uint8_t *from, std::size_t count) {
+// Returns zlib's last code; Z_STREAM_END when the image is whole. `inflated` are the bytes in the buffer.
+int inflate_image(const std::uint8_t *from, std::size_t count, std::size_t &inflated) {
     z_stream stream{};
     int code = inflateInit_(&stream, "1.2.5", sizeof stream);
     if (code != Z_OK || count == 0) {
@@ -35,6 +41,7 @@ int inflate_image(const std::uint8_t *from, std::size_t count) {
     stream.next_out = config_buffer;
     stream.avail_out = config_image::size;
     code = inflate(&stream, Z_NO_FLUSH);
+    inflated = config_image::size - stream.avail_out;
     if (code == Z_OK && stream.avail_out == 0) {
         std::array<Bytef, spill_size> spill;
         stream.next_out = spill.data();
@@ -44,6 +51,32 @@ int inflate_image(const std::uint8_t *from, std::size_t count) {
     }
     inflateEnd(&stream);
     return code;
+}
+
+// Fetches an image into the buffer; false when it did not come whole, which is logged.
+bool fetch_image(int address, const char *operation) {
+    const Request<32> request(command::get_all_config, destination::configuration);
+    const Answer answer =
+        ask(request, operation, address, config_image::compressed_length + sizeof(std::uint32_t));
+    if (!answer) {
+        return false;
+    }
+    const std::size_t stated = answer.get<std::uint32_t>(config_image::compressed_length);
+    std::size_t inflated = 0;
+    const int code = inflate_image(answer.data() + payload, std::min(stated, max_compressed), inflated);
+    if (code != Z_STREAM_END) {
+        log_add(log_error, "%s : decompression error : %d\n", operation, code);
+        inflated = 0;
+    }
+    buffered = {address, inflated};
+    return code == Z_STREAM_END;
+}
+
+bool buffer_missing(const char *operation) {
+    if (config_buffer == nullptr) {
+        log_add(log_error, "%s : memory allocation error\n", operation);
+    }
+    return config_buffer == nullptr;
 }
 
 }  // namespace
@@ -63,23 +96,12 @@ void init_config_buffer(void) {
 void deinit_config_buffer(void) {
     std::free(config_buffer);
     config_buffer = nullptr;
+    buffered = {};
 }
 
 std::uint8_t *get_all_config(int address) {
-    if (config_buffer == nullptr) {
-        log_add(log_error, "%s : memory allocation error\n", __func__);
-        return nullptr;
-    }
-    const Request<32> request(command::get_all_config, destination::configuration);
-    const Answer answer =
-        ask(request, __func__, slot_byte(address), config_image::compressed_length + sizeof(std::uint32_t));
-    if (!answer) {
-        return config_buffer;
-    }
-    const std::size_t stated = answer.get<std::uint32_t>(config_image::compressed_length);
-    const int code = inflate_image(answer.data() + payload, std::min(stated, max_compressed));
-    if (code != Z_STREAM_END) {
-        log_add(log_error, "%s : decompression error : %d\n", __func__, code);
+    if (!buffer_missing(__func__)) {
+        fetch_image(slot_byte(address), __func__);
     }
     return config_buffer;
 }
@@ -90,12 +112,18 @@ bool refresh_from_image(int address, std::size_t offset, std::uint8_t *to, std::
     if (!stamp.expired()) {
         return false;
     }
-    const std::uint8_t *image = get_all_config(address);
-    if (image == nullptr) {
+    constexpr const char *operation = "get_all_config";
+    if (buffer_missing(operation)) {
         return false;
     }
-    std::memcpy(to, image + offset, count);
+    const bool came = fetch_image(address, operation);
     stamp.set();
+    const bool own = buffered.address == address && buffered.size >= offset + count;
+    if (!own || (stamp.filled && !came)) {
+        return false;
+    }
+    std::memcpy(to, config_buffer + offset, count);
+    stamp.filled = came;
     return true;
 }
 

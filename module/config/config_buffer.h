@@ -21,7 +21,8 @@ TARN_EXPORT std::uint8_t *get_all_config(int address);
 namespace tarn {
 
 // Refreshes `count` bytes that stand at `offset` of the image of `address`, when their stamp has expired.
-// True when they were copied; without a buffer neither they nor the stamp are touched.
+// True when they were copied: from this address' image only, and where that does not come whole an earlier
+// one of it does for bytes that never came. Without a buffer neither they nor the stamp are touched.
 bool refresh_from_image(int address, std::size_t offset, std::uint8_t *to, std::size_t count, Stamp &stamp);
 
 }  // namespace tarn

@@ -33,7 +33,7 @@ std::uint8_t *get_olt_channel_config(int slot, int channel) {
         if (const Answer answer = ask(request, __func__, slot, record + olt_channel_config::size)) {
             answer.copy(section->record.data(), record, olt_channel_config::size);
             section->stamp.set();
-            section->fetched = true;
+            section->stamp.filled = true;
         }
     }
     return section->record.data();

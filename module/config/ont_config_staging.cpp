@@ -17,6 +17,7 @@ constexpr int not_given = -1;
 
 Record<ont_config::size> ont_cb;
 bool ont_cb_actual;
+int ont_cb_slot;
 int ont_cb_tree = not_given;
 int ont_cb_id = not_given;
 
@@ -24,14 +25,19 @@ int ont_cb_id = not_given;
 
 int init_ont_config_buffer(int slot, const std::uint8_t *serial_bytes, int create) {
     const Serial serial = serial_at(serial_bytes);  // may lie in the records that are refreshed next
+    slot = slot_byte(slot);
     if (ont_cb_actual) {
-        return compare_serials(ont_cb.data() + ont_config::serial.offset, serial.data()) == 0 ? 0 : -1;
+        return is_staged(slot, serial.data()) ? 0 : -1;
     }
+    if (is_zero_serial(serial.data()) || !may_edit_ont_configs(slot, __func__)) {
+        return -1;
+    }
+    ont_cb_slot = slot;
     ont_cb_tree = not_given;
     ont_cb_id = not_given;
     const int index = get_ont_config_index_by_serial(slot, serial.data());
     if (index != ont_not_found) {
-        ont_cb = slot_database(slot_byte(slot))->ont_configs[static_cast<std::size_t>(index)];
+        ont_cb = slot_database(slot)->ont_configs[static_cast<std::size_t>(index)];
         ont_cb_tree = index / ont_config::onts_per_channel;
         ont_cb_id = index % ont_config::onts_per_channel;
     } else if (create != 0) {
@@ -94,3 +100,12 @@ int commit_ont_config(int slot) {
 void invalidate_config_buffer(void) {
     ont_cb_actual = false;
 }
+
+namespace tarn {
+
+bool is_staged(int slot, const std::uint8_t *serial) {
+    return ont_cb_actual && ont_cb_slot == slot_byte(slot) &&
+           compare_serials(ont_cb.data() + ont_config::serial.offset, serial) == 0;
+}
+
+}  // namespace tarn

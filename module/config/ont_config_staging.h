@@ -7,7 +7,8 @@
 #include "module/exports.h"
 
 // Stages the record with this serial, or with `create` non-zero a new one where there is none. 0 also when it
-// is staged already; -1 when there is no such record or another ONT is staged.
+// is staged already; -1 when there is no such record or another ONT (of another slot, too) is staged, for the
+// all-zero serial and, with a log line, where the card's own records have not come since the last write.
 TARN_EXPORT int init_ont_config_buffer(int slot, const std::uint8_t *serial, int create);
 // The staged record.
 TARN_EXPORT std::uint8_t *get_ont_cb(void);
@@ -20,5 +21,12 @@ TARN_EXPORT void reorganize_ont_selective_tunnel_vids(void);
 TARN_EXPORT int commit_ont_config(int slot);
 // Drops a staged record.
 TARN_EXPORT void invalidate_config_buffer(void);
+
+namespace tarn {
+
+// Whether this ONT of this slot is what is staged.
+bool is_staged(int slot, const std::uint8_t *serial);
+
+}  // namespace tarn
 
 #endif

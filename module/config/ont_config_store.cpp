@@ -116,7 +116,7 @@ int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record
     if (act(request, __func__, slot) != 0) {
         return -1;
     }
-    db->ont_configs_stamp.clear();
+    db->ont_configs_stamp.drop();  // the next edit starts from what the card has now
     // The configuration holds it now; the card's services follow on their own if they miss this.
     store_integer(request.bytes.data(), board_header::destination, destination::services);
     act(request, __func__, slot);
@@ -125,19 +125,35 @@ int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record
 
 int delete_ont_config(int slot, const std::uint8_t *serial_bytes) {
     const Serial serial = serial_at(serial_bytes);  // may lie in the records that are refreshed next
-    const int index = get_ont_config_index_by_serial(slot, serial.data());
+    if (!may_edit_ont_configs(slot, __func__)) {
+        return -1;
+    }
+    const int index =
+        is_zero_serial(serial.data()) ? ont_not_found : get_ont_config_index_by_serial(slot, serial.data());
     if (index == ont_not_found) {
         log_add(log_error, "%s : tried to delete nonexistent config : %02X%02X%02X%02X\n", __func__,
                 serial[4], serial[5], serial[6], serial[7]);
         return -1;
     }
-    std::uint8_t *record = ont_config_at(*slot_database(slot_byte(slot)), index);
+    SlotDatabase &db = *slot_database(slot_byte(slot));
+    std::uint8_t *record = ont_config_at(db, index);
+    const std::int64_t in_use = load_integer(record, ont_config::in_use);
     store_integer(record, ont_config::in_use, 0);
-    return set_ont_config_new(slot, index / ont_config::onts_per_channel,
-                              index % ont_config::onts_per_channel, record);
+    const int result = set_ont_config_new(slot, index / ont_config::onts_per_channel,
+                                          index % ont_config::onts_per_channel, record);
+    if (result != 0) {  // for all that is known, it is still there
+        store_integer(record, ont_config::in_use, in_use);
+        db.ont_configs_stamp.clear();
+    }
+    return result;
 }
 
 namespace tarn {
+
+bool may_edit_ont_configs(int slot, const char *operation) {
+    return get_all_ont_config(slot) != nullptr &&
+           may_edit(slot_database(slot_byte(slot))->ont_configs_stamp, operation, slot_byte(slot));
+}
 
 // Walks ask for the same serial, or the next one, again and again; a search goes through records that lie far
 // apart.

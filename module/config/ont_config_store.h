@@ -24,10 +24,15 @@ TARN_EXPORT void init_ont_config(std::uint8_t *record);
 // Writes a record to channel 0-7 and ONT id 0-63 of a card. Its first word is replaced by what the card keeps
 // there. 0, or -1 when the host refuses it, the position is wrong (logged) or the card does not answer.
 TARN_EXPORT int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record);
-// Marks the record with this serial as free, on the card too. 0 or -1.
+// Marks the record with this serial as free, on the card too. 0, or -1 also where the card's own records have
+// not come since the last write (logged).
 TARN_EXPORT int delete_ont_config(int slot, const std::uint8_t *serial);
 
 namespace tarn {
+
+// Refreshes a slot's records; whether one may be changed and written. False, logged, unless the card's own
+// have come since the last write.
+bool may_edit_ont_configs(int slot, const char *operation);
 
 inline std::uint8_t *ont_config_at(SlotDatabase &db, int index) {
     return db.ont_configs[static_cast<std::size_t>(index)].data();

@@ -86,10 +86,13 @@ int set(const Kind<Size, Count> &kind, int index, const char *operation) {
 
 template <std::size_t Size, std::size_t Count>
 int remove(const Kind<Size, Count> &kind, int index, const char *operation) {
-    return cached(kind, index) != nullptr
-               ? send(kind, Request<payload + 2>(kind.remove, destination::configuration), index, nullptr,
-                      operation)
-               : -1;
+    if (cached(kind, index) == nullptr ||
+        send(kind, Request<payload + 2>(kind.remove, destination::configuration), index, nullptr,
+             operation) != 0) {
+        return -1;
+    }
+    (profiles_database()->*kind.stamp).filled = false;  // the cached profile stays
+    return 0;
 }
 
 }  // namespace

@@ -112,7 +112,7 @@ std::uint8_t *get_switch_blacklist_cfg(int slot) {
 int set_switch_blacklist_cfg(int slot) {
     slot = slot_byte(slot);
     SlotDatabase *db = slot_database(slot);
-    if (db == nullptr) {
+    if (db == nullptr || !may_edit(db->switch_blacklist.stamp, __func__, slot)) {
         return -1;
     }
     db->switch_blacklist.stamp.clear();
@@ -129,6 +129,7 @@ std::uint8_t *get_switch_blacklist_rules(int slot) {
         const Request<payload> request(command::get_switch_blacklist_rules, destination::ethernet_switch);
         if (const Answer answer = ask(request, __func__, slot, payload + 4)) {
             read_rules(*db, answer, __func__);
+            db->blacklist_rules_stamp.filled = true;
         }
         db->blacklist_rules_stamp.set();
     }
@@ -140,7 +141,7 @@ int set_switch_blacklist_rules(int slot) {
     constexpr std::size_t first_rule = payload + 4;
     slot = slot_byte(slot);
     SlotDatabase *db = slot_database(slot);
-    if (db == nullptr) {
+    if (db == nullptr || !may_edit(db->blacklist_rules_stamp, __func__, slot)) {
         return -1;
     }
     Request<first_rule + switch_blacklist::rules_per_list * switch_blacklist::rule_size> request(

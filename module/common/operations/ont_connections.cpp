@@ -23,7 +23,12 @@ std::uint8_t *get_ont_connections(int slot, const std::uint8_t *serial_bytes) {
         return nullptr;
     }
     SlotDatabase &db = *slot_database(slot);
-    if (db.connections_serial != serial || db.connections.stamp.expired()) {
+    if (db.connections_serial != serial) {
+        db.connections_serial = serial;
+        db.connections_count = 0;
+        db.connections = {};
+    }
+    if (db.connections.stamp.expired()) {
         Request<45> request(command::get_ont_connections, destination::services);
         request.put(40, static_cast<std::uint8_t>(index / ont_config::onts_per_channel))
             .put(41, static_cast<std::uint32_t>(index % ont_config::onts_per_channel));
@@ -31,7 +36,6 @@ std::uint8_t *get_ont_connections(int slot, const std::uint8_t *serial_bytes) {
             db.connections_count = answer.get<std::uint8_t>(answer_count);
             answer.copy(db.connections.record.data(), answer_block, ont_connections::size);
         }
-        db.connections_serial = serial;
         db.connections.stamp.set();
     }
     return db.connections.record.data();

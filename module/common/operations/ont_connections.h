@@ -7,7 +7,7 @@
 #include "module/exports.h"
 
 // The 990-byte block (see ont_connections); how many entries it has stands in the slot database. Null, with a
-// log line, for an ONT that is not configured. A failed request leaves the entries of the ONT before.
+// log line, for an ONT that is not configured. A failed request leaves the entries that the ONT had.
 TARN_EXPORT std::uint8_t *get_ont_connections(int slot, const std::uint8_t *serial);
 
 #endif

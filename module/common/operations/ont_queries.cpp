@@ -18,6 +18,14 @@ constexpr std::uint8_t all_channels = 255;
 constexpr std::size_t list_count = payload + 1;
 constexpr std::size_t list_records = list_count + 4;
 
+// What is cached of the ONT at a list position.
+void forget_ont(SlotDatabase &db, std::size_t position) {
+    db.ont_states[position] = {};
+    db.ont_uni_ports[position] = {};
+    db.ont_i2c[position] = {};
+    db.ont_downstream_ber[position] = {};
+}
+
 void read_ont_list(SlotDatabase &db, const Answer &answer, const char *operation) {
     const std::size_t stated = answer.get<std::uint32_t>(list_count);
     const std::size_t count =
@@ -25,8 +33,16 @@ void read_ont_list(SlotDatabase &db, const Answer &answer, const char *operation
     if (count != stated) {
         log_add(log_error, "%s : %zu ONTs stated, %zu taken\n", operation, stated, count);
     }
+    std::array<Serial, max_onts> holders;
+    std::transform(db.ont_list.begin(), db.ont_list.end(), holders.begin(),
+                   [](const auto &record) { return serial_at(record.data()); });
     db.ont_list = {};
     answer.copy(db.ont_list[0].data(), list_records, count * ont_list::size);
+    for (std::size_t position = 0; position < holders.size(); ++position) {
+        if (serial_at(db.ont_list[position].data()) != holders[position]) {
+            forget_ont(db, position);
+        }
+    }
     insert_sort_ont_states(&db);
 }
 

@@ -1,8 +1,8 @@
 // Queries of a card's ONTs: the list, and per ONT its state, optical module, UNI ports and quality figures.
 // Each returns a place in the slot database, refreshed where its stamp had expired, or null.
 //
-// The per-ONT sections belong to list positions: when a refresh shifts the list, a section shows the former
-// holder of its position until it expires.
+// The per-ONT sections belong to list positions: when a refresh shifts the list, the sections of positions
+// that change hands are emptied.
 #ifndef TARN_MODULE_COMMON_OPERATIONS_ONT_QUERIES_H
 #define TARN_MODULE_COMMON_OPERATIONS_ONT_QUERIES_H
 

@@ -16,9 +16,6 @@ void read_sessions(SlotDatabase &db, const Answer &answer, const char *operation
     if (count != stated) {
         log_add(log_error, "%s : %zu sessions stated, %zu taken\n", operation, stated, count);
     }
-    if (count == 0) {
-        return;
-    }
     if (!db.pppoe_sessions.resize(count)) {
         log_add(log_error, "%s : memory allocation failed. Tried to allocate %lu bytes\n", operation,
                 static_cast<unsigned long>(count * pppoe_session::size));
@@ -26,7 +23,9 @@ void read_sessions(SlotDatabase &db, const Answer &answer, const char *operation
         return;
     }
     db.pppoe_session_count = static_cast<std::uint16_t>(count);
-    answer.copy(db.pppoe_sessions.bytes, answer_sessions, count * pppoe_session::size);
+    if (count > 0) {
+        answer.copy(db.pppoe_sessions.bytes, answer_sessions, count * pppoe_session::size);
+    }
 }
 
 }  // namespace

@@ -6,8 +6,7 @@
 
 #include "module/exports.h"
 
-// The sessions of 31 bytes, as the card sends them; null for none. An answer without sessions keeps the old
-// ones.
+// The sessions of 31 bytes, as the card sends them; null for none. Without an answer the old ones stay.
 TARN_EXPORT std::uint8_t *get_pppoe_sessions(int slot);
 TARN_EXPORT void cleanup_pppoe_sessions(int slot);
 // The card is asked, but its statistics are not kept: the list is always empty, null.

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "module/common/cached_query.h"
 #include "module/common/log.h"
-#include "module/common/slot_management_db.h"
 
 namespace tarn {
 
@@ -81,17 +81,7 @@ std::uint8_t *edited_record(const Table &table, Target &target) {
     return own != nullptr ? own(target.row) : target.row.record;
 }
 
-int act(const Table &table, Target &target, const Binding &value) {
-    if (!writable(target.column)) {
-        return table.refused_in_action;
-    }
-    int error = locate_for_set(table, target);
-    if (error == SNMP_ERR_NOERROR && table.stage != nullptr) {
-        error = table.stage(target.row, *target.column, value);
-    }
-    if (error != SNMP_ERR_NOERROR) {
-        return error;
-    }
+int edit(const Table &table, Target &target, const Binding &value) {
     if (target.column->action != nullptr) {
         return target.column->action(target.row, value);
     }
@@ -103,11 +93,60 @@ int act(const Table &table, Target &target, const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-// Of the section that a SET of this target edits; `none` where there is no such section.
-Stamp &edited_stamp(const Table &table, const Target &target, Stamp &none) {
-    Stamp *stamp =
-        table.edited_stamp != nullptr && target.index_valid ? table.edited_stamp(target.row) : nullptr;
-    return stamp != nullptr ? *stamp : none;
+// The section that a SET of this target edits in place; null: none.
+Stamp *edited_section(const Table &table, const Target &target) {
+    return table.edited_stamp != nullptr && target.index_valid ? table.edited_stamp(target.row) : nullptr;
+}
+
+// The card that such a section is of; what is not a slot's is the chassis'.
+int section_owner(const Table &table, const Target &target) {
+    const bool of_slot = !table.index.empty() && table.index.front().kind == IndexPart::Kind::slot;
+    return of_slot ? target.row.slot : chassis_slot::profiles;
+}
+
+int act(const Table &table, Target &target, const Binding &value) {
+    if (!writable(target.column)) {
+        return table.refused_in_action;
+    }
+    int error = locate_for_set(table, target);
+    if (error == SNMP_ERR_NOERROR && table.stage != nullptr) {
+        error = table.stage(target.row, *target.column, value);
+    }
+    if (error != SNMP_ERR_NOERROR) {
+        return error;
+    }
+    Stamp *section = edited_section(table, target);
+    if (section != nullptr && !may_edit(*section, table.name, section_owner(table, target))) {
+        return SNMP_ERR_GENERR;
+    }
+    error = edit(table, target, value);
+    if (section != nullptr && error == SNMP_ERR_NOERROR) {
+        section->held = true;
+    } else if (section != nullptr) {
+        section->drop();  // it may have been edited all the same
+    }
+    return error;
+}
+
+int commit(const Table &table, Target &target) {
+    const int error = table.commit != nullptr ? table.commit(target.row) : SNMP_ERR_NOERROR;
+    Stamp *section = edited_section(table, target);
+    if (section != nullptr && error == SNMP_ERR_NOERROR) {
+        section->held = false;
+    } else if (section != nullptr) {
+        section->drop();
+    }
+    return error;
+}
+
+void undo(const Table &table, const Target &target) {
+    Stamp *section = edited_section(table, target);
+    if (section != nullptr && section->held) {
+        section->drop();
+    }
+    if (table.drop != nullptr) {
+        table.drop();
+    }
 }
 
 void call(void (*hook)()) {
@@ -133,8 +172,6 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
         error = without_row_data;
         return true;
     }
-    Stamp none;
-    Stamp &edited = edited_stamp(table, target, none);
     switch (mode) {
         case MODE_SET_RESERVE1:
             call(table.reserve1);
@@ -148,20 +185,13 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
             return true;
         case MODE_SET_ACTION:
             error = act(table, target, *binding);
-            edited.held = edited.held || error == SNMP_ERR_NOERROR;
             return true;
         case MODE_SET_COMMIT:
-            if (table.commit != nullptr) {
-                error = table.commit(target.row);
-            }
-            edited.held = false;
+            error = commit(table, target);
             return true;
         case MODE_SET_FREE:
         case MODE_SET_UNDO:
-            if (edited.held) {
-                edited.clear();
-            }
-            call(table.drop);
+            undo(table, target);
             return true;
         default:
             return false;

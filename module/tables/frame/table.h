@@ -73,8 +73,9 @@ struct Table {
     // The record that columns without an action of their own are stored in; null: the column's own, or the
     // row's.
     RecordOf edited = nullptr;
-    // The stamp of the cached section that a SET edits in place, or null. From the first edit to the end of
-    // the commit the section is not read again; after a failed SET the next read fetches what the card holds.
+    // The stamp of the cached section that a SET edits in place, or null. A section that does not show what
+    // the card has is not edited. From the first edit to the end of the commit it is not read again; after a
+    // failed SET the next read fetches what the card holds.
     Stamp *(*edited_stamp)(const Row &row) = nullptr;
     // Sends what was staged; 0 or an error.
     int (*commit)(Row &row) = nullptr;

@@ -33,7 +33,7 @@ int delete_ont(const Serial &ont, int slot) {
     if (delete_ont_config(slot, ont.data()) != 0) {
         return SNMP_ERR_GENERR;
     }
-    if (compare_serials(get_ont_cb() + serial.offset, ont.data()) == 0) {
+    if (is_staged(slot, ont.data())) {
         invalidate_config_buffer();
     }
     return SNMP_ERR_NOERROR;

@@ -36,11 +36,16 @@ int set_enabled(Row &row, const Binding &value) {
         return SNMP_NOSUCHINSTANCE;
     }
     const auto channel = static_cast<std::size_t>(channel_of(row));
-    if (!may_edit(slot_database(row.slot)->olt_channel_configs[channel], __func__, row.slot)) {
+    Stamp &stamp = slot_database(row.slot)->olt_channel_configs[channel].stamp;
+    if (!may_edit(stamp, __func__, row.slot)) {
         return SNMP_ERR_GENERR;
     }
     store_integer(config, olt_channel_config::enabled, set_truth_value(static_cast<int>(*value.val.integer)));
-    return set_olt_channel_config(row.slot, channel_of(row)) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
+    if (set_olt_channel_config(row.slot, channel_of(row)) != 0) {
+        stamp.drop();
+        return SNMP_ERR_GENERR;
+    }
+    return SNMP_ERR_NOERROR;
 }
 
 int reconfigure(const Row &row) {

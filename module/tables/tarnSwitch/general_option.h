@@ -22,11 +22,16 @@ struct GeneralOption {
         if (section == nullptr) {
             return SNMP_NOSUCHINSTANCE;
         }
-        if (!may_edit(slot_database(row.slot)->switch_general, "set_switch_general_cfg", row.slot)) {
+        Stamp &stamp = slot_database(row.slot)->switch_general.stamp;
+        if (!may_edit(stamp, "set_switch_general_cfg", row.slot)) {
             return SNMP_ERR_GENERR;
         }
         store_integer(section, Flag, set_truth_value(static_cast<int>(*value.val.integer)));
-        return set_switch_general_cfg(row.slot) == 0 ? SNMP_ERR_NOERROR : Failure;
+        if (set_switch_general_cfg(row.slot) != 0) {
+            stamp.drop();
+            return Failure;
+        }
+        return SNMP_ERR_NOERROR;
     }
 
     static constexpr Column columns[] = {

@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "module/common/cached_query.h"
+#include "module/common/slot_management_db.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
 #include "tarn/board_protocol.h"
@@ -28,9 +28,6 @@ struct QosCommit {
         row.record = qos_section(row);
         if (row.record == nullptr) {
             return SNMP_NOSUCHINSTANCE;
-        }
-        if (!may_edit(slot_database(row.slot)->switch_qos, "set_switch_qos_cfg", row.slot)) {
-            return SNMP_ERR_GENERR;
         }
         slots_to_commit[static_cast<std::size_t>(row.slot)] = true;
         return SNMP_ERR_NOERROR;

@@ -120,7 +120,7 @@ TEST_F(AddressTableTest, RawTextHas56CharactersAnEntryWhateverTheValues) {
     EXPECT_EQ(board.sent.size(), 1U);
 }
 
-TEST_F(AddressTableTest, SessionsOfAnEmptyAnswerAreKept) {
+TEST_F(AddressTableTest, AnAnswerWithoutSessionsEmptiesTheList) {
     Bytes payload(2 + 2 * 31, 0);
     payload[0] = 2;
     payload[2] = 'p';
@@ -132,8 +132,10 @@ TEST_F(AddressTableTest, SessionsOfAnEmptyAnswerAreKept) {
     EXPECT_EQ(board.payload_of(0), (Bytes{255}));
     board.answer(205, {0, 0});
     board.everything_stale = true;
-    EXPECT_EQ(get_pppoe_sessions(0)[31], 'q');
-    EXPECT_EQ(db().pppoe_session_count, 2);
+    EXPECT_EQ(get_pppoe_sessions(0), nullptr);
+    EXPECT_EQ(db().pppoe_session_count, 0);
+    board.answer(205, payload);
+    get_pppoe_sessions(0);
     cleanup_pppoe_sessions(0);
     EXPECT_EQ(db().pppoe_session_count, 0);
     EXPECT_FALSE(db().pppoe_stamp.is_set());

@@ -215,6 +215,20 @@ TEST_F(BoardQueriesTest, ASerialInsideTheListSurvivesTheRefreshThatMovesIt) {
     EXPECT_EQ(board.last_payload()[0], 'B');
 }
 
+TEST_F(BoardQueriesTest, APositionThatChangesHandsShowsNothingOfItsFormerOnt) {
+    board.answer(73, list_of({"AAAA1111", "BBBB2222"}));
+    board.answer(72, Bytes(170, 9));
+    get_ont_state(2, serial("AAAA1111"));
+    get_ont_state(2, serial("BBBB2222"));
+    board.answer(73, list_of({"AAAA1111", "CCCC3333"}));
+    board.silence(72);
+    tarn::slot_database(2)->ont_list_stamp.clear();
+    EXPECT_EQ(get_ont_state(2, serial("CCCC3333"))[0], 0);
+    EXPECT_EQ(board.count(72), 3);
+    EXPECT_EQ(get_ont_state(2, serial("AAAA1111"))[0], 9);
+    EXPECT_EQ(board.count(72), 3);
+}
+
 struct OntSection {
     std::uint8_t *(*query)(int, const std::uint8_t *);
     int command;

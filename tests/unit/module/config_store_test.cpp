@@ -1,10 +1,12 @@
 // The configuration image and what is cut from it: ONT records with their staging copy, network blocks.
 #include <algorithm>
 
+#include "module/common/common.h"
 #include "module/config/config_buffer.h"
 #include "module/config/network_config.h"
 #include "module/config/ont_config_staging.h"
 #include "module/config/ont_config_store.h"
+#include "module/config/ont_templates.h"
 #include "support/config_image.h"
 #include "tarn/bytes.h"
 
@@ -104,6 +106,47 @@ TEST_F(ConfigStoreTest, ServesTheOldImageWithoutAnAnswerOrWithAShortOne) {
     EXPECT_TRUE(board.logged("3 get_all_config : short answer, 1032 bytes of 1024036\n"));
     board.silence(302);
     EXPECT_EQ(get_all_config(3)[5], 5);
+}
+
+// The buffer holds whatever came last: of any slot, and any part of it.
+TEST_F(ConfigStoreTest, ShowsOfASlotOnlyItsOwnWholeImage) {
+    slot_initializer(4);
+    image.add_ont(0, serial_a);
+    image.network()[0] = 7;
+    image.serve();
+    const Bytes own = image.payload();
+    get_all_ont_config(3);
+    image.add_ont(0, serial_b);
+    const Bytes plain_head(image.bytes.begin(), image.bytes.begin() + 53054);
+    const Bytes compressed = deflate_bytes(image.bytes);
+    const Bytes damaged = image_payload(compressed, static_cast<std::uint32_t>(compressed.size() - 4));
+    const Bytes head = deflate_bytes(plain_head);
+    const Bytes ends_early = image_payload(head, static_cast<std::uint32_t>(head.size()));
+    board.everything_stale = true;
+    for (const Bytes &failing : {Bytes{}, damaged, ends_early}) {
+        board.answer(302, failing);
+        board.log.clear();
+        EXPECT_EQ(get_all_ont_config(4)[264], 0);
+        EXPECT_EQ(get_gpon_network_cfg(4)[0], 0);
+        EXPECT_EQ(get_ont_templates()[0], 0);
+        for (const int create : {0, 1}) {
+            EXPECT_EQ(init_ont_config_buffer(4, bytes_of(serial_a), create), -1);
+        }
+        EXPECT_EQ(delete_ont_config(4, bytes_of(serial_a)), -1);
+        EXPECT_EQ(set_gpon_network_cfg(4), -1);
+        EXPECT_TRUE(
+            board.logged("3 init_ont_config_buffer : slot 4 has not sent its configuration, which is "
+                         "not overwritten\n"));
+        EXPECT_EQ(get_ont_config_index_by_serial(3, bytes_of(serial_a)), 0);  // what it had
+    }
+    EXPECT_EQ(board.count(123) + board.count(215), 0);
+    // An earlier image of the same slot can be read.
+    board.answer(302, own);
+    get_all_config(3);
+    board.silence(302);
+    EXPECT_EQ(get_gpon_network_cfg(3)[0], 7);
+    EXPECT_EQ(set_gpon_network_cfg(3), -1);
+    board.everything_stale = false;
 }
 
 TEST_F(ConfigStoreTest, NeitherCopiesNorStampsWithoutABuffer) {
@@ -266,6 +309,8 @@ TEST_F(ConfigStoreTest, StagesOneRecordAtATime) {
     EXPECT_EQ(init_ont_config_buffer(3, bytes_of(serial_a), 0), 0);
     EXPECT_EQ(get_ont_cb()[6], 'x');
     EXPECT_EQ(init_ont_config_buffer(3, bytes_of(serial_b), 1), -1);
+    slot_initializer(4);
+    EXPECT_EQ(init_ont_config_buffer(4, bytes_of(serial_a), 0), -1);  // another card's
     EXPECT_EQ(commit_ont_config(3), 0);
     const Bytes payload = board.payload_of(1);
     EXPECT_EQ(Bytes(payload.begin(), payload.begin() + 5), (Bytes{1, 6, 0, 0, 0}));
@@ -273,6 +318,19 @@ TEST_F(ConfigStoreTest, StagesOneRecordAtATime) {
     board.sent.clear();
     EXPECT_EQ(commit_ont_config(3), 0);
     EXPECT_TRUE(board.sent.empty());
+    // A record from before the write would take it back.
+    board.silence(302);
+    EXPECT_EQ(init_ont_config_buffer(3, bytes_of(serial_a), 0), -1);
+}
+
+TEST_F(ConfigStoreTest, NeitherStagesNorDeletesAnOntWithoutASerial) {
+    image.add_ont(70, serial_a);
+    image.serve();
+    for (const int create : {0, 1}) {
+        EXPECT_EQ(init_ont_config_buffer(3, bytes_of(no_serial), create), -1);
+    }
+    EXPECT_EQ(delete_ont_config(3, bytes_of(no_serial)), -1);
+    EXPECT_EQ(board.count(123), 0);
 }
 
 TEST_F(ConfigStoreTest, ANewRecordNeedsAPlace) {

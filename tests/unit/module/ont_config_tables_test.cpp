@@ -278,6 +278,11 @@ TEST_F(OntConfigTablesTest, DeletesInTheActionPhaseForGood) {
     EXPECT_EQ(board.payload_of(1)[0], 1);
     EXPECT_EQ(board.payload_of(1)[1], 6);
     EXPECT_EQ(set_config(20, integer_value(6), serial_c), SNMP_ERR_GENERR);
+    // An ONT that the card keeps is still a row.
+    board.silence(123);
+    board.silence(302);
+    EXPECT_EQ(set_config(20, integer_value(6)), SNMP_ERR_GENERR);
+    EXPECT_EQ(config(20).integer, 1);
     EXPECT_TRUE(board.logged("3 delete_ont_config : tried to delete nonexistent config : 00000080\n"));
 }
 

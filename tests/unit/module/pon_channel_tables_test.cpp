@@ -122,6 +122,11 @@ TEST_F(PonChannelTablesTest, OnlyAnExactOneEnablesAChannelWhoseConfigurationWasR
     }
     board.silence(86);
     EXPECT_EQ(set_state(5, integer_value(1)), SNMP_ERR_GENERR);
+    // The cached record is not the card's any more.
+    board.answer(86, {});
+    board.sent.clear();
+    EXPECT_EQ(set_state(5, integer_value(1)), SNMP_ERR_GENERR);
+    EXPECT_EQ(board.count(86), 0);
 }
 
 TEST_F(PonChannelTablesTest, RefusedWritesSendNothing) {

@@ -329,6 +329,49 @@ TEST_F(ProfileTablesTest, AFailedSetLeavesNothingForTheNextOne) {
     EXPECT_EQ(std::string(sent.begin(), sent.end()).find("abandoned"), std::string::npos);
 }
 
+// What the chassis refused is neither shown nor sent with the next edit, not even if the array cannot be
+// read.
+TEST_F(ProfileTablesTest, ARefusedSetIsDropped) {
+    for (const TableCase &table : tables) {
+        SCOPED_TRACE(table.name);
+        serve(table);
+        const ColumnCase &column = table.columns.front();
+        const Outcome before = call(table, MODE_GET, column.column);
+        board.silence(table.get_command + 2);
+        EXPECT_EQ(set(table, column.column, value_to_set(column)), SNMP_ERR_COMMITFAILED);
+        const Outcome after = call(table, MODE_GET, column.column);
+        EXPECT_EQ(after.octets, before.octets);
+        EXPECT_EQ(after.integer, before.integer);
+        EXPECT_EQ(set(table, column.column, value_to_set(column)), SNMP_ERR_COMMITFAILED);
+        board.silence(table.get_command);
+        board.answer(table.get_command + 2, {});
+        board.sent.clear();
+        EXPECT_EQ(set(table, column.column, value_to_set(column)), SNMP_ERR_GENERR);
+        if (table.row_status != 0) {
+            serve(table);
+            board.silence(table.get_command + 1);
+            EXPECT_EQ(set(table, table.row_status, integer_value(4), {5}), SNMP_ERR_NOCREATION);
+            EXPECT_EQ(call(table, MODE_GET, 3, nullptr, {5}).error, SNMP_NOSUCHINSTANCE);
+        }
+        EXPECT_EQ(board.count(table.get_command + 2), 0);
+    }
+}
+
+TEST_F(ProfileTablesTest, NothingIsCreatedInAnArrayThatWasNeverRead) {
+    for (const TableCase &table : tables) {
+        if (table.row_status != 0) {
+            SCOPED_TRACE(table.name);
+            serve(table);
+            board.silence(table.get_command);
+            EXPECT_EQ(set(table, table.row_status, integer_value(4), {5}), SNMP_ERR_GENERR);
+            EXPECT_EQ(board.count(table.get_command + 1), 0);
+            EXPECT_TRUE(board.logged("3 "s + table.name +
+                                     " : slot 16 has not sent its configuration, which is "
+                                     "not overwritten\n"));
+        }
+    }
+}
+
 TEST_F(ProfileTablesTest, ChecksValues) {
     const auto reserve = [](std::size_t table, int column, const Value &value) {
         return call(tables[table], MODE_SET_RESERVE1, column, &value).error;
@@ -501,6 +544,15 @@ TEST_F(TemplateTablesTest, SendsEachEditedTemplateOnceInOrder) {
     EXPECT_EQ(board.last_payload()[0], 31);
     board.silence(301);
     EXPECT_EQ(set_together({variable(7)}), SNMP_ERR_COMMITFAILED);
+    // Not sent with the next edit, also if the templates do not come again; nor are any that never came.
+    board.answer(301, {});
+    board.silence(302);
+    board.sent.clear();
+    EXPECT_EQ(set_together({variable(31)}), SNMP_ERR_GENERR);
+    cleanup_lib();
+    start({});
+    EXPECT_EQ(set_together({variable(31)}), SNMP_ERR_GENERR);
+    EXPECT_EQ(board.count(301), 0);
 }
 
 TEST_F(TemplateTablesTest, ChecksValuesAndIndices) {

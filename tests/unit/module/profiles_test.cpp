@@ -6,8 +6,10 @@
 #include "module/common/common.h"
 #include "module/common/slot_management_db.h"
 #include "module/config/alarms_config.h"
+#include "module/config/network_config.h"
 #include "module/config/olt_config.h"
 #include "module/config/ont_templates.h"
+#include "module/switch/switch_operations.h"
 #include "support/config_image.h"
 #include "tarn/bytes.h"
 
@@ -232,6 +234,22 @@ TEST_F(ProfilesTest, KeepsAHeldOltConfiguration) {
     tarn::store_le16(record + 9510, 0);
     EXPECT_EQ(get_olt_cfg(3)[0], 4);
     EXPECT_EQ(set_olt_cfg(5), -1);
+}
+
+TEST_F(ProfilesTest, SendsNoSectionThatWasNeverRead) {
+    slot_initializer(3);
+    EXPECT_EQ(slot_lib_set_alarms_config(), -1);
+    EXPECT_EQ(set_common_network_cfg(), -1);
+    EXPECT_EQ(update_slots_terminal_vlans(3), -1);
+    for (int (*set)(int) :
+         {set_gpon_network_cfg, set_olt_cfg, set_switch_blacklist_cfg, set_switch_blacklist_rules}) {
+        EXPECT_EQ(set(3), -1);
+    }
+    EXPECT_TRUE(board.sent.empty());
+    EXPECT_EQ(board.log.size(), 7U);
+    EXPECT_EQ(board.log.front(),
+              "3 slot_lib_set_alarms_config : slot 18 has not sent its configuration, which is not "
+              "overwritten\n");
 }
 
 class AlarmsTest : public ProfilesTest {

@@ -73,6 +73,10 @@ TEST_F(QosTablesTest, ConfigurationIsReadAndWritten) {
     EXPECT_EQ(board.count(0xC9), sends);
     board.silence(0xC9);
     EXPECT_EQ(set_config(3, integer_value(1)), SNMP_ERR_COMMITFAILED);
+    // What the card refused is not sent with the next edit, even if the card's own does not come.
+    board.answer(0xC9, {});
+    board.silence(0xB9);
+    EXPECT_EQ(set_config(4, integer_value(1)), SNMP_ERR_GENERR);
 }
 
 TEST_F(QosTablesTest, AMissingRowIsReportedByPhase) {
@@ -198,7 +202,7 @@ TEST_F(QosTablesTest, AConfigurationThatWasNeverReadIsNotOverwritten) {
         SNMP_ERR_GENERR);
     EXPECT_EQ(board.count(0xC9), 0);
     EXPECT_TRUE(board.logged(
-        "3 set_switch_qos_cfg : slot 6 has never sent its configuration, which is not overwritten\n"));
+        "3 tarnQOSConfigTable : slot 6 has not sent its configuration, which is not overwritten\n"));
 }
 
 TEST_F(QosTablesTest, CountersOfAPortAreServedByPosition) {

@@ -132,6 +132,9 @@ TEST_F(SwitchOperationsTest, RulesAreSortedIntoTheirLists) {
 
 TEST_F(SwitchOperationsTest, AtMost1023RulesAreSentWithoutTheDeletedOnes) {
     board.answer(0xC8, {});
+    board.answer(0xB8, Bytes(4, 0));
+    get_switch_blacklist_rules(slot);
+    board.sent.clear();
     db->blacklist_rule_counts = {1000, 0, 0, 0, 0, 0, 0, 24};
     for (std::size_t i = 0; i < 1000; ++i) {
         db->blacklist_rules[0][i][1] = static_cast<std::uint8_t>(i);

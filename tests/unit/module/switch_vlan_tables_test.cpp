@@ -365,6 +365,7 @@ TEST_F(SwitchVlanTablesTest, GeneralOptionsAreSentAtOnce) {
         EXPECT_EQ(call_iterator(handler, MODE_SET_RESERVE2, 2, {slot + 1}, rows[0].row, &three).error,
                   SNMP_ERR_WRONGVALUE);
         EXPECT_EQ(write(2, integer_value(2)), failure);
+        EXPECT_EQ(read(2).integer, 1);  // as the card has it
         board.answer(0xBE, {});
         EXPECT_EQ(write(2, integer_value(2)), 0);
         section[at] = 0;
