@@ -10,9 +10,9 @@
 #include "chassis/state/card.h"
 #include "chassis/state/scenario.h"
 #include "module/config/config_buffer.h"
-#include "module/config/config_records.h"
 #include "support/scripted_board.h"
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
+#include "wire/records/config_image.h"
 
 namespace {
 

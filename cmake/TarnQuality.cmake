@@ -2,7 +2,7 @@
 find_program(CLANG_FORMAT clang-format)
 find_program(RUN_CLANG_TIDY NAMES run-clang-tidy run-clang-tidy-14)
 file(GLOB_RECURSE TARN_SOURCES CONFIGURE_DEPENDS
-  include/*.h module/*.h module/*.cpp host/*.h host/*.cpp chassis/*.h chassis/*.cpp
+  include/*.h wire/*.h module/*.h module/*.cpp host/*.h host/*.cpp chassis/*.h chassis/*.cpp
   ctl/*.h ctl/*.cpp tools/*.cpp tests/*.h tests/*.cpp bench/*.h bench/*.cpp)
 
 if(CLANG_FORMAT)

@@ -7,7 +7,7 @@
 
 #include "ctl/commands.h"
 #include "ctl/serial.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::ctl {
 namespace {

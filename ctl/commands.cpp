@@ -4,7 +4,7 @@
 #include <charconv>
 #include <stdexcept>
 
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::ctl {
 namespace {

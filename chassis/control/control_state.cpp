@@ -3,6 +3,10 @@
 #include <numeric>
 
 #include "chassis/control/control.h"
+#include "wire/records/channel.h"
+#include "wire/records/ont.h"
+#include "wire/records/ont_config.h"
+#include "wire/records/switch.h"
 
 namespace tarn::chassis {
 namespace {

@@ -1,5 +1,6 @@
 // Addresses learnt behind ONTs, PPPoE sessions and IGMP statistics.
 #include "chassis/requests/selectors.h"
+#include "wire/records/address.h"
 
 namespace tarn::chassis {
 namespace {

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "chassis/requests/selectors.h"
+#include "wire/records/channel.h"
 
 namespace tarn::chassis {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "chassis/state/card.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::chassis {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chassis/requests/selectors.h"
+#include "wire/records/switch.h"
 
 namespace tarn::chassis {
 namespace {

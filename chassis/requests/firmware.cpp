@@ -1,5 +1,6 @@
 // Firmware updates of the card and of its ONTs, and their schedule.
 #include "chassis/requests/selectors.h"
+#include "wire/records/ont.h"
 
 namespace tarn::chassis {
 namespace {

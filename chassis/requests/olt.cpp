@@ -1,4 +1,5 @@
 // The OLT as a whole.
+#include "wire/records/olt.h"
 #include "chassis/requests/selectors.h"
 
 namespace tarn::chassis {

@@ -3,6 +3,10 @@
 #include <algorithm>
 
 #include "chassis/requests/selectors.h"
+#include "wire/records/config_image.h"
+#include "wire/records/network.h"
+#include "wire/records/ont_config.h"
+#include "wire/records/template.h"
 
 namespace tarn::chassis {
 namespace {

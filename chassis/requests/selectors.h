@@ -3,6 +3,8 @@
 #define TARN_CHASSIS_REQUESTS_SELECTORS_H
 
 #include "chassis/requests/dispatcher.h"
+#include "wire/records/channel.h"
+#include "wire/records/ont.h"
 
 namespace tarn::chassis {
 

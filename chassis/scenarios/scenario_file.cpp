@@ -13,6 +13,9 @@
 #include <sstream>
 
 #include "chassis/state/onts.h"
+#include "wire/records/channel.h"
+#include "wire/records/ont.h"
+#include "wire/records/switch.h"
 
 namespace tarn::chassis {
 namespace {

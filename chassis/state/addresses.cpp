@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chassis/state/generator.h"
+#include "wire/records/address.h"
 
 namespace tarn::chassis {
 namespace {

@@ -3,6 +3,7 @@
 #define TARN_CHASSIS_STATE_ADDRESSES_H
 
 #include "chassis/state/onts.h"
+#include "wire/records/address.h"
 
 namespace tarn::chassis {
 

@@ -4,7 +4,7 @@
 
 #include "chassis/state/record_bytes.h"
 #include "chassis/state/time.h"
-#include "module/common/board_records.h"
+#include "wire/records/channel.h"
 
 namespace tarn::chassis {
 

@@ -4,7 +4,7 @@
 #include <limits>
 #include <stdexcept>
 
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::chassis {
 namespace {

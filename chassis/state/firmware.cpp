@@ -7,6 +7,8 @@
 #include <fstream>
 
 #include "chassis/state/card.h"
+#include "wire/records/firmware.h"
+#include "wire/records/ont.h"
 
 namespace tarn::chassis {
 

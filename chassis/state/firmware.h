@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "chassis/state/onts.h"
+#include "wire/records/firmware.h"
 
 namespace tarn::chassis {
 

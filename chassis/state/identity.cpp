@@ -3,7 +3,8 @@
 #include <string>
 
 #include "chassis/state/generator.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
+#include "wire/records/olt.h"
 
 namespace tarn::chassis {
 namespace {

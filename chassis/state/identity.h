@@ -3,7 +3,7 @@
 #define TARN_CHASSIS_STATE_IDENTITY_H
 
 #include "chassis/state/record_bytes.h"
-#include "module/common/board_records.h"
+#include "wire/records/olt.h"
 
 namespace tarn::chassis {
 

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "wire/records/ont.h"
+
 namespace tarn::chassis {
 namespace {
 

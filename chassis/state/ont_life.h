@@ -4,6 +4,7 @@
 #define TARN_CHASSIS_STATE_ONT_LIFE_H
 
 #include "chassis/state/onts.h"
+#include "wire/records/ont.h"
 
 namespace tarn::chassis {
 

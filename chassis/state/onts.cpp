@@ -6,6 +6,8 @@
 
 #include "chassis/state/generator.h"
 #include "chassis/state/ont_life.h"
+#include "wire/records/channel.h"
+#include "wire/records/ont.h"
 
 namespace tarn::chassis {
 namespace {

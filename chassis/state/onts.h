@@ -8,7 +8,8 @@
 
 #include "chassis/state/record_bytes.h"
 #include "chassis/state/time.h"
-#include "module/common/board_records.h"
+#include "wire/records/channel.h"
+#include "wire/records/ont.h"
 
 namespace tarn::chassis {
 

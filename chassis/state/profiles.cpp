@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <string>
 
+#include "wire/defaults.h"
+#include "wire/records/profile.h"
+
 namespace tarn::chassis {
 namespace {
 

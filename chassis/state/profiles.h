@@ -8,7 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "module/config/config_defaults.h"
+#include "wire/defaults.h"
+#include "wire/records/profile.h"
 
 namespace tarn::chassis {
 

@@ -7,8 +7,13 @@
 #include <string>
 
 #include "chassis/state/generator.h"
-#include "module/config/config_defaults.h"
-#include "tarn/board_protocol.h"
+#include "wire/defaults.h"
+#include "wire/protocol.h"
+#include "wire/records/channel.h"
+#include "wire/records/config_image.h"
+#include "wire/records/network.h"
+#include "wire/records/ont_config.h"
+#include "wire/records/template.h"
 
 namespace tarn::chassis {
 namespace {

@@ -8,7 +8,10 @@
 #include "chassis/state/onts.h"
 #include "chassis/state/profiles.h"
 #include "chassis/state/record_bytes.h"
-#include "module/config/config_records.h"
+#include "wire/records/network.h"
+#include "wire/records/olt.h"
+#include "wire/records/ont_config.h"
+#include "wire/records/template.h"
 
 namespace tarn::chassis {
 

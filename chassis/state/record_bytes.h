@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "tarn/record.h"
+#include "wire/record.h"
 
 namespace tarn::chassis {
 

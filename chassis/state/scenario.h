@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "chassis/state/faults.h"
-#include "module/common/board_records.h"
-#include "module/switch/switch_records.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
+#include "wire/records/address.h"
+#include "wire/records/channel.h"
 
 namespace tarn::chassis {
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "chassis/state/generator.h"
+#include "wire/records/switch.h"
 
 namespace tarn::chassis {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "chassis/state/record_bytes.h"
-#include "module/switch/switch_records.h"
+#include "wire/records/switch.h"
 
 namespace tarn::chassis {
 

@@ -1,6 +1,7 @@
 #include "chassis/state/switch_traffic.h"
 
 #include "chassis/state/generator.h"
+#include "wire/records/switch.h"
 
 namespace tarn::chassis {
 namespace {

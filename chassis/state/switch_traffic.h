@@ -7,6 +7,7 @@
 
 #include "chassis/state/switch_config.h"
 #include "chassis/state/time.h"
+#include "wire/records/switch.h"
 
 namespace tarn::chassis {
 

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "host/board/ipc_result.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::host {
 namespace {

@@ -15,7 +15,7 @@
 #include "host/board/board_connection.h"
 #include "host/board/card_figures.h"
 #include "host/board/chassis_address.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::host {
 

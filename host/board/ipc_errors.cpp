@@ -2,8 +2,8 @@
 #include <array>
 
 #include "host/board/ipc_result.h"
-#include "tarn/board_protocol.h"
 #include "tarn/host_services.h"
+#include "wire/protocol.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <tuple>
 #include <vector>
 
-#include "tarn/board_protocol.h"
 #include "tarn/module_api.h"
+#include "wire/protocol.h"
 
 namespace tarn::host {
 

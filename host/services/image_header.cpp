@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "tarn/record.h"
+#include "wire/record.h"
 
 namespace tarn::host {
 namespace {

@@ -3,7 +3,7 @@
 #include <array>
 #include <limits>
 
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::host {
 namespace {

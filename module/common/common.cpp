@@ -7,8 +7,8 @@
 #include "module/config/config_buffer.h"
 #include "module/firmware/acs_firmware_operations.h"
 #include "module/tables/scalars.h"
-#include "tarn/board_protocol.h"
 #include "tarn/module_api.h"
+#include "wire/protocol.h"
 
 namespace {
 

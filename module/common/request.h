@@ -8,8 +8,8 @@
 #include <cstring>
 #include <utility>
 
-#include "tarn/board_protocol.h"
 #include "tarn/host_services.h"
+#include "wire/protocol.h"
 
 namespace tarn {
 

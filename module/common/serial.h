@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "module/common/board_records.h"
+#include "wire/records/ont.h"
 
 namespace tarn {
 

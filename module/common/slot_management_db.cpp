@@ -7,7 +7,7 @@
 #include "module/common/log.h"
 #include "module/common/operations/address_table.h"
 #include "module/common/operations/sessions.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 using namespace tarn;
 

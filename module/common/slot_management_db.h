@@ -6,13 +6,20 @@
 #include <array>
 #include <cstdint>
 
-#include "module/common/board_records.h"
 #include "module/common/cache.h"
 #include "module/common/growable.h"
 #include "module/config/commit_set.h"
-#include "module/config/config_records.h"
 #include "module/exports.h"
-#include "module/switch/switch_records.h"
+#include "wire/records/address.h"
+#include "wire/records/channel.h"
+#include "wire/records/firmware.h"
+#include "wire/records/network.h"
+#include "wire/records/olt.h"
+#include "wire/records/ont.h"
+#include "wire/records/ont_config.h"
+#include "wire/records/profile.h"
+#include "wire/records/switch.h"
+#include "wire/records/template.h"
 
 struct AutoUpdateEntry;
 

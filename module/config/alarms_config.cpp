@@ -2,6 +2,7 @@
 
 #include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "wire/records/network.h"
 
 using namespace tarn;
 

@@ -7,7 +7,7 @@
 
 #include "module/common/cached_query.h"
 #include "module/common/log.h"
-#include "module/config/config_records.h"
+#include "wire/records/config_image.h"
 
 using namespace tarn;
 

@@ -3,6 +3,8 @@
 #include "module/common/cached_query.h"
 #include "module/common/log.h"
 #include "module/config/config_buffer.h"
+#include "wire/records/config_image.h"
+#include "wire/records/network.h"
 
 using namespace tarn;
 

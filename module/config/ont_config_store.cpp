@@ -7,7 +7,11 @@
 #include "module/common/log.h"
 #include "module/common/serial.h"
 #include "module/config/config_buffer.h"
-#include "module/config/config_defaults.h"
+#include "wire/defaults.h"
+#include "wire/records/channel.h"
+#include "wire/records/config_image.h"
+#include "wire/records/ont.h"
+#include "wire/records/ont_config.h"
 
 using namespace tarn;
 

@@ -7,6 +7,7 @@
 
 #include "module/common/slot_management_db.h"
 #include "module/exports.h"
+#include "wire/records/ont_config.h"
 
 // The slot's records in store order, refreshed from its image when they have expired. Null for a slot
 // without a database.

@@ -2,6 +2,8 @@
 
 #include "module/common/cached_query.h"
 #include "module/config/config_buffer.h"
+#include "wire/records/config_image.h"
+#include "wire/records/template.h"
 
 using namespace tarn;
 

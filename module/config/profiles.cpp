@@ -3,7 +3,8 @@
 #include <charconv>
 
 #include "module/common/cached_query.h"
-#include "module/config/config_defaults.h"
+#include "wire/defaults.h"
+#include "wire/records/profile.h"
 
 using namespace tarn;
 

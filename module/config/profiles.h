@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "module/config/commit_set.h"
-#include "module/config/config_records.h"
 #include "module/exports.h"
+#include "wire/records/profile.h"
 
 // For each kind K, with an index of 0 up to the kind's number of profiles:
 //   get_K_profiles    the array, refreshed when it has expired; null without the profiles database

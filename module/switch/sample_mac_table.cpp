@@ -4,6 +4,7 @@
 #include "module/common/cached_query.h"
 #include "module/common/log.h"
 #include "module/switch/switch_mac_table.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

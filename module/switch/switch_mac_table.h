@@ -7,6 +7,7 @@
 
 #include "module/common/slot_management_db.h"
 #include "module/exports.h"
+#include "wire/records/switch.h"
 
 // An entry as the card sends it (see switch_mac).
 extern "C" struct switch_mac_list_t {

@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstdio>
 
-#include "module/switch/switch_records.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

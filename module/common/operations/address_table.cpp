@@ -7,6 +7,7 @@
 #include "module/common/cached_query.h"
 #include "module/common/log.h"
 #include "module/common/serial.h"
+#include "wire/records/address.h"
 
 using namespace tarn;
 

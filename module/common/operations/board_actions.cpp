@@ -1,6 +1,7 @@
 #include "module/common/operations/board_actions.h"
 
 #include "module/common/cached_query.h"
+#include "wire/records/ont.h"
 
 using namespace tarn;
 

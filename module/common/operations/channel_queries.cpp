@@ -1,6 +1,7 @@
 #include "module/common/operations/channel_queries.h"
 
 #include "module/common/cached_query.h"
+#include "wire/records/channel.h"
 
 using namespace tarn;
 

@@ -13,8 +13,9 @@
 
 #include "module/common/cached_query.h"
 #include "module/common/log.h"
-#include "module/config/config_records.h"
 #include "module/config/ont_config_store.h"
+#include "wire/records/ont.h"
+#include "wire/records/ont_config.h"
 
 using namespace tarn;
 

@@ -4,6 +4,8 @@
 #include "module/common/log.h"
 #include "module/common/serial.h"
 #include "module/config/ont_config_store.h"
+#include "wire/records/ont.h"
+#include "wire/records/ont_config.h"
 
 using namespace tarn;
 

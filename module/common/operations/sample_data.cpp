@@ -3,6 +3,9 @@
 #include "module/common/cached_query.h"
 #include "module/common/operations/address_table.h"
 #include "module/common/operations/sessions.h"
+#include "wire/records/address.h"
+#include "wire/records/channel.h"
+#include "wire/records/ont.h"
 
 using namespace tarn;
 

@@ -5,6 +5,8 @@
 
 #include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "wire/records/firmware.h"
+#include "wire/records/ont.h"
 
 using namespace tarn;
 

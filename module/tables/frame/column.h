@@ -6,7 +6,7 @@
 #include "module/common/common.h"
 #include "module/tables/frame/row.h"
 #include "module/tables/frame/row_status.h"
-#include "tarn/record.h"
+#include "wire/record.h"
 
 namespace tarn {
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "wire/records/ont.h"
+
 namespace tarn {
 
 namespace {

@@ -2,9 +2,9 @@
 #ifndef TARN_MODULE_TABLES_TARNOLT_OLT_PROFILE_ROWS_H
 #define TARN_MODULE_TABLES_TARNOLT_OLT_PROFILE_ROWS_H
 
-#include "module/config/config_records.h"
 #include "module/config/olt_config.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/profile.h"
 
 namespace tarn {
 

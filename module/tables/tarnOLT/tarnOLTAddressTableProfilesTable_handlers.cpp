@@ -1,5 +1,6 @@
 // The OLT's address-table profiles.
 #include "module/tables/tarnOLT/olt_profile_rows.h"
+#include "wire/records/profile.h"
 
 using namespace tarn;
 

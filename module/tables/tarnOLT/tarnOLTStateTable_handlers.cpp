@@ -6,6 +6,7 @@
 #include "module/common/operations/board_actions.h"
 #include "module/common/operations/channel_queries.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/olt.h"
 
 using namespace tarn;
 

@@ -7,6 +7,7 @@
 #include "module/config/ont_config_store.h"
 #include "module/config/profiles.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/ont_config.h"
 
 namespace tarn {
 

@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "module/common/operations/ont_queries.h"
+#include "wire/records/ont.h"
 
 namespace tarn {
 

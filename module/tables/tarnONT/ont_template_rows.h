@@ -4,9 +4,9 @@
 #define TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
 
 #include "module/common/slot_management_db.h"
-#include "module/config/config_records.h"
 #include "module/config/ont_templates.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/template.h"
 
 namespace tarn {
 

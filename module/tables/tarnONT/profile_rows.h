@@ -6,6 +6,7 @@
 #include "module/common/slot_management_db.h"
 #include "module/config/profiles.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/profile.h"
 
 namespace tarn {
 

@@ -4,6 +4,7 @@
 
 #include "module/common/operations/address_table.h"
 #include "module/tables/tarnONT/ont_rows.h"
+#include "wire/records/address.h"
 
 using namespace tarn;
 

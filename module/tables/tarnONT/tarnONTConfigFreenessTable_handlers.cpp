@@ -1,6 +1,7 @@
 // Which places, PON channel and ONT id, are taken, and by whom. The table answers this and nothing else: a
 // request for another column is left as it is.
 #include "module/tables/tarnONT/ont_config_rows.h"
+#include "wire/records/ont_config.h"
 
 using namespace tarn;
 

@@ -10,6 +10,8 @@
 #include "module/common/operations/ont_connections.h"
 #include "module/config/ont_config_store.h"
 #include "module/tables/tarnONT/ont_rows.h"
+#include "wire/records/ont.h"
+#include "wire/records/ont_config.h"
 
 using namespace tarn;
 

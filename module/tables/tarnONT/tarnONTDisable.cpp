@@ -1,5 +1,4 @@
 // Disables or enables one ONT: slot, serial and channel are written first, then one of the actions.
-#include "module/common/board_records.h"
 #include "module/common/operations/board_actions.h"
 #include "module/common/serial.h"
 #include "module/tables/frame/scalar.h"

@@ -3,6 +3,7 @@
 #include "module/common/operations/board_actions.h"
 #include "module/common/operations/ont_queries.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/ont.h"
 
 using namespace tarn;
 

@@ -1,6 +1,7 @@
 // Shaping profiles. Their queues are out of reach here; see tarnONTShapingProfileUpstreamTable for the
 // cross-connects.
 #include "module/tables/tarnONT/profile_rows.h"
+#include "wire/records/profile.h"
 
 using namespace tarn;
 

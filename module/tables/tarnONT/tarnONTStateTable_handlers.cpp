@@ -8,6 +8,7 @@
 #include "module/common/operations/ont_queries.h"
 #include "module/config/ont_reconfigure.h"
 #include "module/tables/tarnONT/ont_rows.h"
+#include "wire/records/ont.h"
 
 using namespace tarn;
 

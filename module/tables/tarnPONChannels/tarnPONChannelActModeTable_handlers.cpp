@@ -1,6 +1,7 @@
 // Authentication of ONTs at activation, per PON channel.
 #include "module/common/operations/board_actions.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/channel.h"
 
 using namespace tarn;
 

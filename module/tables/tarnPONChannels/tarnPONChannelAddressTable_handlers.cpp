@@ -2,6 +2,8 @@
 // not in the order of their identifiers, which begin with the channel; the host sorts them.
 #include "module/common/operations/address_table.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/address.h"
+#include "wire/records/channel.h"
 
 using namespace tarn;
 

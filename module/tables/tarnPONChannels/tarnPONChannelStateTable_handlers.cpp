@@ -5,6 +5,7 @@
 #include "module/common/operations/channel_queries.h"
 #include "module/config/olt_channel_config.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/channel.h"
 
 using namespace tarn;
 

@@ -9,7 +9,7 @@
 #include "module/common/slot_management_db.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn {
 

@@ -5,6 +5,7 @@
 #define TARN_MODULE_TABLES_TARNSWITCH_QOS_MAPPING_H
 
 #include "module/tables/tarnSwitch/qos_commit.h"
+#include "wire/records/switch.h"
 
 namespace tarn {
 

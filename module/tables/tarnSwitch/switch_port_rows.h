@@ -2,8 +2,8 @@
 #ifndef TARN_MODULE_TABLES_TARNSWITCH_SWITCH_PORT_ROWS_H
 #define TARN_MODULE_TABLES_TARNSWITCH_SWITCH_PORT_ROWS_H
 
-#include "module/switch/switch_records.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/switch.h"
 
 namespace tarn {
 

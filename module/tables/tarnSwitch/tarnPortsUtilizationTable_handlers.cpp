@@ -2,6 +2,7 @@
 // values is presented in units of 125.
 #include "module/switch/switch_operations.h"
 #include "module/tables/tarnSwitch/switch_port_rows.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

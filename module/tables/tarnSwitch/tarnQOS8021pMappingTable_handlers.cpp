@@ -1,6 +1,7 @@
 // The IEEE 802.1p priorities of each queue.
 #include "module/switch/switch_ports.h"
 #include "module/tables/tarnSwitch/qos_mapping.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

@@ -1,6 +1,7 @@
 // General settings of how a card's switch queues traffic.
 #include "module/tables/tarnSwitch/qos_commit.h"
 #include "module/tables/tarnSwitch/single_row.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

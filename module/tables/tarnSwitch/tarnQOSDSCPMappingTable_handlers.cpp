@@ -1,6 +1,7 @@
 // The DSCP code points of each queue.
 #include "module/switch/switch_ports.h"
 #include "module/tables/tarnSwitch/qos_mapping.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

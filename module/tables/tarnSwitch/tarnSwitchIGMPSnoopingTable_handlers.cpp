@@ -1,5 +1,6 @@
 // Whether a card's switch snoops on IGMP.
 #include "module/tables/tarnSwitch/general_option.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

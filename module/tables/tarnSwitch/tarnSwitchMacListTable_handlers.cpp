@@ -5,6 +5,7 @@
 #include "module/common/log.h"
 #include "module/switch/switch_mac_table.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

@@ -1,6 +1,7 @@
 // The 31 counters of each switch port, with a trigger that resets them.
 #include "module/switch/switch_operations.h"
 #include "module/tables/tarnSwitch/switch_port_rows.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

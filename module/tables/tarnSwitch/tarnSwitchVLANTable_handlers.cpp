@@ -4,6 +4,7 @@
 #include "module/switch/switch_vlans.h"
 #include "module/tables/frame/table.h"
 #include "module/tables/tarnSwitch/vlan_columns.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 

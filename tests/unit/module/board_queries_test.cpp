@@ -7,7 +7,7 @@
 #include "module/common/slot_management_db.h"
 #include "module/config/olt_channel_config.h"
 #include "support/onts.h"
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "module/config/ont_config_store.h"
 #include "module/config/ont_templates.h"
 #include "support/config_image.h"
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
 
 using namespace std::string_literals;
 

@@ -5,7 +5,7 @@
 #include "module/common/slot_management_db.h"
 #include "support/config_image.h"
 #include "support/onts.h"
-#include "tarn/record.h"
+#include "wire/record.h"
 
 extern "C" {
 next_index_function tarnONTConnectionLogTable_next_index;

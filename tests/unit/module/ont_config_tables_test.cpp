@@ -6,7 +6,7 @@
 #include "module/config/ont_config_staging.h"
 #include "support/column_cases.h"
 #include "support/config_image.h"
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
 
 using namespace std::string_literals;
 

@@ -6,7 +6,7 @@
 #include "support/config_image.h"
 #include "support/onts.h"
 #include "tarn/host_services.h"
-#include "tarn/record.h"
+#include "wire/record.h"
 
 extern "C" {
 get_next_entry_function tarnONTStateTable_get_next_entry;

@@ -11,7 +11,7 @@
 #include "module/config/ont_templates.h"
 #include "module/switch/switch_operations.h"
 #include "support/config_image.h"
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include "module/common/operations/update_scheduler.h"
 #include "module/common/slot_management_db.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/firmware.h"
 
 using namespace tarn;
 

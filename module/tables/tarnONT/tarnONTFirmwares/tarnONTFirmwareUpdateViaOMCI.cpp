@@ -6,6 +6,7 @@
 #include "module/common/serial.h"
 #include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
+#include "wire/records/ont.h"
 
 using namespace tarn;
 

@@ -4,6 +4,7 @@
 
 #include "module/common/operations/counters.h"
 #include "module/common/operations/ont_queries.h"
+#include "wire/records/ont.h"
 
 namespace tarn {
 

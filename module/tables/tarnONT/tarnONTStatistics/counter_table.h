@@ -7,6 +7,7 @@
 
 #include "module/statistics/GStatisticsCommon.h"
 #include "module/tables/tarnONT/ont_rows.h"
+#include "wire/records/ont.h"
 
 namespace tarn {
 

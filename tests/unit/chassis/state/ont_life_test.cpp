@@ -5,6 +5,7 @@
 
 #include "chassis/state/performance.h"
 #include "support/test_chassis.h"
+#include "wire/records/ont.h"
 
 namespace tarn::chassis {
 namespace {

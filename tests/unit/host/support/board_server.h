@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "host/board/chassis_address.h"
-#include "tarn/board_protocol.h"
+#include "wire/protocol.h"
 
 namespace tarn::host::test {
 

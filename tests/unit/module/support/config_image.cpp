@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
 
 std::uint8_t *ConfigImage::add_ont(int index, const std::string &serial) {
     std::uint8_t *record = ont(index);

@@ -4,7 +4,7 @@
 
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
 
 // The payload of a list of these serials, with state code 7 at bytes 68-69 of each record. Record i begins at
 // byte 5 + 106 i.

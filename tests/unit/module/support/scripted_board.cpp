@@ -8,8 +8,8 @@
 #include <mutex>
 
 #include "module/common/common.h"
-#include "tarn/board_protocol.h"
 #include "tarn/host_services.h"
+#include "wire/protocol.h"
 
 ScriptedBoard board;
 

@@ -1,9 +1,9 @@
 // The records of a card's Ethernet switch. Fields whose meaning only the card knows are named after their
 // offset.
-#ifndef TARN_MODULE_SWITCH_SWITCH_RECORDS_H
-#define TARN_MODULE_SWITCH_SWITCH_RECORDS_H
+#ifndef TARN_WIRE_RECORDS_SWITCH_H
+#define TARN_WIRE_RECORDS_SWITCH_H
 
-#include "tarn/record.h"
+#include "wire/record.h"
 
 namespace tarn {
 

@@ -1,6 +1,6 @@
 // Little-endian integers at any alignment, assembled byte by byte.
-#ifndef TARN_BYTES_H
-#define TARN_BYTES_H
+#ifndef TARN_WIRE_BYTES_H
+#define TARN_WIRE_BYTES_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,16 +1,16 @@
 // A field of a byte-packed board record: where it lies and how its bytes are read.
 //
-// Records are described once, as named fields, in the folder of the module that owns them; the module, the
-// chassis and the tests read and write them through the functions here. Integers are little-endian at any
-// alignment. A text is NUL-terminated unless it fills its field.
-#ifndef TARN_RECORD_H
-#define TARN_RECORD_H
+// Records are described once, as named fields, in records/; the module, the chassis and the tests read and
+// write them through the functions here. Integers are little-endian at any alignment. A text is
+// NUL-terminated unless it fills its field.
+#ifndef TARN_WIRE_RECORD_H
+#define TARN_WIRE_RECORD_H
 
 #include <algorithm>
 #include <cstring>
 #include <string_view>
 
-#include "tarn/bytes.h"
+#include "wire/bytes.h"
 
 namespace tarn {
 

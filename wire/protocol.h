@@ -1,8 +1,8 @@
 // The wire form of board requests and answers: the 32-byte header, destinations and command codes.
-#ifndef TARN_BOARD_PROTOCOL_H
-#define TARN_BOARD_PROTOCOL_H
+#ifndef TARN_WIRE_PROTOCOL_H
+#define TARN_WIRE_PROTOCOL_H
 
-#include "tarn/record.h"
+#include "wire/record.h"
 
 namespace tarn {
 

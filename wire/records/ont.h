@@ -1,39 +1,15 @@
-// The state records as line cards send them, field by field. Fields whose meaning only the card knows are
-// named after their offset.
-#ifndef TARN_MODULE_COMMON_BOARD_RECORDS_H
-#define TARN_MODULE_COMMON_BOARD_RECORDS_H
+// The records of an ONT: its place in the list, its state and readings, its connection log. Fields whose
+// meaning only the card knows are named after their offset.
+#ifndef TARN_WIRE_RECORDS_ONT_H
+#define TARN_WIRE_RECORDS_ONT_H
 
-#include "tarn/record.h"
+#include "wire/record.h"
 
 namespace tarn {
 
-inline constexpr int channels_per_slot = 8;
 inline constexpr int max_onts = 1024;        // positions of a slot's ONT list
 inline constexpr int ont_not_found = 65535;  // "no such ONT" where a position is asked for
 inline constexpr std::size_t serial_size = 8;
-
-// State of one PON channel.
-namespace channel_state {
-inline constexpr std::size_t size = 69;
-inline constexpr Field value_3 = u16_at(3);
-inline constexpr Field value_7 = u32_at(7);
-inline constexpr Field text_12 = text_at(12, 17);
-inline constexpr Field text_29 = text_at(29, 17);
-inline constexpr Field text_46 = text_at(46, 5);
-inline constexpr Field value_51 = s32_at(51);
-inline constexpr Field value_55 = s32_at(55);
-inline constexpr Field value_59 = s32_at(59);
-inline constexpr Field value_63 = s32_at(63);
-static_assert(value_63.offset + value_63.size <= size);
-}  // namespace channel_state
-
-// State of the whole OLT: sixteen words.
-namespace olt_state {
-inline constexpr std::size_t size = 32;
-constexpr Field word(int n) {
-    return s16_at(static_cast<std::uint16_t>(2 * n));
-}
-}  // namespace olt_state
 
 // One position of a slot's ONT list. An all-zero serial marks a free position, and the first one ends the
 // list.
@@ -110,50 +86,6 @@ inline constexpr Field link_down_time = u32_at(head_size + 86);  // the same
 inline constexpr Field last_state = u8_at(head_size + 90);
 static_assert(last_state.offset + (max_entries - 1) * entry_size < static_cast<int>(size));
 }  // namespace ont_connections
-
-// One address learnt behind an ONT.
-namespace ont_address {
-inline constexpr std::size_t size = 37;
-inline constexpr Field value_0 = s16_at(0);
-inline constexpr Field value_2 = s16_at(2);
-inline constexpr Field value_4 = s16_at(4);
-inline constexpr Field value_6 = s16_at(6);
-inline constexpr Field mac = octets_at(8, 6);
-inline constexpr Field flag_14 = u16_at(14);
-inline constexpr Field flag_16 = u16_at(16);
-inline constexpr Field value_18 = s16_at(18);
-inline constexpr Field channel = u8_at(20);
-inline constexpr Field serial = octets_at(21, serial_size);
-inline constexpr Field value_29 = u16_at(29);
-inline constexpr Field value_31 = u16_at(31);
-inline constexpr Field value_33 = u16_at(33);
-inline constexpr Field value_35 = u16_at(35);
-static_assert(value_35.offset + value_35.size == size);
-}  // namespace ont_address
-
-namespace pppoe_session {
-inline constexpr std::size_t size = 31;  // opaque here
-}
-
-// A scheduled update of an ONT's firmware.
-namespace update_task {
-inline constexpr std::size_t size = 159;
-inline constexpr Field id = u32_at(2);
-inline constexpr Field use_serial = u16_at(6);  // non-zero: the ONT is named by its serial
-inline constexpr Field serial = octets_at(8, serial_size);
-inline constexpr Field channel = u8_at(16);
-inline constexpr Field ont_id = u32_at(17);
-inline constexpr Field status = u16_at(23);
-inline constexpr Field file_name = text_at(25, 128);
-inline constexpr Field counter = u16_at(157);
-static_assert(counter.offset + counter.size == size);
-}  // namespace update_task
-
-// Configuration of one PON channel; of its fields only the flag is known here.
-namespace olt_channel_config {
-inline constexpr std::size_t size = 97;
-inline constexpr Field enabled = u16_at(0);
-}  // namespace olt_channel_config
 
 }  // namespace tarn
 

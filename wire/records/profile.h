@@ -1,0 +1,192 @@
+// The profiles: five kinds for ONTs, and the lists of OLT profiles. Fields whose meaning only the card knows
+// are named after their offset.
+#ifndef TARN_WIRE_RECORDS_PROFILE_H
+#define TARN_WIRE_RECORDS_PROFILE_H
+
+#include "wire/defaults.h"
+#include "wire/record.h"
+
+namespace tarn {
+
+// How every profile begins, whatever its kind.
+namespace profile_head {
+inline constexpr Field in_use = u16_at(4);  // 0: no such profile
+inline constexpr Field name = text_at(6, 16);
+inline constexpr Field description = text_at(22, 256);
+}  // namespace profile_head
+
+// Profile kinds: record size, number of profiles, and the fields behind the head.
+namespace management_profile {
+inline constexpr std::size_t size = 604;
+inline constexpr int count = 32;
+inline constexpr Field flag_278 = u16_at(278);
+inline constexpr Field text_280 = text_at(280, 128);
+inline constexpr Field text_408 = text_at(408, 26);
+inline constexpr Field text_434 = text_at(434, 26);
+
+// Those of a new one; every other byte is 0.
+inline constexpr Default defaults[] = {{flag_278, 1}};
+}  // namespace management_profile
+
+namespace crossconnect_profile {
+inline constexpr std::size_t size = 298;
+inline constexpr int count = 128;
+inline constexpr Field value_278 = u16_at(278);
+inline constexpr Field value_280 = u8_at(280);
+inline constexpr Field value_281 = u16_at(281);
+inline constexpr Field value_283 = s16_at(283);
+inline constexpr Field value_285 = u8_at(285);
+inline constexpr Field value_286 = u16_at(286);
+inline constexpr Field value_288 = u16_at(288);
+inline constexpr Field value_290 = u8_at(290);
+inline constexpr Field value_291 = u16_at(291);
+inline constexpr Field value_293 = u16_at(293);
+inline constexpr Field value_295 = u16_at(295);
+inline constexpr Field value_297 = u8_at(297);
+static_assert(value_297.offset + value_297.size == size);
+
+// Those of a new one; every other byte is 0.
+inline constexpr Default defaults[] = {
+    {value_278, 0}, {value_280, 1}, {value_281, 0},   {value_283, 1},   {value_285, 255},
+    {value_286, 1}, {value_288, 0}, {value_290, 255}, {value_291, 127},
+};
+}  // namespace crossconnect_profile
+
+namespace shaping_profile {
+inline constexpr std::size_t size = 1032;
+inline constexpr int count = 128;
+inline constexpr Field flag_278 = u16_at(278);
+// Two entries a cross-connect; those of cross-connect 0.
+inline constexpr int crossconnects = 16;
+inline constexpr int short_entry_size = 6;
+inline constexpr Field short_flag = u16_at(280);
+inline constexpr Field short_value = u32_at(282);
+inline constexpr int long_entry_size = 10;
+inline constexpr Field long_flag = u16_at(376);
+inline constexpr Field long_value_2 = u32_at(378);
+inline constexpr Field long_value_6 = u32_at(382);
+static_assert(short_flag.offset + crossconnects * short_entry_size == long_flag.offset);
+static_assert(long_flag.offset + crossconnects * long_entry_size <= size);
+
+// Those of a new one; every other byte is 0.
+inline constexpr Default defaults[] = {
+    {short_value, 2488320, crossconnects, short_entry_size},
+    {long_value_2, 1244160, crossconnects, long_entry_size},
+    {long_value_6, 1244160, crossconnects, long_entry_size},
+};
+}  // namespace shaping_profile
+
+namespace alloc_profile {
+inline constexpr std::size_t size = 301;
+inline constexpr int count = 128;
+inline constexpr Field value_278 = u16_at(278);
+inline constexpr Field value_280 = u16_at(280);
+inline constexpr Field value_282 = u32_at(282);
+inline constexpr Field value_286 = u8_at(286);
+inline constexpr Field value_287 = u32_at(287);
+inline constexpr Field value_291 = u32_at(291);
+inline constexpr Field value_295 = u32_at(295);
+
+// Those of a new one; every other byte is 0.
+inline constexpr Default defaults[] = {
+    {value_282, 48600}, {value_286, 8}, {value_291, 64}, {value_295, 1273856}};
+}  // namespace alloc_profile
+
+namespace ports_profile {
+inline constexpr std::size_t size = 1622;
+inline constexpr int count = 32;
+inline constexpr Field value_278 = u16_at(278);
+inline constexpr Field value_280 = u8_at(280);
+inline constexpr Field value_281 = u16_at(281);
+inline constexpr Field flag_283 = u16_at(283);
+inline constexpr Field value_285 = u8_at(285);
+inline constexpr Field address_286 = octets_at(286, 4);
+inline constexpr Field value_290 = u32_at(290);
+inline constexpr Field value_294 = u32_at(294);
+inline constexpr Field value_298 = u32_at(298);
+// Multicast entries; entry 0.
+inline constexpr int multicast_entries = 20;
+inline constexpr int multicast_entry_size = 10;
+inline constexpr Field multicast_value = u16_at(302);  // 0xFFFF: none
+inline constexpr Field multicast_address_2 = octets_at(304, 4);
+inline constexpr Field multicast_address_6 = octets_at(308, 4);
+inline constexpr Field value_502 = u8_at(502);
+inline constexpr Field value_503 = u16_at(503);
+inline constexpr Field flag_505 = u16_at(505);
+inline constexpr Field value_507 = u8_at(507);
+inline constexpr Field octets_508 = octets_at(508, 16);
+inline constexpr Field value_524 = u32_at(524);
+inline constexpr Field value_528 = u32_at(528);
+inline constexpr Field value_532 = u32_at(532);
+// MLD entries; entry 0.
+inline constexpr int mld_entries = 20;
+inline constexpr int mld_entry_size = 42;
+inline constexpr Field mld_value = u16_at(536);  // 0xFFFF: none
+inline constexpr Field mld_address_2 = octets_at(538, 16);
+inline constexpr Field mld_address_18 = octets_at(554, 16);
+inline constexpr Field mld_value_34 = u16_at(570);
+inline constexpr Field mld_value_36 = u16_at(572);
+inline constexpr Field mld_value_38 = u16_at(574);
+inline constexpr Field mld_value_40 = u16_at(576);
+inline constexpr Field flag_1376 = u16_at(1376);
+inline constexpr Field value_1378 = u16_at(1378);
+inline constexpr Field value_1380 = u8_at(1380);
+inline constexpr Field value_1381 = u16_at(1381);
+inline constexpr Field value_1383 = u16_at(1383);
+inline constexpr Field value_1385 = u8_at(1385);
+inline constexpr Field value_1386 = u16_at(1386);
+inline constexpr Field value_1388 = u16_at(1388);
+inline constexpr Field value_1390 = u32_at(1390);
+// UNI ports; port 0.
+inline constexpr int uni_ports = 4;
+inline constexpr int uni_port_size = 57;
+inline constexpr Field uni_value_1398 = u8_at(1398);
+inline constexpr Field uni_flag_1403 = u16_at(1403);
+inline constexpr Field uni_value_1405 = u16_at(1405);
+inline constexpr Field uni_value_1407 = u8_at(1407);
+inline constexpr Field uni_value_1408 = u16_at(1408);
+inline constexpr Field uni_value_1410 = u16_at(1410);
+inline constexpr Field uni_value_1412 = u8_at(1412);
+inline constexpr Field uni_value_1413 = u16_at(1413);
+inline constexpr Field uni_value_1415 = u16_at(1415);
+inline constexpr Field uni_value_1417 = u32_at(1417);
+inline constexpr Field uni_flag_1421 = u16_at(1421);
+inline constexpr Field uni_value_1423 = u32_at(1423);
+inline constexpr Field uni_value_1427 = u32_at(1427);
+inline constexpr Field uni_flag_1431 = u16_at(1431);
+inline constexpr Field uni_value_1433 = u32_at(1433);
+inline constexpr Field uni_value_1437 = u32_at(1437);
+static_assert(multicast_value.offset + multicast_entries * multicast_entry_size == value_502.offset);
+static_assert(mld_value.offset + mld_entries * mld_entry_size == flag_1376.offset);
+static_assert(uni_value_1437.offset + 4 + (uni_ports - 1) * uni_port_size <= size);
+
+// Those of a new one; every other byte is 0.
+inline constexpr Default defaults[] = {
+    {value_280, 3},
+    {value_290, 125},
+    {value_294, 100},
+    {value_298, 10},
+    {uni_value_1423, 2488320, uni_ports, uni_port_size},
+    {uni_value_1427, 2488320, uni_ports, uni_port_size},
+    {uni_value_1433, 2488320, uni_ports, uni_port_size},
+    {uni_value_1437, 2488320, uni_ports, uni_port_size},
+};
+}  // namespace ports_profile
+
+// Lists of OLT profiles, which are only read.
+namespace olt_profile {
+inline constexpr Field in_use = u16_at(4);
+inline constexpr Field name = text_at(22, 256);
+}  // namespace olt_profile
+namespace olt_address_table_profile {
+inline constexpr std::size_t size = 7454;
+inline constexpr int count = 32;
+}  // namespace olt_address_table_profile
+namespace olt_vlan_profile {
+inline constexpr std::size_t size = 294;
+inline constexpr int count = 32;
+}  // namespace olt_vlan_profile
+
+}  // namespace tarn
+
+#endif
