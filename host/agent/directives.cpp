@@ -1,5 +1,9 @@
 #include "host/agent/directives.h"
 
+#include <net-snmp/net-snmp-config.h>
+
+#include <net-snmp/library/read_config.h>
+
 #include <array>
 #include <charconv>
 #include <limits>
@@ -7,6 +11,7 @@
 #include <sstream>
 #include <string_view>
 
+#include "host/agent/identity.h"
 #include "host/services/logger.h"
 
 namespace tarn::host {
@@ -153,6 +158,20 @@ void log_directive(const char *token, char *line) {
     }
 }
 
+// Comes before all others: which engine it is decides how they are read.
+void state_directive(const char *token, char *line) {
+    if (!target->state.empty()) {
+        return;  // the option has said it
+    }
+    target->state = text_of(line);
+    if (target->state.empty() || !keep_state_in(target->state)) {
+        complain(token, "a directory that can be written", target->state);
+        return;
+    }
+    // The files of the search path were read already.
+    (void)read_config_files(PREMIB_CONFIG);
+}
+
 // The module takes directory names of at most 62 bytes.
 template <std::string FirmwareDirectories::*member>
 void firmware_directive(const char *token, char *line) {
@@ -182,6 +201,8 @@ struct Directive {
     const char *name;
     void (*parse)(const char *token, char *line);
     const char *help;
+    config_line *(*enter)(const char *type, const char *token, void (*parse)(const char *, char *),
+                          void (*release)(void), const char *help) = register_config_handler;
 };
 
 constexpr std::array directives = {
@@ -204,6 +225,8 @@ constexpr std::array directives = {
               "DIRECTORY of ONT images below it"},
     Directive{"tarnCommandPath", text_directive<&Settings::command_path>,
               "DIRECTORY[:DIRECTORY...] of the module's commands"},
+    Directive{"tarnState", state_directive, "DIRECTORY of the engine's identity",
+              register_prenetsnmp_mib_handler},
     Directive{"tarnLog", log_directive, "stderr | syslog | file PATH"},
     Directive{"tarnLogLevel", log_level_directive, "error | warning | information | debug"},
 };
@@ -225,7 +248,7 @@ void register_directives(const char *application, Settings &settings) {
     target = &settings;
     problems = 0;
     for (const Directive &directive : directives) {
-        (void)register_config_handler(application, directive.name, directive.parse, nullptr, directive.help);
+        (void)directive.enter(application, directive.name, directive.parse, nullptr, directive.help);
     }
     problem_counter = netsnmp_register_loghandler(NETSNMP_LOGHANDLER_CALLBACK, LOG_DEBUG);
     if (problem_counter != nullptr) {

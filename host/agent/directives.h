@@ -16,7 +16,8 @@ struct Settings {
     std::string chassis;
     std::string control;  // path of a socket
     SlotSet slots = SlotSet().set();
-    std::string log;  // as open_log takes it
+    std::string state;  // the directory of the engine's identity; empty: a new one at each start
+    std::string log;    // as open_log takes it
     int log_level = 6;
     std::string command_path = "/usr/sbin:/usr/bin:/sbin:/bin";  // where the module's commands are
     int largest_bulk = 1000;                                     // variables of a GETBULK answer

@@ -11,6 +11,7 @@
 
 #include "host/agent/directives.h"
 #include "host/agent/host.h"
+#include "host/agent/identity.h"
 #include "host/services/block_allocator.h"
 #include "host/services/logger.h"
 
@@ -43,6 +44,7 @@ struct Options {
     std::string chassis;
     std::string control;
     std::string log;
+    std::string state;
     bool foreground = false;
 };
 
@@ -56,9 +58,6 @@ void prepare_environment() {
     (void)setenv("MIBDIRS", "", 1);
     (void)setenv("SNMPCONFPATH", "/nonexistent", 1);
     (void)std::signal(SIGPIPE, SIG_IGN);
-    set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE);
-    set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_LOAD);
-    set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE);
     set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS);
     (void)netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_MSG_SEND_MAX, largest_message);
     // Large GETBULK answers would have the heap trimmed and grown again for each packet.
@@ -99,6 +98,12 @@ bool read_configuration(const Options &options, Settings &settings) {
         (void)netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG,
                                     options.config.c_str());
     }
+    settings.state = options.state;
+    if (!settings.state.empty() && !keep_state_in(settings.state)) {
+        log_add(log_level::error, "%s: not a directory that can be written\n", settings.state.c_str());
+        return false;
+    }
+    describe_system(application);
     init_snmp(application);
     if (configuration_problems() != 0) {
         return false;
@@ -139,6 +144,7 @@ bool serve(const Settings &settings, const Options &options) {
         return false;
     }
     const char *address = netsnmp_ds_get_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PORTS);
+    save_state(application);
     std::printf("tarn-agentd ready: %zu of %zu slots up, %zu tables, listening on %s\n",
                 host->slots().up().size(), host->slots().served().count(), host->tables(),
                 address == nullptr ? "udp:161" : address);
@@ -147,11 +153,13 @@ bool serve(const Settings &settings, const Options &options) {
         log_add(log_level::error, "cannot go to the background\n");
         return false;
     }
+    announce_start();
     while (stopping == 0) {
         (void)agent_check_and_process(1);
     }
     log_add(log_level::information, "stopping\n");
     host->stop();
+    save_state(application);
     // The module's scalars must be out of net-snmp before the module is unloaded.
     snmp_shutdown(application);
     shutdown_agent();
@@ -170,6 +178,7 @@ int main(int argc, char **argv) try {
     app.add_option("--chassis", options.chassis, "unix:PATH or tcp:ADDRESS:PORT, overrides tarnChassis");
     app.add_option("--control", options.control, "path of the control socket, overrides tarnControl");
     app.add_option("--log", options.log, "stderr, syslog or \"file PATH\", overrides tarnLog");
+    app.add_option("--state", options.state, "directory of the engine's identity, overrides tarnState");
     app.add_flag("--foreground", options.foreground, "do not go to the background");
     app.set_version_flag("--version", std::string("tarn-agentd ") + TARN_VERSION);
     CLI11_PARSE(app, argc, argv);
@@ -177,8 +186,7 @@ int main(int argc, char **argv) try {
     prepare_environment();
     catch_signals();
     (void)open_log("stderr");
-    char no_smux[] = "!smux";  // else net-snmp listens on TCP port 199 of every address
-    add_to_init_list(no_smux);
+    choose_standard_groups();
     (void)init_agent(application);
     Settings settings;
     if (!read_configuration(options, settings) || !serve(settings, options)) {

@@ -10,7 +10,8 @@ import zlib
 from pathlib import Path
 
 import snmp
-from programs import BUILD, MIBS, PATIENCE, free_port, wait_until
+from programs import BUILD, PATIENCE, free_port, wait_until
+from trap_receiver import TrapReceiver
 
 FIRMWARE = f"{snmp.ROOT}.3.30"
 
@@ -79,19 +80,12 @@ class Site:
         wait_until(answers, "the TFTP server")
 
     def start_trap_receiver(self):
-        config = self.root / "snmptrapd.conf"
-        config.write_text(f"disableAuthorization yes\n{snmp.USER_LINES[0]}\n")
-        self.traps_file = self.root / "traps"
-        self.children.append(subprocess.Popen(
-            ["/usr/sbin/snmptrapd", "-f", "-n", "-C", "-c", str(config), "-M", MIBS, "-m", "TARN-MIB", "-Lf",
-             str(self.traps_file), "-F", "%P\t%v\n", "-Oqs", "-p", str(self.root / "pid"),
-             f"udp:127.0.0.1:{self.trap_port}"],
-            stdin=subprocess.DEVNULL, env=dict(os.environ, SNMP_PERSISTENT_DIR=str(self.root))))
-        wait_until(lambda: self.traps_file.exists() and "NET-SNMP" in self.traps_file.read_text(), "snmptrapd")
+        self.receiver = TrapReceiver(self.root, self.trap_port, [snmp.USER_LINES[0]])
+        self.children.append(self.receiver.process)
 
     def notifications(self):
         """The kind of each notification of a download's end, its status and text."""
-        lines = [line for line in self.traps_file.read_text().splitlines() if "tarnONTFirmwareDownloadEnd" in line]
+        lines = [line for line in self.receiver.lines() if "tarnONTFirmwareDownloadEnd" in line]
         return [(line.split("\t")[0], line.split("DownloadStatus.0 ")[1].split("\t")[0],
                  line.split("DownloadText.0 ")[1].strip()) for line in lines]
 

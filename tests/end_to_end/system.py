@@ -19,12 +19,24 @@ class Agent(Program):
 
 
 class System:
+    starts = 0
+
     def __init__(self, directory, scenario=None, agent_lines=(), cache_period=600):
         self.chassis = chassis.Chassis(directory, scenario or chassis.scenario())
         self.agent = Agent(directory, [f"tarnCachePeriod {cache_period}", *agent_lines])
-        self.snmp = snmp.Client(self.agent.port)
-        self.agent.wait_ready(lambda: "tarn-agentd ready" in self.agent.log(), "the agent")
+        self._wait_for_agent()
         self.chassis.forget_requests()
+
+    def _wait_for_agent(self):
+        self.snmp = snmp.Client(self.agent.port)
+        earlier = self.starts
+        self.starts += 1
+        self.agent.wait_ready(lambda: len(self.agent.log_lines("tarn-agentd ready")) > earlier, "the agent")
+
+    def restart_agent(self, agent_lines):
+        self.agent.assert_clean_end()
+        self.agent = Agent(self.agent.directory, agent_lines)
+        self._wait_for_agent()
 
     def assert_clean_end(self):
         try:
