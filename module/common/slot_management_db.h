@@ -117,12 +117,11 @@ struct SlotDatabase {
     std::array<std::uint8_t *, switch_vlans> vlans;  // balloc'ed records by board VLAN number, or null
     std::array<Stamp, switch_vlans> vlan_stamps;
     Stamp vlans_block_stamp;
+    CommitSet<switch_vlans> unsent_vlans;                                   // edited by the SET under way
     std::array<std::uint8_t *, operational_vlans_limit> operational_vlans;  // by number as the card lists it
     std::array<Stamp, operational_vlans_limit> operational_vlan_stamps;
     Section<switch_general::size> switch_general;
-    Section<switch_qos::size> switch_qos;
-    std::uint8_t last_8021p_queue;  // whose mask was written last
-    std::uint8_t last_dscp_queue;
+    Section<switch_qos::size + 2> switch_qos;  // with the queues that were written last behind it
     Section<switch_blacklist::size> switch_blacklist;
     std::array<Records<switch_blacklist::rule_size, switch_blacklist::rules_per_list>,
                switch_blacklist::lists>

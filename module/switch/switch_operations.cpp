@@ -24,9 +24,9 @@ std::uint8_t *get_section(int slot, SectionOfSlot<Size> section, std::uint16_t c
 }
 
 template <std::size_t Size>
-int send_section(int slot, const Section<Size> &section, std::uint16_t command_code, const char *operation) {
+int send_section(int slot, const std::uint8_t *section, std::uint16_t command_code, const char *operation) {
     Request<payload + Size> request(command_code, destination::ethernet_switch);
-    request.put_bytes(payload, section.record.data(), Size);
+    request.put_bytes(payload, section, Size);
     return act(request, operation, slot);
 }
 
@@ -34,8 +34,9 @@ bool is_switch_port(int port) {
     return port >= 0 && port < switch_ports;
 }
 
-// Takes from every queue but `owner` the bits of the owner's mask.
-void leave_bits_to(std::uint8_t *qos, int owner, Field (*mask)(int queue)) {
+// Takes from every queue but the one in `last_queue` the bits of that one's mask.
+void leave_bits_to(std::uint8_t *qos, Field last_queue, Field (*mask)(int queue)) {
+    const auto owner = static_cast<int>(load_integer(qos, last_queue));
     if (owner >= switch_qos::queues) {
         return;
     }
@@ -79,11 +80,20 @@ int set_switch_general_cfg(int slot) {
     slot = slot_byte(slot);
     const SlotDatabase *db = slot_database(slot);
     return db == nullptr ? -1
-                         : send_section(slot, db->switch_general, command::set_switch_general_cfg, __func__);
+                         : send_section<switch_general::size>(slot, db->switch_general.record.data(),
+                                                              command::set_switch_general_cfg, __func__);
 }
 
 std::uint8_t *get_switch_qos_cfg(int slot) {
-    return get_section(slot, &SlotDatabase::switch_qos, command::get_switch_qos_cfg, __func__);
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return nullptr;
+    }
+    std::uint8_t *section = db->switch_qos.record.data();
+    refresh(section, switch_qos::size, db->switch_qos.stamp,
+            Request<payload>(command::get_switch_qos_cfg, destination::ethernet_switch), __func__, slot);
+    return section;
 }
 
 int set_switch_qos_cfg(int slot) {
@@ -94,15 +104,16 @@ int set_switch_qos_cfg(int slot) {
     }
     normalize_qos_queries(slot);
     db->switch_qos.stamp.clear();
-    return send_section(slot, db->switch_qos, command::set_switch_qos_cfg, __func__);
+    return send_section<switch_qos::size>(slot, db->switch_qos.record.data(), command::set_switch_qos_cfg,
+                                          __func__);
 }
 
 void normalize_qos_queries(int slot) {
     SlotDatabase *db = slot_database(slot_byte(slot));
     if (db != nullptr) {
         std::uint8_t *qos = db->switch_qos.record.data();
-        leave_bits_to(qos, db->last_8021p_queue, switch_qos::priority_mask);
-        leave_bits_to(qos, db->last_dscp_queue, switch_qos::dscp_mask);
+        leave_bits_to(qos, switch_qos::last_priority_queue, switch_qos::priority_mask);
+        leave_bits_to(qos, switch_qos::last_dscp_queue, switch_qos::dscp_mask);
     }
 }
 
@@ -117,7 +128,8 @@ int set_switch_blacklist_cfg(int slot) {
         return -1;
     }
     db->switch_blacklist.stamp.clear();
-    return send_section(slot, db->switch_blacklist, command::set_switch_blacklist_cfg, __func__);
+    return send_section<switch_blacklist::size>(slot, db->switch_blacklist.record.data(),
+                                                command::set_switch_blacklist_cfg, __func__);
 }
 
 std::uint8_t *get_switch_blacklist_rules(int slot) {

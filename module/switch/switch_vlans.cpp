@@ -197,6 +197,7 @@ int set_switch_vlan(int slot, int index) {
     if (act(request, __func__, slot) != 0) {
         return -1;
     }
+    db->unsent_vlans.remove(number);
     db->vlan_list.stamp.clear();
     return 0;
 }
@@ -205,6 +206,31 @@ namespace tarn {
 
 int vlans_listed(const std::uint8_t *list) {
     return static_cast<int>(std::min<std::int64_t>(load_integer(list, vlan_list::count), switch_vlans));
+}
+
+void note_unsent_vlan(int slot, int index) {
+    if (SlotDatabase *db = slot_database(slot)) {
+        db->unsent_vlans.add(board_number(index));
+    }
+}
+
+void drop_unsent_vlans() {
+    for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
+        SlotDatabase *db = slot_database(slot);
+        if (db == nullptr || db->unsent_vlans.empty()) {
+            continue;
+        }
+        for (std::size_t number = 0; number < db->vlans.size(); ++number) {
+            if (db->unsent_vlans.flags[number]) {
+                bfree(__FILE__, __LINE__, db->vlans[number]);
+                db->vlans[number] = nullptr;
+                db->vlan_stamps[number].clear();
+            }
+        }
+        db->unsent_vlans.reset();
+        db->vlans_block_stamp.clear();
+        db->vlan_list.stamp.clear();
+    }
 }
 
 }  // namespace tarn

@@ -28,6 +28,11 @@ namespace tarn {
 // The VLANs of a list, counted no further than the list goes.
 int vlans_listed(const std::uint8_t *list);
 
+// Notes that a VLAN (its identifier) is edited in the slot database.
+void note_unsent_vlan(int slot, int index);
+// Forgets the VLANs of all slots that were edited and not sent since: the next block read fetches the card's.
+void drop_unsent_vlans();
+
 }  // namespace tarn
 
 #endif

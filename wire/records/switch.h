@@ -62,6 +62,9 @@ constexpr Field dscp_mask(int queue) {
 constexpr Field priority_mask(int queue) {
     return u8_at(57).at(queue, 1);
 }
+// Behind the section: the queues whose masks were written last.
+inline constexpr Field last_priority_queue = u8_at(150);
+inline constexpr Field last_dscp_queue = u8_at(151);
 static_assert(dscp_mask(queues).offset == 57 && priority_mask(queues).offset == 64);
 }  // namespace switch_qos
 

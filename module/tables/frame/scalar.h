@@ -39,7 +39,7 @@ int handle_scalar(const Scalar &scalar, const netsnmp_agent_request_info *reqinf
 #define MODULE_SCALAR(X, scalar)                                                                         \
     static_assert((scalar).name == std::string_view(#X), "a scalar has the name of its handler");        \
     static_assert((scalar).get != nullptr && (scalar).set != nullptr, "a scalar is read and written");   \
-    static tarn::ScalarRegistration X##_registration;                                                    \
+    TARN_EXPORT_DATA tarn::ScalarRegistration X##_registration;                                          \
     TARN_EXPORT int handle_##X(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*of*/, \
                                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {    \
         return tarn::handle_scalar(scalar, reqinfo, requests);                                           \

@@ -109,15 +109,18 @@ int act(const Table &table, Target &target, const Binding &value) {
         return table.refused_in_action;
     }
     int error = locate_for_set(table, target);
-    if (error == SNMP_ERR_NOERROR && table.stage != nullptr) {
-        error = table.stage(target.row, *target.column, value);
-    }
     if (error != SNMP_ERR_NOERROR) {
         return error;
     }
     Stamp *section = edited_section(table, target);
     if (section != nullptr && !may_edit(*section, table.name, section_owner(table, target))) {
         return SNMP_ERR_GENERR;
+    }
+    if (table.stage != nullptr) {
+        error = table.stage(target.row, *target.column, value);
+    }
+    if (error != SNMP_ERR_NOERROR) {
+        return error;
     }
     error = edit(table, target, value);
     if (section != nullptr && error == SNMP_ERR_NOERROR) {
@@ -176,6 +179,9 @@ bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *r
         case MODE_SET_RESERVE1:
             call(table.reserve1);
             error = reserve(table, target, binding);
+            if (table.foresee != nullptr && target.index_valid && error == SNMP_ERR_NOERROR) {
+                table.foresee(target.row, *target.column, *binding);
+            }
             return true;
         case MODE_SET_RESERVE2:
             call(table.reserve2);
@@ -212,7 +218,7 @@ Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_contex
     }
     fill_index_list(table.index, row, indexes);
     *data_context = row.record != nullptr ? static_cast<void *>(row.record) : &cursor;
-    *loop_context = &cursor;
+    *loop_context = table.record_is_loop_context ? *data_context : &cursor;
     return indexes;
 }
 

@@ -25,6 +25,8 @@ struct Table {
     // Iterator style: the first row at or behind *cursor, which it moves behind that row; false at the end. A
     // walk begins with 0.
     bool (*next)(std::int64_t &cursor, Row &row) = nullptr;
+    // The loop context of a walk is the record instead of the cursor.
+    bool record_is_loop_context = false;
     // Nextgen style: turns the row that parse_partial_index made of a request into the next one; false at the
     // end.
     bool (*successor)(Row &row) = nullptr;
@@ -68,6 +70,8 @@ struct Table {
     int set_missing_row = 0;
     void (*reserve1)() = nullptr;
     void (*reserve2)() = nullptr;
+    // Told of every variable that passes the first phase, so that the action phase knows what the others do.
+    void (*foresee)(const Row &row, const Column &column, const Binding &value) = nullptr;
     // In the action phase, before a column is written; 0 or an error.
     int (*stage)(Row &row, const Column &column, const Binding &value) = nullptr;
     // The record that columns without an action of their own are stored in; null: the column's own, or the

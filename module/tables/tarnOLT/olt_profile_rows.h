@@ -45,6 +45,7 @@ constexpr Table olt_profile_table(const char *name) {
         .columns = olt_profile_columns,
         .find = find_olt_profile<Get, Size>,
         .next = next_olt_profile<Get, Size, Count>,
+        .record_is_loop_context = true,
         .ignores_set = true,
     };
 }

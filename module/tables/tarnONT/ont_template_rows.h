@@ -13,7 +13,9 @@ namespace tarn {
 // Both a service's profiles and their flags lie so far apart; entry 0 of a template is the template.
 inline constexpr int template_stride = ont_template::service_profile_size;
 
-// A template can be edited before it is in use.
+// The templates that the SET under way creates, whichever of its variables come first.
+inline CommitSet<ont_template::count> created_templates;
+
 inline bool find_template_to_edit(Row &row) {
     std::uint8_t *first = get_ont_templates();
     if (first == nullptr) {
@@ -24,9 +26,12 @@ inline bool find_template_to_edit(Row &row) {
     return true;
 }
 
+inline bool template_in_use(const Row &row) {
+    return load_integer(row.record - row.number[1] * template_stride, ont_template::in_use) != 0;
+}
+
 inline bool find_template(Row &row) {
-    return find_template_to_edit(row) &&
-           load_integer(row.record - row.number[1] * template_stride, ont_template::in_use) != 0;
+    return find_template_to_edit(row) && template_in_use(row);
 }
 
 // The templates in use in the order of their indices, each `Entries` times.
@@ -43,9 +48,19 @@ bool next_template(std::int64_t &cursor, Row &row) {
     return false;
 }
 
-inline int stage_template(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-    add_template_to_commit(static_cast<int>(row.number[0]));
+inline int stage_template(Row &row, const Column &column, const Binding & /*value*/) {
+    const int index = static_cast<int>(row.number[0]);
+    if (!column.creates && !template_in_use(row) && !created_templates.contains(index)) {
+        return SNMP_ERR_INCONSISTENTNAME;
+    }
+    add_template_to_commit(index);
     return SNMP_ERR_NOERROR;
+}
+
+inline void foresee_template(const Row &row, const Column &column, const Binding &value) {
+    if (column.creates && *value.val.integer == create_and_go) {
+        created_templates.add(static_cast<int>(row.number[0]));
+    }
 }
 
 inline Stamp *templates_stamp(const Row & /*row*/) {
@@ -53,7 +68,13 @@ inline Stamp *templates_stamp(const Row & /*row*/) {
     return db != nullptr ? &db->templates_stamp : nullptr;
 }
 
+inline void drop_templates() {
+    cleanup_templates_commit_needs();
+    created_templates.reset();
+}
+
 inline int commit_templates(Row & /*row*/) {
+    created_templates.reset();
     return commit_ont_templates() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
 
@@ -61,9 +82,10 @@ inline constexpr IndexPart template_index[] = {number_part(ont_template::count)}
 inline constexpr IndexPart template_service_index[] = {number_part(ont_template::count),
                                                        ordinal_part(ont_template::services)};
 
-// A table with `Entries` rows a template.
+// A table with `Entries` rows a template; `refused` answers the action of a column that is not there.
 template <int Entries>
-constexpr Table template_table(const char *name, std::span<const Column> columns) {
+constexpr Table template_table(const char *name, std::span<const Column> columns,
+                               int refused = SNMP_ERR_NOTWRITABLE) {
     return {
         .name = name,
         .index = Entries == 1 ? Index{template_index} : Index{template_service_index},
@@ -71,13 +93,15 @@ constexpr Table template_table(const char *name, std::span<const Column> columns
         .find = find_template,
         .next = next_template<Entries>,
         .row_before_column = true,
+        .refused_in_action = refused,
         .find_for_set = find_template_to_edit,
         .reserve_needs_row = false,
         .reserve2 = cleanup_templates_commit_needs,
+        .foresee = foresee_template,
         .stage = stage_template,
         .edited_stamp = templates_stamp,
         .commit = commit_templates,
-        .drop = cleanup_templates_commit_needs,
+        .drop = drop_templates,
     };
 }
 

@@ -59,10 +59,10 @@ constexpr Column columns[] = {
     {37, unsigned32, field(value_309), any_unsigned32},
     {38, unsigned32, field(value_315), any_unsigned32},
     {39, integer, truth(flag_469), any_integer},
-    {100, integer, constant(1), any_integer, set_row_status},
+    {100, integer, constant(1), any_integer, set_row_status, true},
 };
 
-constexpr Table table = template_table<1>("tarnONTTemplateValuesTable", columns);
+constexpr Table table = template_table<1>("tarnONTTemplateValuesTable", columns, SNMP_ERR_NOERROR);
 
 }  // namespace
 

@@ -17,6 +17,11 @@ inline std::uint8_t *qos_section(Row &row) {
     return get_switch_qos_cfg(row.slot);
 }
 
+inline bool find_qos_section(Row &row) {
+    row.record = qos_section(row);
+    return row.record != nullptr;
+}
+
 // `Tag` is any type of the table's own.
 template <class Tag>
 struct QosCommit {
@@ -25,10 +30,6 @@ struct QosCommit {
     static void clear() { slots_to_commit.fill(false); }
 
     static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-        row.record = qos_section(row);
-        if (row.record == nullptr) {
-            return SNMP_NOSUCHINSTANCE;
-        }
         slots_to_commit[static_cast<std::size_t>(row.slot)] = true;
         return SNMP_ERR_NOERROR;
     }

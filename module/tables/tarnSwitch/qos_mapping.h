@@ -11,7 +11,7 @@ namespace tarn {
 
 // `Mask` says where a queue's mask lies, `Convert` reverses the bits of its octets, and `LastQueue` remembers
 // the queue that was written last.
-template <Field (*Mask)(int queue), auto Convert, std::uint8_t SlotDatabase::*LastQueue>
+template <Field (*Mask)(int queue), auto Convert, Field LastQueue>
 struct QosMapping {
     using Commit = QosCommit<QosMapping>;
     static constexpr std::uint16_t octets = Mask(0).size;
@@ -34,7 +34,7 @@ struct QosMapping {
         std::memcpy(list, value.val.string, octets);
         const auto mask = static_cast<std::int64_t>(load_le64(list));
         store_integer(row.record, Mask(queue_of(row)), static_cast<std::int64_t>(convert(mask)));
-        slot_database(row.slot)->*LastQueue = static_cast<std::uint8_t>(queue_of(row));
+        store_integer(row.record, LastQueue, queue_of(row));
         return SNMP_ERR_NOERROR;
     }
 
@@ -57,6 +57,8 @@ struct QosMapping {
                 .index = row_index,
                 .columns = columns,
                 .next = next,
+                .find_for_set = find_qos_section,
+                .reserve_needs_row = false,
                 .reserve2 = Commit::clear,
                 .stage = Commit::stage,
                 .edited_stamp = Commit::edited_stamp,

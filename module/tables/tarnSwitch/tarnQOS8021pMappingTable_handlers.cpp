@@ -8,7 +8,7 @@ using namespace tarn;
 namespace {
 
 constexpr Table table = QosMapping<switch_qos::priority_mask, blade_convert_802_8bit_mask_to_snmp,
-                                   &SlotDatabase::last_8021p_queue>::table("tarnQOS8021pMappingTable");
+                                   switch_qos::last_priority_queue>::table("tarnQOS8021pMappingTable");
 
 }  // namespace
 

@@ -33,6 +33,8 @@ constexpr Table table{
     .next = single_row<qos_section>,
     .set_without_row_data = SNMP_NOSUCHOBJECT,
     .act_without_row_data = SNMP_NOSUCHINSTANCE,
+    .find_for_set = find_qos_section,
+    .reserve_needs_row = false,
     .reserve2 = Commit::clear,
     .stage = Commit::stage,
     .edited = Commit::edited,

@@ -8,7 +8,7 @@ using namespace tarn;
 namespace {
 
 constexpr Table table = QosMapping<switch_qos::dscp_mask, blade_convert_dscp_64bit_mask_to_snmp,
-                                   &SlotDatabase::last_dscp_queue>::table("tarnQOSDSCPMappingTable");
+                                   switch_qos::last_dscp_queue>::table("tarnQOSDSCPMappingTable");
 
 }  // namespace
 

@@ -65,6 +65,7 @@ int commit_pending(Row & /*row*/) {
         }
     }
     forget_pending();
+    drop_unsent_vlans();
     return error;
 }
 
@@ -91,8 +92,11 @@ int stage(Row &row, const Column &column, const Binding & /*value*/) {
         (row.record == nullptr || load_integer(row.record, vlan_record::present) == 0)) {
         return SNMP_NOSUCHINSTANCE;
     }
-    const bool queued = is_vlan(vlan_of(row)) && add_vlan_to_commit(row.slot, vlan_of(row)) == 0;
-    return queued ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
+    if (!is_vlan(vlan_of(row)) || add_vlan_to_commit(row.slot, vlan_of(row)) != 0) {
+        return SNMP_ERR_GENERR;
+    }
+    note_unsent_vlan(row.slot, vlan_of(row));
+    return SNMP_ERR_NOERROR;
 }
 
 int set_name(Row &row, const Binding &value) {
@@ -178,6 +182,7 @@ constexpr Table table{
     .reserve1 = forget_pending,
     .stage = stage,
     .commit = commit_pending,
+    .drop = drop_unsent_vlans,
 };
 
 }  // namespace

@@ -237,6 +237,7 @@ TEST_F(FirmwareTablesTest, SchedulesUpdates) {
 
     const std::vector<Change> incomplete[] = {{create, file},
                                               {create, serial},
+                                              {create, file, {3, fresh, octets_value(std::string(8, '\0'))}},
                                               {create, file, serial, by_number},
                                               {create, file, by_number, channel},
                                               {create, file, by_number, ont}};

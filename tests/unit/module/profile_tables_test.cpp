@@ -531,6 +531,39 @@ TEST_F(TemplateTablesTest, CreatesAndDeletesByTheFlagAlone) {
     EXPECT_EQ(Bytes(sent.begin(), sent.begin() + 12), (Bytes{11, 0, 0, 0, 0, 0, 1, 0, 'n', 'e', 'w', 0}));
 }
 
+TEST_F(TemplateTablesTest, EditsATemplateThatIsNotInUseOnlyWithItsCreation) {
+    const auto variable = [](module_handler_function *handler, int column, int number, const Value &value) {
+        return [=](int mode) { return call(handler, mode, column, {number, 16}, &value); };
+    };
+    const auto create = [&](int number) {
+        return variable(tarnONTTemplateValuesTable_module_handler, 100, number, integer_value(4));
+    };
+    std::vector<std::function<Outcome(int)>> edits = {
+        variable(tarnONTTemplateValuesTable_module_handler, 39, 9, integer_value(1)),
+        variable(tarnONTTemplateOverridesTable_module_handler, 39, 9, integer_value(1)),
+        variable(tarnONTTemplateServicesValuesTable_module_handler, 2, 9, unsigned_value(1)),
+        variable(tarnONTTemplateServicesOverridesTable_module_handler, 2, 9, integer_value(1))};
+    const auto refused = [&] {
+        for (const auto &edit : edits) {
+            EXPECT_EQ(set_together({edit}), SNMP_ERR_INCONSISTENTNAME);
+            EXPECT_EQ(set_together({create(8), edit}), SNMP_ERR_INCONSISTENTNAME);
+        }
+        EXPECT_EQ(board.count(301), 0);
+    };
+    refused();
+    const Value too_much = integer_value(4);
+    EXPECT_EQ(set_together({create(9), variable(tarnONTTemplateValuesTable_module_handler, 32, 7, too_much)}),
+              SNMP_ERR_WRONGVALUE);
+    refused();
+    edits.push_back(create(9));
+    EXPECT_EQ(set_together(edits), 0);
+    ASSERT_EQ(board.count(301), 1);
+    const Bytes sent = board.last_payload();
+    for (const std::size_t at : {4U, 469U, 471U, 355U, 387U}) {
+        EXPECT_EQ(sent[2 + at], 1) << at;
+    }
+}
+
 TEST_F(TemplateTablesTest, SendsEachEditedTemplateOnceInOrder) {
     const Value name = octets_value("n");
     const auto variable = [&](int number) {
@@ -565,7 +598,9 @@ TEST_F(TemplateTablesTest, ChecksValuesAndIndices) {
     EXPECT_EQ(reserve(values, 32, integer_value(4)), SNMP_ERR_WRONGVALUE);
     EXPECT_EQ(reserve(values, 2, octets_value(std::string(16, 'n'))), SNMP_ERR_WRONGLENGTH);
     for (const int column : {1, 5, 8, 10, 20, 21, 33, 36, 40, 99, 101}) {
-        EXPECT_EQ(reserve(values, column, integer_value(1)), SNMP_ERR_NOTWRITABLE) << column;
+        const Value one = integer_value(1);
+        EXPECT_EQ(reserve(values, column, one), SNMP_ERR_NOTWRITABLE) << column;
+        EXPECT_EQ(call(values, MODE_SET_ACTION, column, {7}, &one).error, 0) << column;
         EXPECT_EQ(call(values, MODE_GET, column, {7}).error, SNMP_NOSUCHOBJECT) << column;
     }
     EXPECT_EQ(reserve(tarnONTTemplateOverridesTable_module_handler, 2, integer_value(1)),
@@ -609,6 +644,13 @@ TEST_F(ProfileTablesTest, ListsOltProfilesByNumberAndName) {
         EXPECT_EQ(indices_of(list.next, 16, {0}), (std::vector<IndexValues>{{0}, {5}, {31}}));
         EXPECT_EQ(board.sent.back().slot(), 17);
         EXPECT_EQ(list.get()[array.size() - 1], 9);
+        void *loop_context = nullptr;
+        void *data = nullptr;
+        netsnmp_variable_list index{};
+        ASSERT_EQ(list.next(&loop_context, &data, &index, 16), &index);
+        EXPECT_EQ(loop_context, list.get());
+        EXPECT_EQ(data, list.get());
+        snmp_reset_var_buffers(&index);
         const auto get = [&](int column, int number) {
             static int row = 0;
             return call_iterator(list.handler, MODE_GET, column, {number}, &row);

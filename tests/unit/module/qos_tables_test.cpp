@@ -1,6 +1,7 @@
 // The QoS tables, and the tables of port counters and utilization.
 #include "module/common/common.h"
 #include "module/common/slot_management_db.h"
+#include "module/switch/switch_operations.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
 
@@ -130,6 +131,7 @@ TEST_F(QosTablesTest, AQueueThatIsWrittenTakesItsTrafficFromTheOthers) {
         EXPECT_EQ(set(3, octets_value(m.written)), 0);
         ASSERT_EQ(board.sent.size(), 1U);
         const Bytes section = sent();
+        EXPECT_EQ(get_switch_qos_cfg(slot)[m.octets == 8 ? 151 : 150], 2);  // behind the section
         EXPECT_EQ(section[m.at + 2 * m.octets], m.stored);
         EXPECT_EQ(section[m.at] & m.stored, 0);  // queue 0 had it
         if (m.octets == 8) {

@@ -91,16 +91,16 @@ TEST_F(SwitchOperationsTest, TheQueueWrittenLastKeepsItsBits) {
     }
     qos[57 + 2] = 0x05;
     tarn::store_le64(qos + 1 + 8 * 6, 0x8000000000000001);
-    db->last_8021p_queue = 2;
-    db->last_dscp_queue = 6;
+    qos[150] = 2;
+    qos[151] = 6;
     normalize_qos_queries(slot);
     for (std::size_t queue = 0; queue < 7; ++queue) {
         EXPECT_EQ(qos[57 + queue], queue == 2 ? 0x05 : 0xFA);
         EXPECT_EQ(tarn::load_le64(qos + 1 + 8 * queue), queue == 6 ? 0x8000000000000001 : 0x7FFFFFFFFFFFFFFE);
     }
     const Bytes settled(qos, qos + 150);
-    db->last_8021p_queue = 7;  // no queue
-    db->last_dscp_queue = 255;
+    qos[150] = 7;  // no queue
+    qos[151] = 255;
     normalize_qos_queries(slot);
     EXPECT_EQ(Bytes(qos, qos + 150), settled);
 }

@@ -219,6 +219,31 @@ TEST_F(SwitchVlanTablesTest, AFailedCommitDropsTheRest) {
     EXPECT_EQ(board.sent.size(), 1U);
 }
 
+TEST_F(SwitchVlanTablesTest, WhatASetDidNotSendIsFetchedAnew) {
+    const auto variable = [](const Value &value, oid index, int of_slot) {
+        Oid name = vlan_name(3, index);
+        name[13] = static_cast<oid>(of_slot + 1);
+        return [=](int mode) {
+            return call_nextgen(tarnSwitchVLANTable_table_handler_nextgen, mode, of_slot, name, &value);
+        };
+    };
+    const Value name = octets_value("edited");
+    get(3);
+    EXPECT_EQ(set_together({variable(name, 10, slot), variable(name, 20, slot)}), missing_in_action);
+    EXPECT_EQ(get(3).octets, "office");
+    board.silence(0xC3);
+    EXPECT_EQ(set(3, name), SNMP_ERR_COMMITFAILED);
+    EXPECT_EQ(get(3).octets, "office");
+    EXPECT_EQ(set(6, integer_value(4), 20), SNMP_ERR_COMMITFAILED);
+    EXPECT_EQ(get(3, 20).error, SNMP_NOSUCHINSTANCE);
+    board.answer(0xC3, {});
+    // The queue's entry goes over to slot 0.
+    get_switch_vlans_block(0);
+    EXPECT_EQ(set_together({variable(name, 10, slot), variable(name, 1, 0)}), 0);
+    EXPECT_EQ(get(3).octets, "office");
+    EXPECT_EQ(get_switch_vlans_block(0)[0][0], 'e');  // sent
+}
+
 TEST_F(SwitchVlanTablesTest, ARowIsCreatedResetAndDestroyedByItsStatus) {
     get(3);
     EXPECT_EQ(set(6, integer_value(4), 20), 0);

@@ -101,7 +101,8 @@ int note_row_status(Row &row, const Binding &value) {
 }
 
 bool add_task(const RequestedTask &task) {
-    const bool ont_named = task.use_serial ? task.serial.has_value() : task.ont_id && task.channel;
+    const bool ont_named = task.use_serial ? task.serial.value_or(Serial{}) != Serial{}  // all zero: none
+                                           : task.ont_id && task.channel;
     return ont_named && task.file_name && task.slot &&
            add_update_ont_scheduler(*task.slot, task.serial.value_or(Serial{}).data(),
                                     task.file_name->c_str(), task.channel.value_or(0),
