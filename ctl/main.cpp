@@ -49,6 +49,9 @@ struct Options {
     std::string request;
     std::string server;
     std::string path;
+    int entry = 0;
+    int first = 0;
+    int second = 0;
 };
 
 // Whether to go on with a command that destroys something. Without a terminal nobody can say yes.
@@ -135,6 +138,26 @@ void add_firmware_commands(CLI::App &app, Options &options, std::function<int()>
     });
 }
 
+void add_alarm_commands(CLI::App &app, Options &options, std::function<int()> &run) {
+    CLI::App *alarms = app.add_subcommand("alarms", "see and set the alarms of the chassis");
+    alarms->require_subcommand(1);
+    alarms->add_subcommand("list", "list the entries")->callback([&options, &run] {
+        run = [&options] { return finish(options, ask(options.agent, {{"do", "alarms"}})); };
+    });
+    CLI::App *set = alarms->add_subcommand("set", "set the two numbers of an entry");
+    set->add_option("entry", options.entry, "0 to 45")->required()->check(CLI::Range(0, 45));
+    set->add_option("first", options.first, "0 to 65535")->required()->check(CLI::Range(0, 65535));
+    set->add_option("second", options.second, "0 to 65535")->required()->check(CLI::Range(0, 65535));
+    set->callback([&options, &run] {
+        run = [&options] {
+            return finish(options, ask(options.agent, {{"do", "alarm-set"},
+                                                       {"entry", options.entry},
+                                                       {"first", options.first},
+                                                       {"second", options.second}}));
+        };
+    });
+}
+
 // The subcommands; each leaves in `run` what is to be done.
 void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
     CLI::App *profiles = app.add_subcommand("profiles", "the same for the chassis-wide profiles");
@@ -156,6 +179,7 @@ void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
         run = [&options] { return finish(options, ask(options.agent, {{"do", "slots"}})); };
     });
     add_firmware_commands(app, options, run);
+    add_alarm_commands(app, options, run);
     CLI::App *chassis = app.add_subcommand("chassis", "see and change a simulated chassis");
     chassis->require_subcommand(1);
     add_chassis_commands(

@@ -14,8 +14,13 @@ namespace {
 
 constexpr const char *mib_module = "TARN-MIB";
 constexpr unsigned link_check_seconds = 1;
+// What the rules of automatic updates are written through.
+constexpr std::string_view rules_table = "tarnONTAutoUpdateTable";
+constexpr std::string_view rules_switch = "tarnONTAutoUpdateEnabled";
 // How long the agent waits at its start for the chassis to say which slots have cards.
 constexpr std::chrono::seconds start_patience{2};
+
+using read_rules_function = int();
 
 }  // namespace
 
@@ -42,6 +47,9 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
         std::make_unique<Slots>(config.served_slots, host->module_->slot_initializer,
                                 host->module_->slot_deinitializer, host->module_->init_config_buffer);
     host->guard_.watch(true);
+    host->guard_.tell([self = host.get()](std::string_view name) {
+        self->rules_changed_ = self->rules_changed_ || name == rules_table || name == rules_switch;
+    });
     if (!host->slots_->start_chassis()) {
         error = config.module_path + ": the module cannot start its chassis-wide stores";
         return nullptr;
@@ -87,6 +95,15 @@ void Host::follow_links() {
     }
 }
 
+// After the SETs are answered: a card may take its time to read the rules.
+void Host::pass_rules_on() {
+    if (auto *read_rules = module_->function<read_rules_function>("parse_ont_autoupdate_file");
+        rules_changed_ && read_rules != nullptr) {
+        (void)read_rules();
+    }
+    rules_changed_ = false;
+}
+
 void Host::board_ready(int /*descriptor*/, void *host) {
     static_cast<Host *>(host)->ipc_.process();
     static_cast<Host *>(host)->follow_links();
@@ -97,6 +114,7 @@ void Host::link_alarm(unsigned /*alarm*/, void *host) {
     auto &self = *static_cast<Host *>(host);
     self.ipc_.refresh_links();
     self.follow_links();
+    self.pass_rules_on();
     if (self.commands_ != nullptr) {
         self.commands_->follow_commits();
     }

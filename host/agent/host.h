@@ -55,6 +55,7 @@ class Host {
     explicit Host(const HostConfig &config) : ipc_(config.chassis, config.hold), cache_(config.row_budget) {}
     bool open_control(const HostConfig &config, std::string &error);
     void follow_links();
+    void pass_rules_on();
     static void board_ready(int descriptor, void *host);
     static void link_alarm(unsigned alarm, void *host);
 
@@ -68,6 +69,7 @@ class Host {
     std::unique_ptr<ControlCommands> commands_;
     std::unique_ptr<ControlSocket> control_;
     unsigned alarm_ = 0;
+    bool rules_changed_ = false;  // of automatic updates, and no card was told
 };
 
 }  // namespace tarn::host

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "host/control/alarms.h"
 #include "host/control/download.h"
 #include "host/services/logger.h"
 
@@ -135,6 +136,40 @@ Json download_firmware(const Json &request, const Module &module) {
     return {{"download", "started"}};
 }
 
+Json list_alarms(const Module &module) {
+    std::string error;
+    Json list = Json::array();
+    for (const Alarm &alarm : read_alarms(module, error)) {
+        list.push_back(
+            {{"entry", alarm.entry}, {"type", alarm.type}, {"first", alarm.first}, {"second", alarm.second}});
+    }
+    if (list.empty()) {
+        throw ControlError(error);
+    }
+    return {{"alarms", list}};
+}
+
+int number_of(const Json &request, const char *key, int highest) {
+    if (!request.contains(key) || !request[key].is_number_integer() || request[key] < 0 ||
+        request[key] > highest) {
+        throw ControlError(std::string(key) + " must be a number from 0 to " + std::to_string(highest));
+    }
+    return request[key].get<int>();
+}
+
+Json set_alarm(const Json &request, const Module &module) {
+    need_keys(request, {"entry", "first", "second"});
+    std::string error;
+    const int outcome =
+        write_alarm(module, number_of(request, "entry", alarms_config::entries - 1),
+                    static_cast<std::uint16_t>(number_of(request, "first", UINT16_MAX)),
+                    static_cast<std::uint16_t>(number_of(request, "second", UINT16_MAX)), error);
+    if (!error.empty()) {
+        throw ControlError(error);
+    }
+    return {{"result", outcome}};
+}
+
 constexpr std::string_view profiles_suffix = "-profiles";
 
 }  // namespace
@@ -158,6 +193,14 @@ std::string ControlCommands::answer(const std::string &line) try {
     if (name == "firmware-state") {
         need_keys(request, {});
         return Json{{"download", download_state(module_)}}.dump() + '\n';
+    }
+    if (name == "alarms") {
+        need_keys(request, {});
+        return list_alarms(module_).dump() + '\n';
+    }
+    if (name == "alarm-set") {
+        log_add(log_level::information, "control: %s\n", printable(line).c_str());
+        return set_alarm(request, module_).dump() + '\n';
     }
     if (name == "firmware-download") {
         log_add(log_level::information, "control: %s\n", printable(line).c_str());

@@ -62,6 +62,22 @@ void set_lengths(IndexPart &part, const struct range_list *ranges, bool implied)
     }
 }
 
+// What the syntax admits of the numbers of a type, or of the numbers of octets.
+std::vector<std::pair<std::int64_t, std::int64_t>> admitted_by(const struct tree *node, unsigned char type) {
+    // The parser keeps each bound in a signed int.
+    const auto bound = [type](int parsed) -> std::int64_t {
+        return type == ASN_INTEGER ? parsed : std::int64_t{static_cast<std::uint32_t>(parsed)};
+    };
+    std::vector<std::pair<std::int64_t, std::int64_t>> admitted;
+    for (const auto *range = node->ranges; range != nullptr; range = range->next) {
+        admitted.emplace_back(bound(range->low), bound(range->high));
+    }
+    for (const auto *value = node->enums; value != nullptr; value = value->next) {
+        admitted.emplace_back(value->value, value->value);
+    }
+    return admitted;
+}
+
 std::vector<struct tree *> children_in_order(const struct tree *node) {
     std::vector<struct tree *> children;
     for (struct tree *child = node->child_list; child != nullptr; child = child->next_peer) {
@@ -124,7 +140,7 @@ std::optional<TableSchema> read_table(const struct tree *table, int module_id, s
         if (node->access == MIB_ACCESS_READONLY || node->access == MIB_ACCESS_READWRITE ||
             node->access == MIB_ACCESS_CREATE) {
             schema.columns.push_back({node->subid, type, node->access != MIB_ACCESS_READONLY,
-                                      has_convention(node, row_status_convention)});
+                                      has_convention(node, row_status_convention), admitted_by(node, type)});
         }
     }
     if (schema.index.empty() || schema.columns.empty()) {

@@ -130,6 +130,9 @@ int SetGuard::serve(netsnmp_mib_handler *handler, netsnmp_handler_registration *
             outcome = {reqinfo->asp->requests[i].status, reqinfo->asp->requests[i].index};
         }
         guard.history_.record(reqinfo->asp->pdu, outcome);
+        if (mode != MODE_SET_FREE) {
+            guard.told_(registration->handlerName);
+        }
     }
     return result;
 }

@@ -5,8 +5,10 @@
 
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tarn/module_api.h"
 
@@ -46,6 +48,9 @@ class SetGuard {
 
     void watch(bool on);
 
+    // `told` is called with the name of each table or scalar that a SET may have written to.
+    void tell(std::function<void(std::string_view name)> told) { told_ = std::move(told); }
+
   private:
     static int guard_registration(int major, int minor, void *parameters, void *guard);
     static int serve(netsnmp_mib_handler *handler, netsnmp_handler_registration *registration,
@@ -53,6 +58,7 @@ class SetGuard {
     bool answers(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests);
 
     SetHistory history_;
+    std::function<void(std::string_view)> told_ = [](std::string_view /*name*/) {};
     bool watching_ = false;
     long transaction_ = -1;  // of the SET that is being served
     std::optional<SetHistory::Outcome>

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tarn/module_api.h"
@@ -16,6 +17,8 @@ struct Column {
     unsigned char type;  // net-snmp's ASN type
     bool writable;
     bool row_status = false;  // creates and destroys its row
+    // The numbers that the syntax admits, or the numbers of octets, as lowest and highest; empty: all.
+    std::vector<std::pair<std::int64_t, std::int64_t>> admitted{};
 };
 
 struct IndexPart {
@@ -49,6 +52,10 @@ struct TableSchema {
     [[nodiscard]] const Column *row_status() const {
         const auto found = std::ranges::find(columns, true, &Column::row_status);
         return found == columns.end() ? nullptr : &*found;
+    }
+    // False where managers can write to nothing.
+    [[nodiscard]] bool writable() const {
+        return std::ranges::find(columns, true, &Column::writable) != columns.end();
     }
     // The fewest sub-identifiers of a row's index.
     [[nodiscard]] std::size_t shortest_index() const {

@@ -13,8 +13,11 @@ constexpr char list_name[] = "tarn_set";
 
 // What a request of a SET is about, from RESERVE1 to its end.
 struct SetTarget {
-    Instance instance;
-    std::shared_ptr<const RowIndex> rows;
+    Table &table;
+    Instance instance{};
+    std::shared_ptr<const RowIndex> rows{};
+    bool creates_row = false;
+    bool acted = false;   // its action was called
     bool hidden = false;  // the row cannot be read, nor does the SET say what becomes of it
 };
 
@@ -26,10 +29,18 @@ SetTarget *target_of(const netsnmp_request_info *request) {
     return static_cast<SetTarget *>(netsnmp_get_list_data(request->parent_data, list_name));
 }
 
+// Whether the variable creates its row when that is not there. A row that is destroyed goes when the manager
+// says.
+bool creates_row(const Table &table, const netsnmp_variable_list *binding) {
+    const Column *column = table.column_of({binding->name, binding->name_length});
+    return column != nullptr && column->row_status && binding->type == ASN_INTEGER &&
+           *binding->val.integer != RS_DESTROY;
+}
+
 // Requests that are not resolved never reach the module, in no phase.
 SetTarget *resolve(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request) {
     const netsnmp_variable_list *binding = request->requestvb;
-    auto target = std::make_unique<SetTarget>();
+    auto target = std::make_unique<SetTarget>(SetTarget{table});
     if (table.parse({binding->name, binding->name_length}, target->instance) != NameForm::row) {
         return nullptr;
     }
@@ -39,6 +50,7 @@ SetTarget *resolve(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_re
         const std::size_t row = target->rows->find(target->instance.suffix);
         target->instance.row = row < target->rows->size() ? target->rows->data(row) : nullptr;
     }
+    target->creates_row = creates_row(table, binding);
     SetTarget *result = target.release();
     netsnmp_request_add_list_data(request, netsnmp_create_data_list(list_name, result, delete_target));
     return result;
@@ -60,12 +72,31 @@ bool undoes(int mode) {
     return mode == MODE_SET_FREE || mode == MODE_SET_UNDO;
 }
 
-// Whether the variable creates its row when that is not there. A row that is destroyed goes when the manager
-// says.
-bool creates_row(const Table &table, const netsnmp_variable_list *binding) {
+// What the MIB has against a SET that the module lets pass: the error-status, 0 when it is nothing. The
+// module is heard first, since it knows its rows: one that does not exist, or a rule of its own, has an error
+// that managers know.
+int mib_error(const Table &table, const netsnmp_variable_list *binding) {
     const Column *column = table.column_of({binding->name, binding->name_length});
-    return column != nullptr && column->row_status && binding->type == ASN_INTEGER &&
-           *binding->val.integer != RS_DESTROY;
+    if (column == nullptr) {
+        return table.schema().writable() ? SNMP_ERR_NOERROR : SNMP_ERR_NOTWRITABLE;
+    }
+    if (!column->writable) {
+        return SNMP_ERR_NOTWRITABLE;
+    }
+    if (binding->type != column->type) {
+        return SNMP_ERR_WRONGTYPE;
+    }
+    const bool number = binding->type == ASN_INTEGER || binding->type == ASN_UNSIGNED;
+    const auto measured =
+        number ? std::int64_t{*binding->val.integer} : static_cast<std::int64_t>(binding->val_len);
+    const bool admitted =
+        column->admitted.empty() || std::ranges::any_of(column->admitted, [measured](const auto &range) {
+            return measured >= range.first && measured <= range.second;
+        });
+    if (admitted) {
+        return SNMP_ERR_NOERROR;
+    }
+    return number ? SNMP_ERR_WRONGVALUE : SNMP_ERR_WRONGLENGTH;
 }
 
 std::span<const oid> row_of(const Table &table, const netsnmp_request_info *request) {
@@ -87,6 +118,41 @@ std::vector<netsnmp_request_info *> in_module_order(const Table &table, netsnmp_
         ordered.insert(place, request);
     }
     return ordered;
+}
+
+void act(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request, SetTarget &target) {
+    target.acted = true;
+    const int code = target.table.call(MODE_SET_ACTION, reqinfo, request, target.instance);
+    if (code != SNMP_ERR_NOERROR) {
+        (void)netsnmp_set_request_error(reqinfo, request, set_error(MODE_SET_ACTION, code));
+    }
+}
+
+// Once an action failed, in whatever table, no further one is started.
+bool any_failed(netsnmp_agent_request_info *reqinfo) {
+    return netsnmp_check_all_requests_error(reqinfo->asp, 0) != SNMP_ERR_NOERROR;
+}
+
+// net-snmp goes table by table, in the order of their first variables; rows that are created may stand in a
+// later one. An ONT comes before what belongs to it: its index is shorter.
+void create_rows(netsnmp_agent_request_info *reqinfo) {
+    std::vector<netsnmp_request_info *> creating;
+    for (int i = 0; i < reqinfo->asp->vbcount; ++i) {
+        netsnmp_request_info *request = &reqinfo->asp->requests[i];
+        if (const SetTarget *target = target_of(request);
+            target != nullptr && target->creates_row && !target->acted) {
+            creating.push_back(request);
+        }
+    }
+    std::ranges::stable_sort(creating, {}, [](const netsnmp_request_info *request) {
+        return target_of(request)->instance.suffix.size();
+    });
+    for (netsnmp_request_info *request : creating) {
+        if (any_failed(reqinfo)) {
+            return;
+        }
+        act(reqinfo, request, *target_of(request));
+    }
 }
 
 // Whether a row's RowStatus can be read.
@@ -147,6 +213,9 @@ void set_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_reques
     const int mode = reqinfo->mode;
     const std::vector<netsnmp_request_info *> ordered = in_module_order(table, requests);
     const bool creates_rows = !table.is_iterator() && table.schema().row_status() != nullptr;
+    if (mode == MODE_SET_ACTION) {
+        create_rows(reqinfo);
+    }
     for (netsnmp_request_info *request : ordered) {
         SetTarget *target = mode == MODE_SET_RESERVE1 ? resolve(table, reqinfo, request) : target_of(request);
         if (target == nullptr) {
@@ -155,12 +224,16 @@ void set_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_reques
             }
             continue;
         }
-        // Once an action failed, also in another table, no further one is started.
-        if (mode == MODE_SET_ACTION &&
-            netsnmp_check_all_requests_error(reqinfo->asp, 0) != SNMP_ERR_NOERROR) {
-            return;
+        if (mode == MODE_SET_ACTION) {
+            if (!target->acted && !any_failed(reqinfo)) {
+                act(reqinfo, request, *target);
+            }
+            continue;
         }
-        const int code = table.call(mode, reqinfo, request, target->instance);
+        int code = table.call(mode, reqinfo, request, target->instance);
+        if (code == SNMP_ERR_NOERROR && mode == MODE_SET_RESERVE1) {
+            code = mib_error(table, request->requestvb);
+        }
         // What FREE and UNDO return must not hide the error that led to them.
         if (code != SNMP_ERR_NOERROR && !undoes(mode)) {
             (void)netsnmp_set_request_error(reqinfo, request, set_error(mode, code));

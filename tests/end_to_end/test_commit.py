@@ -122,6 +122,27 @@ def test_the_profiles_are_told_in_turn(system):
     assert [state(system, slot)["commits"] for slot in (16, 17, 18)] == [2, 1, 1]
 
 
+def test_the_alarms_are_listed_and_set(system):
+    def alarms():
+        status, output = tarnctl(system, "--json", "alarms", "list")
+        assert status == 0, output
+        return json.loads(output)["alarms"]
+
+    before = alarms()
+    assert [alarm["entry"] for alarm in before] == list(range(46))
+    system.chassis.forget_requests()
+    assert tarnctl(system, "alarms", "set", 45, 65535, 7) == (0, "done\n")
+    # Entry 45 goes to every slot, then to the chassis.
+    written = [(request.slot, request.payload[:4], request.payload[13:17])
+               for request in system.chassis.requests(command=403)]
+    assert written == [(slot, bytes([45, 0, 0, 0]), b"\xff\xff\7\0") for slot in (*range(16), 18)]
+    assert alarms() == before[:45] + [before[45] | {"first": 65535, "second": 7}]
+    for arguments in ((46, 1, 1), (1, 65536, 1), (1, 1)):
+        assert tarnctl(system, "alarms", "set", *arguments)[0] == 2
+    system.chassis.fault("silent", slot=18)
+    assert tarnctl(system, "alarms", "set", 1, 1, 1)[0] == 1
+
+
 def test_what_fails_is_said_for_each_slot(system):
     system.chassis.ask("card-pull", slot=1)
     system.chassis.fault("status", slot=2, command=406, status=5)

@@ -191,6 +191,8 @@ def test_the_version_priority_file(site, system):
 
 # ---- Rules ----
 
+PARSE_RULES = 310
+
 def test_rules_of_automatic_updates(site, system):
     path = site.config / "ont_auto_update_entries.txt"
     head = "\nDescription  EquipmentID  FWVersion  FileName\n\n"
@@ -217,6 +219,12 @@ def test_rules_of_automatic_updates(site, system):
     assert text(client, ENABLED) == 0
     client.set((ENABLED, INTEGER, 2))
     assert (site.config / "ont_auto_update_set.txt").read_text() == "2\n"
+    # Each SET above that was carried out, the last one too, has the card read the rules.
+    wait_until(lambda: system.chassis.requests(slot=0, command=PARSE_RULES), "the card to read the rules")
+    system.chassis.forget_requests()
+    client.set((ENABLED, INTEGER, 1))
+    wait_until(lambda: system.chassis.requests(slot=0, command=PARSE_RULES), "the card to read them again")
+    client.set((ENABLED, INTEGER, 2))
     assert text(client, ENABLED) == 2
 
 

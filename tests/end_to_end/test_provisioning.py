@@ -231,6 +231,20 @@ def test_an_ont_from_its_creation_to_its_end(provisioning, ont):
     assert provisioning.system.agent.log_lines(f"{table}: a SET changed the row {row}, which does not exist")
 
 
+def test_one_set_creates_rows_whatever_their_order(provisioning):
+    """What belongs to an ONT or a profile may stand in front of it."""
+    bindings = provisioning.bindings
+    provisioning.set(*bindings("tarnOntConfigUniPortTable", (*ont_index(), 2), {7: ("u", 3), 4: ("i", 4)}),
+                     *bindings("tarnONTPortsProfileUNITable", (20, 1), {5: ("u", 90)}),
+                     *bindings("tarnONTPortsProfileTable", (20,), {20: ("i", 4)}),
+                     *bindings("tarnONTConfigTable", ont_index(),
+                               {3: ("u", CHANNEL), 4: ("u", ONT_ID), 20: ("i", 4)}))
+    record = provisioning.ont()
+    assert record[264:272] == SERIAL
+    assert (record[2072 + 12 + 4], record[2072 + 12 + 9]) == (1, 3)
+    assert provisioning.profile("ports", 20)[1407 + 57] == 90
+
+
 def test_twelve_columns_reach_the_card_as_one_record(provisioning, ont):
     twelve = {column: ONT[column] for column in (43, 6, 40, 8, 7, 38, 11, 30, 22, 19, 35, 9)}
     provisioning.chassis.forget_requests()
@@ -370,6 +384,7 @@ def test_a_set_that_fails_leaves_nothing_behind(provisioning, ont):
     assert refused(provisioning, *change(c3=("u", 1))) == "commitFailed"
     assert refused(provisioning, *change(OTHER_SERIAL, c20=("i", 4))) == "commitFailed"
     assert refused(provisioning, *change(c20=("i", 7))) == "badValue"
+    assert refused(provisioning, *change(c11=("u", 99999999))) == "wrongValue"
     assert refused(provisioning, *change(c9=("i", 1))) == "wrongType"
     assert refused(provisioning, *change(c6=("s", "12345678901"))) == "wrongLength"
     assert not provisioning.writes(SET_ONT_CONFIG)

@@ -22,6 +22,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 class SetUpFiles : public testing::Test {
   protected:
@@ -65,6 +66,10 @@ TEST_F(MibFiles, DescribeTheTables) {
     EXPECT_EQ(found->columns[5].type, ASN_OCTET_STR);
     EXPECT_FALSE(found->columns[5].writable);
     EXPECT_EQ(found->columns[13].number, 21U);
+    EXPECT_THAT(found->columns[0].admitted, ElementsAre(std::pair(0, 15)));
+    EXPECT_THAT(found->columns[3].admitted, IsEmpty());
+    const auto modes = std::next(found);
+    EXPECT_THAT(modes->columns[0].admitted, UnorderedElementsAre(std::pair(1, 1), std::pair(2, 2)));
 }
 
 constexpr const char *mib_head =

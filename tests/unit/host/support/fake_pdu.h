@@ -70,13 +70,13 @@ class FakePdu {
     }
 
     void serve(Table &table, int mode) {
-        reqinfo_.mode = mode;
+        prepare(mode);
         table.serve(&reqinfo_, requests_.data());
     }
 
     // The same through net-snmp, for a handler that is registered.
     void serve(netsnmp_handler_registration *registration, int mode) {
-        reqinfo_.mode = mode;
+        prepare(mode);
         (void)netsnmp_call_handlers(registration, &reqinfo_, requests_.data());
     }
 
@@ -127,6 +127,16 @@ class FakePdu {
 
   private:
     static constexpr std::size_t most_variables = 8;
+
+    // A variable of a SET has a value.
+    void prepare(int mode) {
+        reqinfo_.mode = mode;
+        for (const auto &request : requests_) {
+            if (mode == MODE_SET_RESERVE1 && request.requestvb->type == ASN_NULL) {
+                (void)snmp_set_var_typed_integer(request.requestvb, ASN_INTEGER, 1);
+            }
+        }
+    }
 
     netsnmp_pdu pdu_{};
     netsnmp_agent_session session_{};

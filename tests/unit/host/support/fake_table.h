@@ -23,11 +23,11 @@ inline std::vector<oid> instance(oid column, const std::vector<oid> &suffix) {
     return name;
 }
 
-// Columns 3 and 5 can be read, 5 can be written; the index is the slot and one number.
+// Columns 3 and 5 can be read and written; the index is the slot and one number.
 inline TableSchema slot_table_schema() {
     return {"tarnTestTable",
             table_root,
-            {{3, ASN_INTEGER, false}, {5, ASN_INTEGER, true}},
+            {{3, ASN_INTEGER, true}, {5, ASN_INTEGER, true}},
             {{.type = ASN_UNSIGNED, .is_slot = true}, {.type = ASN_UNSIGNED}}};
 }
 

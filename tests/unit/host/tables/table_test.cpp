@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <variant>
+
 #include "host/board/slots.h"
 #include "support/captured_log.h"
 #include "support/fake_pdu.h"
@@ -228,6 +230,42 @@ TEST_F(TableTest, ASetReachesTheModuleInAllPhasesWithItsRow) {
     EXPECT_THAT(fake.calls, ElementsAre("enumerate 3", "get 5.4.8 row")) << "a SET outdates the rows";
 }
 
+TEST_F(TableTest, ASetOfWhatTheMibExcludesIsRefused) {
+    TableSchema schema = slot_table_schema();
+    schema.columns = {{3, ASN_INTEGER, false},
+                      {5, ASN_INTEGER, true, false, {{-1, -1}, {1, 4}}},
+                      {6, ASN_OCTET_STR, true, false, {{0, 0}, {2, 3}}}};
+    Table table(schema, nextgen_callbacks, cache, slots);
+    schema.columns = {{3, ASN_INTEGER, false}};
+    Table read_only(schema, nextgen_callbacks, cache, slots);
+    const auto error = [&](Table &where, oid column, const std::variant<int, std::string> &value) {
+        FakePdu pdu(++transaction);
+        netsnmp_variable_list *binding = pdu.add(instance(column, {4, 8})).requestvb;
+        if (const auto *text = std::get_if<std::string>(&value)) {
+            (void)snmp_set_var_typed_value(binding, ASN_OCTET_STR, text->data(), text->size());
+        } else {
+            (void)snmp_set_var_typed_integer(binding, ASN_INTEGER, std::get<int>(value));
+        }
+        pdu.serve(where, MODE_SET_RESERVE1);
+        return pdu.error();
+    };
+    EXPECT_EQ(error(table, 3, 1), SNMP_ERR_NOTWRITABLE);
+    EXPECT_EQ(error(table, 4, 1), 0) << "not the MIB's: what that means is the module's";
+    EXPECT_EQ(error(read_only, 4, 1), SNMP_ERR_NOTWRITABLE);
+    for (const int value : {-1, 1, 4}) {
+        EXPECT_EQ(error(table, 5, value), 0);
+    }
+    for (const int value : {-2, 0, 5}) {
+        EXPECT_EQ(error(table, 5, value), SNMP_ERR_WRONGVALUE);
+    }
+    EXPECT_EQ(error(table, 5, "1"), SNMP_ERR_WRONGTYPE);
+    EXPECT_EQ(error(table, 6, 1), SNMP_ERR_WRONGTYPE);
+    EXPECT_EQ(error(table, 6, "abc"), 0);
+    EXPECT_EQ(error(table, 6, "a"), SNMP_ERR_WRONGLENGTH);
+    fake.handle = [](int, netsnmp_request_info *) { return SNMP_ERR_BADVALUE; };
+    EXPECT_EQ(error(table, 5, 5), SNMP_ERR_BADVALUE) << "the module's own rule comes first";
+}
+
 TEST_F(TableTest, ASetEnumeratesAnewEvenWhenRowsAreKnown) {
     EXPECT_EQ(get(iterator, instance(5, {4, 8})), 508);
     fake.calls.clear();
@@ -253,8 +291,8 @@ TEST_F(TableTest, ASetThatCreatesARowTellsTheModuleFirst) {
     pdu.serve(table, MODE_SET_ACTION);
     EXPECT_THAT(fake.calls,
                 ElementsAre("reserve1 3.4.8 no row", "reserve1 5.4.9 no row", "reserve1 3.4.9 no row",
-                            "reserve1 5.4.8 no row", "action 3.4.8 no row", "action 5.4.9 no row"))
-        << "a row that is destroyed keeps its place";
+                            "reserve1 5.4.8 no row", "action 5.4.9 no row"))
+        << "in each phase, and none of the others once that failed";
     EXPECT_EQ(pdu.failed(), 3) << "the manager's count";
 }
 
