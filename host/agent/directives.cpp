@@ -19,7 +19,6 @@ namespace {
 
 Settings *target = nullptr;
 int problems = 0;
-netsnmp_log_handler *problem_counter = nullptr;
 
 std::optional<int> parse_number(std::string_view text, int lowest, int highest) {
     int value = 0;
@@ -244,25 +243,26 @@ int count_problem(int /*major*/, int /*minor*/, void *message, void * /*unused*/
 
 }  // namespace
 
-void register_directives(const char *application, Settings &settings) {
-    target = &settings;
-    problems = 0;
+void register_directives(const char *application) {
     for (const Directive &directive : directives) {
         (void)directive.enter(application, directive.name, directive.parse, nullptr, directive.help);
     }
-    problem_counter = netsnmp_register_loghandler(NETSNMP_LOGHANDLER_CALLBACK, LOG_DEBUG);
-    if (problem_counter != nullptr) {
-        problem_counter->enabled = 1;
-    }
-    (void)snmp_register_callback(SNMP_CALLBACK_LIBRARY, SNMP_CALLBACK_LOGGING, count_problem, nullptr);
 }
 
-int configuration_problems() {
-    if (problem_counter != nullptr) {
-        (void)netsnmp_remove_loghandler(problem_counter);
-        problem_counter = nullptr;
+int read_directives(Settings &settings, const std::function<void()> &read) {
+    target = &settings;
+    problems = 0;
+    netsnmp_log_handler *counter = netsnmp_register_loghandler(NETSNMP_LOGHANDLER_CALLBACK, LOG_DEBUG);
+    if (counter != nullptr) {
+        counter->enabled = 1;
     }
+    (void)snmp_register_callback(SNMP_CALLBACK_LIBRARY, SNMP_CALLBACK_LOGGING, count_problem, nullptr);
+    read();
     (void)snmp_unregister_callback(SNMP_CALLBACK_LIBRARY, SNMP_CALLBACK_LOGGING, count_problem, nullptr, 0);
+    if (counter != nullptr) {
+        (void)netsnmp_remove_loghandler(counter);
+    }
+    target = nullptr;
     return problems;
 }
 

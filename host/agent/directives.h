@@ -2,6 +2,7 @@
 #ifndef TARN_HOST_AGENT_DIRECTIVES_H
 #define TARN_HOST_AGENT_DIRECTIVES_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,12 +27,12 @@ struct Settings {
     bool candidate_slots_given = false;
 };
 
-// Has net-snmp pass the directives of `application`'s files on to `settings`, which must live as long as
-// files are read. A directive with a bad value is reported with its file and line.
-void register_directives(const char *application, Settings &settings);
+// Makes the agent's directives known to net-snmp, for `application`'s files.
+void register_directives(const char *application);
 
-// The problems that net-snmp reported while it read configuration files: unknown directives too.
-int configuration_problems();
+// Has the directives that net-snmp meets while `read` runs passed on to `settings`. Returns the number of
+// problems, unknown directives too; each is reported with its file and line.
+int read_directives(Settings &settings, const std::function<void()> &read);
 
 // Puts the settings together. False, and the reason in `error`, when something is missing or wrong.
 bool host_config(const Settings &settings, HostConfig &config, std::string &error);

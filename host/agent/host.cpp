@@ -111,6 +111,7 @@ void Host::board_ready(int /*descriptor*/, void *host) {
 
 void Host::link_alarm(unsigned /*alarm*/, void *host) {
     run_left_work();
+    write_due_repeats(std::chrono::steady_clock::now());
     auto &self = *static_cast<Host *>(host);
     self.ipc_.refresh_links();
     self.follow_links();

@@ -7,11 +7,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <memory>
 #include <string>
 
-#include "host/agent/directives.h"
+#include "host/agent/configuration.h"
 #include "host/agent/host.h"
 #include "host/agent/identity.h"
+#include "host/agent/privileges.h"
 #include "host/services/block_allocator.h"
 #include "host/services/logger.h"
 
@@ -32,21 +34,15 @@ constexpr const char *application = "tarn-agentd";
 constexpr int largest_message = 65'000;
 
 volatile std::sig_atomic_t stopping = 0;
+volatile std::sig_atomic_t reading_asked = 0;
 
 void request_stop(int /*signal*/) {
     stopping = 1;
 }
 
-struct Options {
-    std::string config;
-    std::string module;
-    std::string mibs;
-    std::string chassis;
-    std::string control;
-    std::string log;
-    std::string state;
-    bool foreground = false;
-};
+void request_reading(int /*signal*/) {
+    reading_asked = 1;
+}
 
 void set_boolean(int store, int which) {
     (void)netsnmp_ds_set_boolean(store, which, 1);
@@ -57,7 +53,6 @@ void prepare_environment() {
     (void)setenv("MIBS", "", 1);
     (void)setenv("MIBDIRS", "", 1);
     (void)setenv("SNMPCONFPATH", "/nonexistent", 1);
-    (void)std::signal(SIGPIPE, SIG_IGN);
     set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS);
     (void)netsnmp_ds_set_int(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_MSG_SEND_MAX, largest_message);
     // Large GETBULK answers would have the heap trimmed and grown again for each packet.
@@ -69,92 +64,51 @@ void catch_signals() {
     action.sa_handler = request_stop;
     (void)sigaction(SIGINT, &action, nullptr);
     (void)sigaction(SIGTERM, &action, nullptr);
-}
-
-// Options override what the configuration file says.
-void override_settings(const Options &options, Settings &settings) {
-    const auto replace = [](std::string &setting, const std::string &option) {
-        if (!option.empty()) {
-            setting = option;
-        }
-    };
-    replace(settings.module_path, options.module);
-    replace(settings.mib_directories, options.mibs);
-    replace(settings.chassis, options.chassis);
-    replace(settings.control, options.control);
-    replace(settings.log, options.log);
-    if (settings.log.empty()) {
-        settings.log = options.foreground ? "stderr" : "syslog";
+    action.sa_handler = request_reading;
+    (void)sigaction(SIGHUP, &action, nullptr);
+    for (const int ignored : {SIGPIPE, SIGUSR1, SIGUSR2}) {
+        (void)std::signal(ignored, SIG_IGN);
     }
 }
 
-bool read_configuration(const Options &options, Settings &settings) {
-    register_directives(application, settings);
-    if (!options.config.empty()) {
-        if (access(options.config.c_str(), R_OK) != 0) {
-            log_add(log_level::error, "%s: cannot be read\n", options.config.c_str());
-            return false;
-        }
-        (void)netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG,
-                                    options.config.c_str());
-    }
-    settings.state = options.state;
-    if (!settings.state.empty() && !keep_state_in(settings.state)) {
-        log_add(log_level::error, "%s: not a directory that can be written\n", settings.state.c_str());
-        return false;
-    }
-    describe_system(application);
-    init_snmp(application);
-    if (configuration_problems() != 0) {
-        return false;
-    }
-    override_settings(options, settings);
-    // Commands that the module runs are found in these places only.
-    (void)setenv("PATH", settings.command_path.c_str(), 1);
-    set_log_level(settings.log_level);
-    if (!open_log(settings.log)) {
-        log_add(log_level::error, "the log %s cannot be opened\n", settings.log.c_str());
-        return false;
-    }
-    (void)netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_MAX_GETBULKRESPONSES,
-                             settings.largest_bulk);
-    return true;
+bool listen(std::string &error) {
+    error = "cannot listen on the agent's address";
+    return init_master_agent() == 0;
 }
 
-bool listen() {
-    if (init_master_agent() == 0) {
-        return true;
-    }
-    log_add(log_level::error, "cannot listen on the agent's address\n");
-    return false;
-}
-
-bool serve(const Settings &settings, const Options &options) {
+bool start_serving(const Configuration &configuration, std::unique_ptr<Host> &host, std::string &error) {
+    const Settings &settings = configuration.settings();
     HostConfig config;
-    std::string error;
     if (!host_config(settings, config, error)) {
-        log_add(log_level::error, "%s\n", error.c_str());
         return false;
     }
-    const std::unique_ptr<Host> host = Host::start(config, error);
-    if (host == nullptr || !listen()) {
-        if (!error.empty()) {
-            log_add(log_level::error, "%s\n", error.c_str());
-        }
+    host = Host::start(config, error);
+    return host != nullptr && listen(error) &&
+           become_agent_user({settings.control, settings.state, log_file(settings.log)}, error);
+}
+
+bool serve(Configuration &configuration) {
+    std::unique_ptr<Host> host;
+    std::string error;
+    if (!start_serving(configuration, host, error)) {
+        log_add(log_level::error, "not started: %s\n", error.c_str());
         return false;
     }
-    const char *address = netsnmp_ds_get_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PORTS);
     save_state(application);
     std::printf("tarn-agentd ready: %zu of %zu slots up, %zu tables, listening on %s\n",
                 host->slots().up().size(), host->slots().served().count(), host->tables(),
-                address == nullptr ? "udp:161" : address);
+                configuration.addresses().c_str());
     (void)std::fflush(stdout);
-    if (!options.foreground && daemon(1, 0) != 0) {
+    if (!configuration.options().foreground && daemon(1, 0) != 0) {
         log_add(log_level::error, "cannot go to the background\n");
         return false;
     }
     announce_start();
     while (stopping == 0) {
+        if (reading_asked != 0) {
+            reading_asked = 0;
+            configuration.read_again();
+        }
         (void)agent_check_and_process(1);
     }
     log_add(log_level::information, "stopping\n");
@@ -188,8 +142,8 @@ int main(int argc, char **argv) try {
     (void)open_log("stderr");
     choose_standard_groups();
     (void)init_agent(application);
-    Settings settings;
-    if (!read_configuration(options, settings) || !serve(settings, options)) {
+    Configuration configuration(options);
+    if (!configuration.read(application) || !serve(configuration)) {
         return EXIT_FAILURE;
     }
     return report_outstanding_blocks() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;

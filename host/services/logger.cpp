@@ -8,6 +8,8 @@
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
+#include <ctime>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -18,7 +20,11 @@ namespace {
 
 std::atomic<int> threshold{log_level::information};
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::seconds repeat_period{5};
+// With the second between two looks for counts that are due, none waits longer than five.
+constexpr std::chrono::seconds repeat_period{4};
+
+// Lines that the module writes at each look-up, as errors: nothing is wrong, and they would fill the log.
+constexpr std::string_view trace_formats[] = {"file: %s; line: %d; slot: %u"};
 
 // A line that was written, and how often it came again since.
 struct WrittenLine {
@@ -54,14 +60,57 @@ __attribute__((format(printf, 1, 0))) std::string format_message(const char *for
     return text;
 }
 
-bool open_log_file(const std::string &path) {
-    std::FILE *probe = std::fopen(path.c_str(), "ae");
-    if (probe == nullptr) {
-        return false;
+std::FILE *log_stream = nullptr;  // stderr or a file that is ours
+
+void close_log_file() {
+    if (log_stream != nullptr && log_stream != stderr) {
+        (void)std::fclose(log_stream);
     }
-    (void)std::fclose(probe);
-    snmp_enable_filelog(path.c_str(), 1 /* append */);
-    return true;
+    log_stream = nullptr;
+}
+
+const char *name_of(int level) {
+    if (level <= log_level::error) {
+        return "error";
+    }
+    if (level == log_level::warning) {
+        return "warning";
+    }
+    return level <= log_level::information ? "information" : "debug";
+}
+
+void write_head(int level) {
+    timespec now{};
+    (void)clock_gettime(CLOCK_REALTIME, &now);
+    tm parts{};
+    (void)localtime_r(&now.tv_sec, &parts);
+    char date[32];
+    (void)std::strftime(date, sizeof date, "%Y-%m-%d %H:%M:%S", &parts);
+    (void)std::fprintf(log_stream, "%s.%03ld %s: ", date, now.tv_nsec / 1'000'000, name_of(level));
+}
+
+// net-snmp passes a line in pieces now and then.
+int write_record(netsnmp_log_handler * /*handler*/, int level, const char *text) {
+    static bool at_line_start = true;
+    if (level > threshold || *text == '\0') {
+        return 1;
+    }
+    if (at_line_start) {
+        write_head(level);
+    }
+    (void)std::fputs(text, log_stream);
+    (void)std::fflush(log_stream);
+    at_line_start = std::string_view(text).ends_with('\n');
+    return 1;
+}
+
+void write_to(std::FILE *stream) {
+    log_stream = stream;
+    netsnmp_log_handler *handler = netsnmp_register_loghandler(NETSNMP_LOGHANDLER_STDERR, LOG_DEBUG);
+    if (handler != nullptr) {
+        handler->handler = write_record;
+        handler->enabled = 1;
+    }
 }
 
 void write_line(int level, std::string line) {
@@ -91,6 +140,15 @@ void flush_log() {
     }
 }
 
+void write_due_repeats(Clock::time_point now) {
+    const std::lock_guard lock(last_lines_mutex);
+    for (WrittenLine &line : last_lines) {
+        if (now - line.written >= repeat_period) {
+            write_repeats(line);
+        }
+    }
+}
+
 void set_log_level(int level) {
     threshold = level;
 }
@@ -108,24 +166,28 @@ int log_level_of(std::string_view name) {
     return name == "debug" ? log_level::debug : -1;
 }
 
+std::string log_file(std::string_view destination) {
+    constexpr std::string_view prefix = "file ";
+    return std::string(destination.starts_with(prefix) ? destination.substr(prefix.size()) : "");
+}
+
 bool open_log(std::string_view destination) {
-    constexpr std::string_view file_prefix = "file ";
-    snmp_disable_log();
-    netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_LOG_TIMESTAMP, 1);
+    const std::string path = log_file(destination);
+    std::FILE *stream = path.empty() ? nullptr : std::fopen(path.c_str(), "ae");
     if (destination == "stderr") {
-        snmp_enable_stderrlog();
-        return true;
+        stream = stderr;
     }
-    if (destination == "syslog") {
+    if (stream == nullptr && destination != "syslog") {
+        return false;
+    }
+    snmp_disable_log();
+    close_log_file();
+    if (stream != nullptr) {
+        write_to(stream);
+    } else {
         snmp_enable_syslog_ident("tarn-agentd", LOG_DAEMON);
-        return true;
     }
-    if (destination.starts_with(file_prefix) &&
-        open_log_file(std::string(destination.substr(file_prefix.size())))) {
-        return true;
-    }
-    snmp_enable_stderrlog();
-    return false;
+    return true;
 }
 
 std::string printable(std::string_view text) {
@@ -146,6 +208,9 @@ std::string printable(std::string_view text) {
 
 void log_add(int level, const char *format, ...) {
     using namespace tarn::host;
+    if (std::ranges::find(trace_formats, format) != std::end(trace_formats)) {
+        level = log_level::debug;
+    }
     if (level > threshold) {
         return;
     }

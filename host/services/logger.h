@@ -2,6 +2,7 @@
 #ifndef TARN_HOST_SERVICES_LOGGER_H
 #define TARN_HOST_SERVICES_LOGGER_H
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -19,9 +20,12 @@ inline constexpr int debug = 7;
 
 void set_log_level(int level);
 
-// Opens the log's destination: "stderr", "syslog" or "file PATH". False for any other text and for a file
-// that cannot be opened.
+// Opens the log's destination: "stderr", "syslog" or "file PATH"; net-snmp's own messages go there too. False
+// for any other text and for a file that cannot be opened: the log stays where it was. A line of stderr or of
+// a file is local time to the millisecond, level and text.
 bool open_log(std::string_view destination);
+// The PATH of such a destination; empty for the others.
+std::string log_file(std::string_view destination);
 
 // The level of a name: error, warning, information or debug; -1 for another text.
 int log_level_of(std::string_view name);
@@ -29,6 +33,8 @@ int log_level_of(std::string_view name);
 // A line that repeats one of the last few is not written but counted for up to five seconds, so that a card
 // that fails for every row of a table does not flood the log. This writes the counts.
 void flush_log();
+// Writes the counts whose time is over; to be called once a second.
+void write_due_repeats(std::chrono::steady_clock::time_point now);
 
 // The text without its last line end, each other control byte replaced by '?': a text that came from a
 // manager or a card can neither forge a line nor command a terminal.

@@ -1,5 +1,7 @@
 """Files and options that are wrong: the file, the line, what is wrong, exit status 1."""
 
+import os
+
 import pytest
 
 from programs import MIBS, MODULE, free_port, run_to_end
@@ -16,7 +18,11 @@ def run_chassis(directory, scenario):
 def run_agent(directory, lines, module=MODULE, mibs=MIBS):
     text = "\n".join([*GOOD_AGENT, *lines, ""]).format(port=free_port())
     (directory / "agent.conf").write_text(text)
-    return run_to_end("tarn-agentd", "--foreground", "--config", "agent.conf", "--module", module, "--mibs", mibs,
+    return run_agent_with(directory, "agent.conf", module, mibs)
+
+
+def run_agent_with(directory, configuration, module=MODULE, mibs=MIBS):
+    return run_to_end("tarn-agentd", "--foreground", "--config", configuration, "--module", module, "--mibs", mibs,
                       "--chassis", "unix:chassis.socket", directory=directory)
 
 
@@ -51,7 +57,21 @@ def test_a_missing_scenario(tmp_path):
 def test_a_wrong_agent_configuration(tmp_path, directive, what):
     status, output = run_agent(tmp_path, [directive])
     assert status == 1
-    assert "agent.conf: line 3: " in output and what in output
+    *_, reason, last = output.splitlines()
+    assert "agent.conf: line 3: " in reason and what in reason
+    assert last.endswith(" error: not started: mistakes in the configuration: 1")
+
+
+def test_an_agent_that_would_listen_where_nobody_said(tmp_path):
+    (tmp_path / "empty.conf").write_text("rocommunity public 127.0.0.1\n")
+    os.mkfifo(tmp_path / "fifo.conf")
+    for configuration, last in [
+            (".", " error: .: not a file that can be read"),
+            ("fifo.conf", " error: fifo.conf: not a file that can be read"),
+            ("none.conf", " error: none.conf: not a file that can be read"),
+            ("empty.conf", " error: not started: no agentAddress is given")]:
+        status, output = run_agent_with(tmp_path, configuration)
+        assert (status, output.splitlines()[-1].endswith(last)) == (1, True), output
 
 
 def test_a_module_or_mib_that_is_not_there(tmp_path):

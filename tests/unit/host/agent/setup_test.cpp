@@ -132,11 +132,10 @@ class Configuration : public SetUpFiles {
     // Reads a file as the agent does; returns the number of problems.
     int read(const std::string &text) {
         path = write("agent.conf", text);
-        register_directives("tarn-test", settings);
+        register_directives("tarn-test");
         (void)netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
         (void)netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, path.c_str());
-        init_snmp("tarn-test");
-        return configuration_problems();
+        return read_directives(settings, [] { init_snmp("tarn-test"); });
     }
     // net-snmp reads its files once, until it is shut down: behind the log, which it would free.
     struct NetSnmp {

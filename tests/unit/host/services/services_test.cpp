@@ -89,6 +89,41 @@ TEST(Logger, CountsRepeatsOfTheLastLines) {
                                        "another line (came 999 times more)\n", "another line\n"));
 }
 
+TEST(Logger, WritesCountsWhoseTimeIsOver) {
+    CapturedLog log;
+    log_add(log_level::error, "silent\n");
+    log_add(log_level::error, "silent\n");
+    const auto now = std::chrono::steady_clock::now();
+    write_due_repeats(now - std::chrono::seconds(1));
+    EXPECT_THAT(log.lines, ElementsAre("silent\n"));
+    write_due_repeats(now + std::chrono::seconds(4));
+    write_due_repeats(now + std::chrono::seconds(5));
+    EXPECT_THAT(log.lines, ElementsAre("silent\n", "silent (came 1 times more)\n"));
+}
+
+TEST(Logger, TakesTraceLinesForWhatTheyAre) {
+    CapturedLog log;
+    const auto trace = [] { log_add(log_level::error, "file: %s; line: %d; slot: %u", "x", 37, 0U); };
+    trace();
+    set_log_level(log_level::debug);
+    trace();
+    set_log_level(log_level::information);
+    EXPECT_THAT(log.lines, ElementsAre("file: x; line: 37; slot: 0\n"));
+}
+
+TEST(Logger, BeginsALineWithTimeAndLevel) {
+    testing::internal::CaptureStderr();
+    ASSERT_TRUE(open_log("stderr"));
+    log_add(log_level::warning, "one\n");
+    snmp_log(LOG_NOTICE, "two ");
+    snmp_log(LOG_NOTICE, "halves\n");
+    snmp_log(LOG_DEBUG, "below the level\n");
+    const std::string time = "20[0-9]{2}-[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{3} ";
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                testing::MatchesRegex(time + "warning: one\n" + time + "information: two halves\n"));
+    snmp_disable_log();
+}
+
 TEST(Logger, ForgetsALineThatManyOthersFollow) {
     CapturedLog log;
     for (const char *line : {"1", "2", "2", "3", "4", "5", "1"}) {
