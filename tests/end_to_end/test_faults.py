@@ -128,6 +128,21 @@ def test_a_configuration_that_cannot_be_read_is_not_written(start):
     assert value(system, flag) == 1
 
 
+def test_a_card_without_an_image_never_gets_anothers_onts(start, tables):
+    system = start()
+    instance = tables["tarnONTConfigTable"].instance
+    system.chassis.fault("status", slot=SLOT, command=commands.GET_ALL_CONFIG, status=9)
+    listed = system.snmp.walk(instance(2, INDEX - 1))
+    assert listed
+    assert not system.snmp.walk(instance(2, INDEX))
+    foreign = (INDEX, *oid_key(listed[0][0])[-9:])
+    for bindings in ([(9, "u", 1)], [(20, "i", 4), (3, "u", 0), (4, "u", 0)], [(20, "i", 6)]):
+        with pytest.raises(SnmpError):
+            system.snmp.set(*((instance(column, *foreign), letter, number) for column, letter, number in bindings))
+    assert not system.chassis.requests(slot=SLOT, command=commands.SET_ONT_CONFIG)
+    assert system.agent.log_lines("has not sent its configuration, which is not overwritten")
+
+
 def test_a_card_that_is_pulled_and_put_back(start):
     system = start()
     healthy = system.snmp.walk()
