@@ -4,8 +4,10 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <memory>
+#include <string>
 #include <string_view>
 
+#include "module/common/files.h"
 #include "module/common/shell.h"
 #include "module/configfile/param_set.h"
 
@@ -69,14 +71,35 @@ bool may_repair(std::string_view file) {
            !file.ends_with("/..") && file.find("/../") == std::string_view::npos;
 }
 
+// The set as a file's text; an error code where there is no memory for it.
+std::uint32_t text_of(const ParamSet &set, std::string &text) {
+    char *bytes = nullptr;
+    std::size_t size = 0;
+    File stream(open_memstream(&bytes, &size));
+    const std::uint32_t error =
+        stream != nullptr ? WriteAllParams(stream.get(), set) : param_error::no_memory;
+    stream.reset();
+    text.assign(bytes != nullptr ? bytes : "", size);
+    std::free(bytes);
+    return error;
+}
+
 std::uint32_t write_back(const char *file, const ParamSet &set) {
-    File stream = open_file(file, "w");
-    if (stream == nullptr && may_repair(file)) {
+    std::string text;
+    const std::uint32_t error = text_of(set, text);
+    if (error != param_error::ok) {
+        return error;
+    }
+    Written written = replace_file(file, text);
+    if (written == Written::not_opened && may_repair(file)) {
         const std::string word = shell_word(file);
         DoSystemCmd("sudo touch %s; sudo chmod 777 %s", word.c_str(), word.c_str());
-        stream = open_file(file, "w");
+        written = replace_file(file, text);
     }
-    return stream != nullptr ? WriteAllParams(stream.get(), set) : param_error::open_for_writing;
+    if (written == Written::whole) {
+        return param_error::ok;
+    }
+    return written == Written::not_opened ? param_error::open_for_writing : param_error::write;
 }
 
 std::uint32_t apply(ParamCmd cmd, ParamSet &set, int start_index, int *count_out, const Strings &strings) {

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <new>
 
 #include "module/common/cache.h"
@@ -59,11 +61,11 @@ bool is_spec_name(std::string_view name) {
     return name.size() > spec_suffix.size() && name.ends_with(spec_suffix);
 }
 
-// Runs a write of a parameter file, which is never written through a link or into a device.
+// Runs a write of a parameter file, which is never written into a device.
 template <class Write>
 int write_spec(const std::string &path, const char *caller, Write write) {
     const std::uint32_t error =
-        is_regular_file(path, false) || is_absent(path) ? write() : param_error::open_for_writing;
+        is_regular_file(path, true) || is_absent(path) ? write() : param_error::open_for_writing;
     if (error == param_error::ok) {
         return 0;
     }
@@ -116,7 +118,7 @@ void read_spec(const std::string &path, AcsFirmwareSpecific &spec) {
     ParamEntry md5;
     spec.has_spec = 0;
     const std::uint32_t error =
-        is_regular_file(path, false)
+        is_regular_file(path, true)
             ? cf_GetParam(path.c_str(), "VENDOR", vendor.value, "EQUIPMENT_LIST", equipment.value,
                           "SOFTWARE_VERSION", version.value, "MD5_SUM", md5.value, nullptr)
             : param_error::open_for_reading;
@@ -163,6 +165,26 @@ std::string_view listed_name(const AcsFirmwareFile &file) {
 
 bool may_be_cut(const AcsFirmwareFile &file) {
     return listed_name(file).size() >= longest_file_name;
+}
+
+std::optional<std::string> specific_text(std::string_view name) {
+    std::ifstream file(spec_path(name), std::ios::binary);
+    if (refuses_name(name, __func__) || !file) {
+        return std::nullopt;
+    }
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+int restore_specific_text(std::string_view name, const std::optional<std::string> &text) {
+    if (!text.has_value()) {
+        return delete_specific_file(std::string(name).c_str());
+    }
+    expire_files_list();
+    if (!refuses_name(name, __func__) && replace_file(spec_path(name), *text) == Written::whole) {
+        return 0;
+    }
+    log_add(log_error, "%s : unable to restore %s\n", __func__, spec_path(name).c_str());
+    return -1;
 }
 
 void expire_files_list() {

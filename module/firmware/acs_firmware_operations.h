@@ -2,6 +2,8 @@
 #ifndef TARN_MODULE_FIRMWARE_ACS_FIRMWARE_OPERATIONS_H
 #define TARN_MODULE_FIRMWARE_ACS_FIRMWARE_OPERATIONS_H
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "module/exports.h"
@@ -51,6 +53,9 @@ bool is_image_name(std::string_view name);
 // so another file's.
 std::string_view listed_name(const AcsFirmwareFile &file);
 bool may_be_cut(const AcsFirmwareFile &file);
+// What an image's parameter file holds, and its way back; nothing where there is no such file. 0 or -1.
+std::optional<std::string> specific_text(std::string_view name);
+int restore_specific_text(std::string_view name, const std::optional<std::string> &text);
 // Makes the next get_files_list read the directory.
 void expire_files_list();
 

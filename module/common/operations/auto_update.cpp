@@ -1,7 +1,5 @@
 #include "module/common/operations/auto_update.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -126,23 +124,6 @@ std::string file_text(const ProfilesDatabase &db) {
     return text;
 }
 
-// Replaces a file in one step, so that a reader and a full disk never see a part of it.
-bool replace_file(const std::string &path, const std::string &text) {
-    const std::string written = path + ".new";
-    File stream = open_file(written, "w");
-    if (stream == nullptr) {
-        return false;
-    }
-    const bool whole = std::fwrite(text.data(), 1, text.size(), stream.get()) == text.size() &&
-                       std::fflush(stream.get()) == 0;
-    stream.reset();
-    if (whole && std::rename(written.c_str(), path.c_str()) == 0) {
-        return true;
-    }
-    unlink(written.c_str());
-    return false;
-}
-
 // False where there is no such file.
 bool read_switch(int &value) {
     value = 0;
@@ -245,7 +226,7 @@ int generate_ont_autoupdate_file(void) {
         log_add(log_error, "%s : data never received\n", __func__);
         return -1;
     }
-    if (!replace_file(rooted(entries_file), file_text(*db))) {
+    if (replace_file(rooted(entries_file), file_text(*db)) != Written::whole) {
         log_add(log_error, "%s : unable to open file\n", __func__);
         return -1;
     }
@@ -276,7 +257,7 @@ int get_ont_fw_autoupdate_enabled_old(void) {
 }
 
 int set_ont_fw_autoupdate_enabled(int value) {
-    if (!replace_file(rooted(switch_file), std::to_string(value) + "\n")) {
+    if (replace_file(rooted(switch_file), std::to_string(value) + "\n") != Written::whole) {
         log_add(log_error, "%s : unable to open file for writing\n", __func__);
         return -1;
     }

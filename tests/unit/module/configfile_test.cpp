@@ -15,6 +15,28 @@ class ConfigFileTest : public FileTest {
     const char *file = path.c_str();
 };
 
+TEST_F(ConfigFileTest, ReplacesTheFileInOneStep) {
+    namespace fs = std::filesystem;
+    write(path, "a=1\n");
+    constexpr auto mode = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    fs::permissions(path, mode);
+    const std::string link = at("/link");
+    fs::create_symlink("params", link);
+    {
+        const FullDisk full;
+        EXPECT_EQ(cf_SetParam(file, "a", "2", nullptr), 5U);
+        EXPECT_EQ(cf_SetParam(link.c_str(), "b", "3", nullptr), 5U);
+    }
+    EXPECT_EQ(read(path), "a=1\n");
+    EXPECT_EQ(cf_SetParam(link.c_str(), "b", "3", nullptr), 0U);
+    EXPECT_EQ(read(path), "a=1\nb=3\n");
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(fs::status(path).permissions(), mode);
+    for (const auto &entry : fs::directory_iterator(at("/"))) {
+        EXPECT_EQ(entry.path().filename().string().find(".new"), std::string::npos) << entry.path();
+    }
+}
+
 std::string numbered_lines(int count) {
     std::string lines;
     for (int i = 1; i <= count; ++i) {

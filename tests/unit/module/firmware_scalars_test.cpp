@@ -201,11 +201,15 @@ TEST_F(FirmwareScalarsTest, KeepsTheVersionPriorityFile) {
     EXPECT_EQ(get(priorities).octets, std::string(16384, 'q'));  // the last contents
 
     std::filesystem::create_symlink(at("/victim"), file);
-    EXPECT_EQ(set_scalar(priorities, octets_value("x")), SNMP_ERR_RESOURCEUNAVAILABLE);
-    EXPECT_EQ(read(at("/victim")), std::nullopt);
+    EXPECT_EQ(set_scalar(priorities, octets_value("x")), 0);
+    {
+        const FullDisk full;
+        EXPECT_EQ(set_scalar(priorities, octets_value("lost")), SNMP_ERR_GENERR);
+    }
+    EXPECT_EQ(read(at("/victim")), "x\n");
     std::filesystem::remove(file);
     std::filesystem::create_symlink("/dev/full", file);
-    EXPECT_EQ(set_scalar(priorities, octets_value("x")), SNMP_ERR_RESOURCEUNAVAILABLE);
+    EXPECT_EQ(set_scalar(priorities, octets_value("x")), SNMP_ERR_GENERR);
     EXPECT_EQ(call_scalar(priorities, 99).result, SNMP_ERR_GENERR);
 }
 

@@ -80,8 +80,10 @@ TEST_F(FirmwareTablesTest, ListsAndRemovesImages) {
     EXPECT_EQ(set_all(handler, {{10, {1}, unsigned_value(2)}}), 0);
     EXPECT_EQ(removed, "");
     EXPECT_EQ(get_acs_firmware_cache()->files_stamp.tv_sec, 0);
+    write(image("a.bin.spec"), "MD5_SUM=0\n");
     EXPECT_EQ(set_all(handler, {{10, {1}, unsigned_value(1)}}), 0);
     EXPECT_EQ(removed, "a.bin");
+    EXPECT_EQ(read(image("a.bin.spec")), std::nullopt);
     EXPECT_EQ(set_all(handler, {{10, {1}, unsigned_value(1)}}), SNMP_ERR_GENERR);
     // A cut name may be another file's.
     std::strcpy(get_acs_firmware_cache()->files[0].file_name, std::string(254, 'n').c_str());
@@ -133,6 +135,16 @@ TEST_F(FirmwareTablesTest, EditsParameterFiles) {
           std::string("versions-prio.txt"), std::string(300, 'x'), std::string()}) {
         EXPECT_EQ(set_all(handler, {{10, {name}, integer_value(4)}}), SNMP_ERR_GENERR) << name;
     }
+    // A SET that fails leaves the parameter files as they were.
+    const auto spec = read(image("b.bin.spec"));
+    const Change fails = {10, {"none.bin"}, integer_value(4)};
+    board.md5.clear();
+    EXPECT_EQ(set_all(handler, {{10, {"b.bin"}, integer_value(6)}, fails}), SNMP_ERR_GENERR);
+    EXPECT_EQ(read(image("b.bin.spec")), spec);
+    board.md5 = std::string(32, '1');
+    EXPECT_EQ(set_all(handler, {{10, {"a.bin"}, integer_value(4)}, fails}), SNMP_ERR_GENERR);
+    EXPECT_EQ(read(image("a.bin.spec")), std::nullopt);
+    EXPECT_EQ(walk(), (std::vector<IndexValues>{{"b.bin"}}));
     EXPECT_EQ(set_all(handler, {{10, {"b.bin"}, integer_value(6)}}), 0);
     EXPECT_FALSE(std::filesystem::exists(image("b.bin.spec")));
     EXPECT_TRUE(walk().empty());
@@ -317,15 +329,24 @@ TEST_F(FirmwareTablesTest, EditsTheRulesOfAutomaticUpdates) {
 
     EXPECT_EQ(set_all(handler, {{10, {"old"}, integer_value(6)}}), 0);
     EXPECT_EQ(read(path), head + "new|E2|2|g|immediate\n");
-    // The mode is global unless said; empty fields are taken, with a warning.
-    EXPECT_EQ(set_all(handler, {{10, {"bare"}, integer_value(4)}}), 0);
-    EXPECT_EQ(read(path), head + "new|E2|2|g|immediate\nbare||||global\n");
+    // A line with an empty field could not be read back.
+    EXPECT_EQ(set_all(handler, {{10, {"bare"}, integer_value(4)}}), SNMP_ERR_INCONSISTENTVALUE);
     EXPECT_EQ(board.log.back(),
-              "4 tarnONTAutoUpdateTable_module_handler : a rule with an empty field cannot be read back "
-              ": bare\n");
-    std::filesystem::create_directory(path + ".new");
-    EXPECT_EQ(set_all(handler, {{10, {"new"}, integer_value(6)}}), SNMP_ERR_COMMITFAILED);
-    EXPECT_EQ(read(path), head + "new|E2|2|g|immediate\nbare||||global\n");
+              "3 tarnONTAutoUpdateTable_module_handler : a rule with an empty field is refused : bare\n");
+    // The mode is global unless said. What the file does not take is not in the list either.
+    const std::vector<Change> whole = {{2, {"b"}, octets_value("E")},
+                                       {3, {"b"}, octets_value("3")},
+                                       {4, {"b"}, octets_value("h")},
+                                       {10, {"b"}, integer_value(4)}};
+    {
+        const FullDisk full;
+        EXPECT_EQ(set_all(handler, whole), SNMP_ERR_COMMITFAILED);
+        EXPECT_EQ(set_all(handler, {{10, {"new"}, integer_value(6)}}), SNMP_ERR_COMMITFAILED);
+    }
+    EXPECT_EQ(indices_of(tarnONTAutoUpdateTable_next_index, 16, {""}), (std::vector<IndexValues>{{"new"}}));
+    EXPECT_EQ(read(path), head + "new|E2|2|g|immediate\n");
+    EXPECT_EQ(set_all(handler, whole), 0);
+    EXPECT_EQ(read(path), head + "new|E2|2|g|immediate\nb|E|3|h|global\n");
 }
 
 // ---- Firmware of cards and of all their ONTs ----

@@ -26,6 +26,7 @@ constexpr Field fw_version =
 constexpr Field file_name = text_at(offsetof(AutoUpdateEntry, file_name), sizeof(AutoUpdateEntry::file_name));
 
 AutoUpdateEntry edited;
+AutoUpdateEntry removed;  // as it was, should the file not take its removal
 int row_status = no_row_status;
 
 void reset_edit() {
@@ -61,30 +62,59 @@ int set_row_status(Row &row, const Binding &value) {
     row_status = static_cast<int>(*value.val.integer);
     const bool exists = row.record != nullptr;
     if (row_status == destroy) {
-        return exists ? SNMP_ERR_NOERROR : SNMP_NOSUCHINSTANCE;
+        if (!exists) {
+            return SNMP_NOSUCHINSTANCE;
+        }
+        removed = *reinterpret_cast<const AutoUpdateEntry *>(row.record);
+        return SNMP_ERR_NOERROR;
     }
     return exists ? SNMP_ERR_INCONSISTENTNAME : SNMP_ERR_NOERROR;
 }
 
+// A file's line with an empty field cannot be read back.
+bool lacks_a_field(const AutoUpdateEntry &rule) {
+    return rule.equipment_id[0] == '\0' || rule.fw_version[0] == '\0' || rule.file_name[0] == '\0';
+}
+
+// What cannot be written does not stay in the list: the last rule was added at its end.
 int add_edited() {
-    for (const char *field : {edited.equipment_id, edited.fw_version, edited.file_name}) {
-        if (*field == '\0') {
-            log_add(log_warning, "%s : a rule with an empty field cannot be read back : %s\n",
-                    "tarnONTAutoUpdateTable_module_handler", edited.description);
-            break;
-        }
+    if (add_ont_autoupdate_entry(&edited) != 0) {
+        return -1;
     }
-    return add_ont_autoupdate_entry(&edited);
+    const int written = generate_ont_autoupdate_file();
+    if (written != 0) {
+        delete_ont_autoupdate_entry(edited.description);
+    }
+    return written;
+}
+
+// A rule that cannot be removed from the file is put back, at the end of the list.
+int delete_edited() {
+    if (delete_ont_autoupdate_entry(removed.description) != 0) {
+        return -1;
+    }
+    const int written = generate_ont_autoupdate_file();
+    if (written != 0) {
+        add_ont_autoupdate_entry(&removed);
+    }
+    return written;
 }
 
 // A request without a row status changes nothing.
 int commit(Row & /*row*/) {
     const int status = std::exchange(row_status, no_row_status);
-    if (status != destroy && status != create_and_go) {
-        return SNMP_ERR_NOERROR;
+    if (status == create_and_go) {
+        if (lacks_a_field(edited)) {
+            log_add(log_error, "%s : a rule with an empty field is refused : %s\n",
+                    "tarnONTAutoUpdateTable_module_handler", edited.description);
+            return SNMP_ERR_INCONSISTENTVALUE;
+        }
+        return add_edited() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
     }
-    const int changed = status == destroy ? delete_ont_autoupdate_entry(edited.description) : add_edited();
-    return changed == 0 && generate_ont_autoupdate_file() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
+    if (status == destroy) {
+        return delete_edited() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
+    }
+    return SNMP_ERR_NOERROR;
 }
 
 std::int64_t mode_of(const std::uint8_t *record) {

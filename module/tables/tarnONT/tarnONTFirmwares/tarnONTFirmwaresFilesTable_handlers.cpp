@@ -16,16 +16,20 @@ constexpr Field version = text_at(offsetof(AcsFirmwareFile, version), sizeof(Acs
 constexpr Field description =
     text_at(offsetof(AcsFirmwareFile, description), sizeof(AcsFirmwareFile::description));
 
-int remove_image(Row &row, const Binding &value) {
-    int error = SNMP_ERR_NOERROR;
-    if (*value.val.integer == 1) {
-        const auto &file = *reinterpret_cast<const AcsFirmwareFile *>(row.record);
-        if (may_be_cut(file) || hub_remove_cpe_firmware_file(std::string(listed_name(file)).c_str()) != 0) {
-            error = SNMP_ERR_GENERR;
-        }
+// The parameter file goes too: a later image of this name is another one.
+bool remove_with_specifics(const AcsFirmwareFile &file) {
+    const std::string name(listed_name(file));
+    if (may_be_cut(file) || hub_remove_cpe_firmware_file(name.c_str()) != 0) {
+        return false;
     }
+    return !specific_text(name).has_value() || delete_specific_file(name.c_str()) == 0;
+}
+
+int remove_image(Row &row, const Binding &value) {
+    const auto &file = *reinterpret_cast<const AcsFirmwareFile *>(row.record);
+    const bool failed = *value.val.integer == 1 && !remove_with_specifics(file);
     expire_files_list();
-    return error;
+    return failed ? SNMP_ERR_GENERR : SNMP_ERR_NOERROR;
 }
 
 constexpr Column columns[] = {

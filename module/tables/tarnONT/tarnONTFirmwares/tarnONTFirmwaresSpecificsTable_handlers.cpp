@@ -3,7 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "module/firmware/acs_firmware_operations.h"
 #include "module/tables/frame/table.h"
@@ -30,6 +32,7 @@ constexpr CommitSet empty_set = [] {
     return set;
 }();
 CommitSet files_to_commit = empty_set;
+bool edits_unwritten = false;  // the catalogue holds values that its files do not
 
 // The position of the first image of this name among the first `count`, or -1.
 int image_of_name(const AcsFirmwareCache &cache, std::string_view name, int count) {
@@ -105,16 +108,45 @@ int answer_name(Row &row, Binding *binding) {
     return SNMP_ERR_NOERROR;
 }
 
+// Parameter files that the running SET created or removed, as they were before.
+struct ChangedFile {
+    std::string image;
+    std::optional<std::string> before;
+};
+std::vector<ChangedFile> changed_files;
+
+void begin_set() {
+    reset_files_to_commit();
+    changed_files.clear();
+}
+
+// The catalogue, too, is read again: a refused value must not stay in it.
+void take_back() {
+    for (auto file = changed_files.rbegin(); file != changed_files.rend(); ++file) {
+        restore_specific_text(file->image, file->before);
+    }
+    if (edits_unwritten) {
+        expire_files_list();
+        edits_unwritten = false;
+    }
+    changed_files.clear();
+}
+
 int set_row_status(Row &row, const Binding &value) {
     const std::string name(row.text);
     const bool exists = row.record != nullptr;
     int result = 0;
     if (*value.val.integer == create_and_go && !exists) {
-        result = is_image_name(row.text) ? create_specific_file(name.c_str()) : -1;
+        if (!is_image_name(row.text)) {
+            return SNMP_ERR_GENERR;
+        }
+        changed_files.push_back({name, specific_text(name)});
+        result = create_specific_file(name.c_str());
     } else if (*value.val.integer == destroy) {
         if (!exists) {
             return SNMP_NOSUCHINSTANCE;
         }
+        changed_files.push_back({name, specific_text(name)});
         result = delete_specific_file(name.c_str());
     }
     return result == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
@@ -131,12 +163,18 @@ constexpr Column columns[] = {
 int remember_image(Row &row, const Column &column, const Binding & /*value*/) {
     if (column.number != row_status_column) {
         add_to_commit(std::string(row.text).c_str());
+        edits_unwritten = true;
     }
     return SNMP_ERR_NOERROR;
 }
 
 int commit(Row & /*row*/) {
-    return commit_files() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
+    if (commit_files() != 0) {
+        return SNMP_ERR_COMMITFAILED;
+    }
+    edits_unwritten = false;
+    changed_files.clear();
+    return SNMP_ERR_NOERROR;
 }
 
 constexpr Table table{
@@ -146,9 +184,10 @@ constexpr Table table{
     .find = find_row,
     .next = next_row,
     .reserve_needs_row = false,
-    .reserve2 = reset_files_to_commit,
+    .reserve2 = begin_set,
     .stage = remember_image,
     .commit = commit,
+    .drop = take_back,
 };
 
 }  // namespace

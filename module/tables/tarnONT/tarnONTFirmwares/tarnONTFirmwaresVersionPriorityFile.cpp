@@ -3,10 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "module/common/files.h"
+#include "module/common/log.h"
 #include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 
@@ -37,31 +40,25 @@ int get_text(Binding *binding) {
     return SNMP_ERR_NOERROR;
 }
 
-bool write_all(int file, std::string_view rest) {
-    while (!rest.empty()) {
-        const ssize_t count = write(file, rest.data(), rest.size());
-        if (count <= 0) {
-            return false;
-        }
-        rest.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
 int set_text(const Binding &value) {
-    const std::string_view written(reinterpret_cast<const char *>(value.val.string), value.val_len);
+    std::string written(reinterpret_cast<const char *>(value.val.string), value.val_len);
     std::copy(written.begin(), written.end(), text);
     text[written.size()] = '\0';
-    const int file = open(rooted(priority_file).c_str(),
-                          O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
-    if (file < 0) {
+    if (!written.ends_with('\n')) {
+        written += '\n';
+    }
+    const std::string path = rooted(priority_file);
+    const Written result = replace_file(path, written);
+    if (result != Written::whole) {
+        log_add(log_error, "%s : unable to write %s : %s\n", "handle_tarnONTFirmwaresVersionPriorityFile",
+                path.c_str(), std::strerror(errno));
+    }
+    if (result == Written::not_opened) {
         return SNMP_ERR_RESOURCEUNAVAILABLE;
     }
-    const bool whole = write_all(file, written) && (written.ends_with('\n') || write_all(file, "\n"));
-    close(file);
     // The partition is writable only as long as it must be. Elsewhere there is none to remount.
     static_cast<void>(std::system(remount));
-    return whole ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
+    return result == Written::whole ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
 }
 
 constexpr Scalar priority{
