@@ -40,11 +40,28 @@ class ControlSession : public std::enable_shared_from_this<ControlSession> {
             [self = shared_from_this(), then_close](const asio::error_code &error, std::size_t) {
                 if (self->control_.shutdown_requested()) {
                     self->stop_();
-                } else if (!error && !then_close) {
+                } else if (!error && then_close) {
+                    self->discard_rest();
+                } else if (!error) {
                     self->read_line();
                 }
             });
     }
+
+    // The client may still be writing: closing now would break its connection before it reads the answer.
+    void discard_rest() {
+        asio::error_code ignored;
+        socket_.shutdown(Socket::shutdown_send, ignored);
+        input_.consume(input_.size());
+        socket_.async_read_some(input_.prepare(discarded_at_once),
+                                [self = shared_from_this()](const asio::error_code &error, std::size_t) {
+                                    if (!error) {
+                                        self->discard_rest();
+                                    }
+                                });
+    }
+
+    static constexpr std::size_t discarded_at_once = 4096;
 
     Socket socket_;
     asio::streambuf input_;

@@ -8,10 +8,12 @@ from programs import PATIENCE, SOURCE, free_port
 
 
 def test_demo():
-    demo = subprocess.run([SOURCE / "scripts/run", "--demo", "--port", str(free_port())],
+    port = free_port()
+    demo = subprocess.run([SOURCE / "scripts/run", "--demo", "--port", str(port)],
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                           check=False)
     assert demo.returncode == 0, demo.stdout + demo.stderr
+    assert (SOURCE / f"build/run-{port}/agent.conf").stat().st_mode & 0o777 == 0o600
     ready = [line for line in demo.stdout.splitlines() if line.startswith("ready")]
     assert len(ready) == 1
     for command in ("snmpwalk", "snmptable", "snmpset"):
