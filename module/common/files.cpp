@@ -13,12 +13,13 @@ namespace tarn {
 
 namespace {
 
+// Never destroyed: a download's thread may still ask for it while the process ends.
 const std::string &root() {
-    static const std::string directory = [] {
+    static const auto *directory = [] {
         const char *named = std::getenv("TARN_ROOT");
-        return std::string(named != nullptr ? named : "");
+        return new std::string(named != nullptr ? named : "");
     }();
-    return directory;
+    return *directory;
 }
 
 // Closes without touching errno.
