@@ -75,6 +75,9 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
         error = "net-snmp takes no more descriptors";
         return nullptr;
     }
+    // What finishes while a request is served raises no event of its own.
+    host->ipc_.on_finished([ipc = &host->ipc_](const Exchange &) { ipc->wake(); });
+    set_manager_requests(&host->requests_);
     host->alarm_ = snmp_alarm_register(link_check_seconds, SA_REPEAT, link_alarm, host.get());
     return host;
 }
@@ -83,6 +86,7 @@ bool Host::open_control(const HostConfig &config, std::string &error) {
     commands_ = std::make_unique<ControlCommands>(*module_, *slots_, config.confirm_time, [this] {
         cache_.clear();
         expire_cached_data();
+        requests_.forget_answers();
     });
     control_ = ControlSocket::open(
         config.control, [this](const std::string &line) { return commands_->answer(line); }, error);
@@ -105,8 +109,15 @@ void Host::pass_rules_on() {
 }
 
 void Host::board_ready(int /*descriptor*/, void *host) {
-    static_cast<Host *>(host)->ipc_.process();
-    static_cast<Host *>(host)->follow_links();
+    static_cast<Host *>(host)->serve_board();
+}
+
+void Host::serve_board() {
+    ipc_.process();
+    if (requests_.serve_ready()) {
+        ipc_.wake();
+    }
+    follow_links();
 }
 
 void Host::link_alarm(unsigned /*alarm*/, void *host) {
@@ -122,6 +133,7 @@ void Host::link_alarm(unsigned /*alarm*/, void *host) {
 }
 
 void Host::stop() {
+    set_manager_requests(nullptr);
     control_.reset();
     (void)unregister_readfd(ipc_.descriptor());
     if (alarm_ != 0) {

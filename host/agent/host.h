@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/agent/manager_requests.h"
 #include "host/board/chassis_address.h"
 #include "host/board/ipc_client.h"
 #include "host/board/slots.h"
@@ -52,15 +53,18 @@ class Host {
     [[nodiscard]] std::size_t tables() const { return tables_.size(); }
 
   private:
-    explicit Host(const HostConfig &config) : ipc_(config.chassis, config.hold), cache_(config.row_budget) {}
+    explicit Host(const HostConfig &config)
+        : ipc_(config.chassis, config.hold), requests_(ipc_), cache_(config.row_budget) {}
     bool open_control(const HostConfig &config, std::string &error);
     void follow_links();
     void pass_rules_on();
+    void serve_board();
     static void board_ready(int descriptor, void *host);
     static void link_alarm(unsigned alarm, void *host);
 
     std::unique_ptr<Module> module_;
     IpcClient ipc_;
+    ManagerRequests requests_;
     RowCache cache_;
     SetGuard guard_;
     std::unique_ptr<Slots> slots_;

@@ -25,6 +25,12 @@ extern "C" int hosts_ctl(char * /*daemon*/, char * /*client_name*/, char * /*cli
     return 1;
 }
 
+// Stands in front of net-snmp's function of this name: its sessions pass on here what they received.
+extern "C" int handle_snmp_packet(int operation, netsnmp_session *session, int reqid, netsnmp_pdu *pdu,
+                                  void *magic) {
+    return tarn::host::take_packet(operation, session, reqid, pdu, magic);
+}
+
 namespace {
 
 using namespace tarn::host;

@@ -73,6 +73,8 @@ class IpcClient {
     [[nodiscard]] int descriptor() const { return events_; }
     // Never blocks.
     void process();
+    // Makes the descriptor readable.
+    void wake() { watch_deadline(std::chrono::steady_clock::now()); }
     // Called inside process() when an exchange is finished.
     void on_finished(std::function<void(const Exchange &)> listener) { listener_ = std::move(listener); }
 

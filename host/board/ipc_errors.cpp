@@ -24,6 +24,7 @@ constexpr std::array error_texts = {
     ErrorText{ipc_result::bad_request, "request with an impossible slot or length"},
     ErrorText{ipc_result::no_memory, "no memory for the answer"},
     ErrorText{ipc_result::no_card, "no card in the slot"},
+    ErrorText{ipc_result::not_yet, "answer still under way"},
     ErrorText{status::success, "success"},
     ErrorText{status::not_available, "not available"},
     ErrorText{status::malformed, "malformed request"},

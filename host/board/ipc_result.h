@@ -13,6 +13,7 @@ inline constexpr int on_hold = -5;      // the card let requests time out and is
 inline constexpr int bad_request = -6;  // the request's slot or length is impossible; nothing was sent
 inline constexpr int no_memory = -7;
 inline constexpr int no_card = -8;  // the chassis has no card in the slot
+inline constexpr int not_yet = -9;  // no failure: what was served so far is thrown away and served again
 
 }  // namespace tarn::host::ipc_result
 

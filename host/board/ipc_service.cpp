@@ -2,12 +2,25 @@
 #include "host/services/agent_thread.h"
 #include "host/board/ipc_client.h"
 #include "host/board/ipc_result.h"
+#include "host/board/pass.h"
 #include "tarn/host_services.h"
 
 namespace tarn::host {
 namespace {
 
 IpcClient *the_client = nullptr;
+
+int send_from_agent(const std::uint8_t *bytes, std::uint8_t **answer, int timeout_ms) {
+    Pass *pass = Pass::current();
+    const auto length = static_cast<std::size_t>(load_integer(bytes, board_header::length));
+    const bool possible = length >= board_header::size && length <= max_message_size;
+    const int result = pass != nullptr && possible ? pass->request({bytes, length}, answer, timeout_ms)
+                                                   : the_client->send_request(bytes, answer, timeout_ms);
+    if (result < 0) {
+        note_failed_request();
+    }
+    return result;
+}
 
 }  // namespace
 
@@ -28,7 +41,7 @@ int ipcSendRequest(void *request, void **answer, int timeout_ms) {
     std::uint8_t *block = nullptr;
     int result = 0;
     if (is_agent_thread()) {
-        result = the_client->send_request(bytes, &block, timeout_ms);
+        result = send_from_agent(bytes, &block, timeout_ms);
     } else {
         // The agent's connections belong to its thread.
         result = IpcClient(the_client->address(), {}).send_request(bytes, &block, timeout_ms);

@@ -1,6 +1,10 @@
 #include "host/services/cache_clock.h"
 
+#include <algorithm>
 #include <ctime>
+#include <iterator>
+#include <utility>
+#include <vector>
 
 #include "tarn/host_services.h"
 
@@ -9,7 +13,7 @@ namespace {
 
 constexpr std::int64_t nanoseconds_per_second = 1'000'000'000;
 
-std::int64_t monotonic_time() {
+std::int64_t system_time() {
     timespec now{};
     (void)clock_gettime(CLOCK_MONOTONIC, &now);
     return now.tv_sec * nanoseconds_per_second + now.tv_nsec;
@@ -17,13 +21,23 @@ std::int64_t monotonic_time() {
 
 int standard_period = 20;
 std::int64_t expired_at = 0;  // stamps up to here are stale
-std::int64_t (*clock_source)() = monotonic_time;
+std::int64_t (*clock_source)() = system_time;
 
 // Of the PDU that was served last. Only the agent's thread serves PDUs; another thread never sees these.
 thread_local bool stopped = false;
 thread_local bool any_transaction = false;
 thread_local long last_transaction = 0;
 thread_local std::int64_t stopped_at = 0;
+
+// Spans of time in ascending order. A few thousand are kept apart; beyond, neighbours are joined: a section that
+// is distrusted without need is only read again.
+std::vector<std::pair<std::int64_t, std::int64_t>> distrusted;
+constexpr std::size_t most_spans = 4096;
+
+bool is_distrusted(std::int64_t stamp) {
+    const auto next = std::ranges::upper_bound(distrusted, stamp, {}, [](const auto &span) { return span.first; });
+    return next != distrusted.begin() && stamp <= std::prev(next)->second;
+}
 
 }  // namespace
 
@@ -34,8 +48,22 @@ int cache_period() {
     return standard_period;
 }
 void set_clock_source(std::int64_t (*source)()) {
-    clock_source = source == nullptr ? monotonic_time : source;
+    clock_source = source == nullptr ? system_time : source;
     expired_at = 0;
+}
+
+std::int64_t monotonic_time() {
+    return clock_source();
+}
+
+void distrust_stamps(std::int64_t from, std::int64_t to) {
+    if (distrusted.size() == most_spans) {
+        for (std::size_t i = 0; i < most_spans / 2; ++i) {
+            distrusted[i] = {distrusted[2 * i].first, distrusted[2 * i + 1].second};
+        }
+        distrusted.resize(most_spans / 2);
+    }
+    distrusted.emplace_back(from, to);
 }
 
 void expire_cached_data() {
@@ -66,6 +94,9 @@ using namespace tarn::host;
 int check_cache_custom_period(long seconds, long nanoseconds, int period_seconds) {
     const std::int64_t stamp = seconds * nanoseconds_per_second + nanoseconds;
     if (period_seconds <= 0 || stamp <= expired_at) {  // a zero stamp is always stale
+        return 1;
+    }
+    if (is_distrusted(stamp)) {
         return 1;
     }
     return agent_time() - stamp >= period_seconds * nanoseconds_per_second ? 1 : 0;

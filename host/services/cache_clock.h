@@ -17,6 +17,12 @@ void expire_cached_data();
 // Monotonic time in nanoseconds; while a PDU is served, the time at which its serving began.
 std::int64_t agent_time();
 
+// Monotonic time in nanoseconds, whatever is served.
+std::int64_t monotonic_time();
+
+// Sections that were stamped between the two times count as expired: what they should hold was not there.
+void distrust_stamps(std::int64_t from, std::int64_t to);
+
 // Stops the clock for the time that part of a PDU is served. Parts of one PDU (its phases, its tables) have
 // the same transaction number and see the same time.
 class PduClock {

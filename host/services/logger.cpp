@@ -12,6 +12,7 @@
 #include <iterator>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "host/services/agent_thread.h"
 
@@ -129,7 +130,26 @@ void write_line(int level, std::string line) {
     place = {std::move(line), level, 0, now};
 }
 
+// What a LogHold keeps back; only the agent's thread uses them.
+bool holding = false;
+std::vector<std::pair<int, std::string>> held_lines;
+
 }  // namespace
+
+LogHold::LogHold() {
+    holding = true;
+}
+
+LogHold::~LogHold() {
+    holding = false;
+    for (auto &[level, line] : std::exchange(held_lines, {})) {
+        write_line(level, std::move(line));
+    }
+}
+
+void LogHold::drop() {
+    held_lines.clear();
+}
 
 void flush_log() {
     const std::lock_guard lock(last_lines_mutex);
@@ -218,7 +238,9 @@ void log_add(int level, const char *format, ...) {
     va_start(arguments, format);
     std::string line = printable(format_message(format, arguments));
     va_end(arguments);
-    if (is_agent_thread()) {
+    if (is_agent_thread() && holding && level <= log_level::error) {
+        held_lines.emplace_back(level, std::move(line));
+    } else if (is_agent_thread()) {
         write_line(level, std::move(line));
     } else {
         leave_for_agent([level, line = std::move(line)] { write_line(level, line); });

@@ -36,6 +36,17 @@ void flush_log();
 // Writes the counts whose time is over; to be called once a second.
 void write_due_repeats(std::chrono::steady_clock::time_point now);
 
+// While it lives, errors of the agent's thread are kept back; at its end they are written unless they were
+// dropped.
+class LogHold {
+  public:
+    LogHold();
+    ~LogHold();
+    LogHold(const LogHold &) = delete;
+    LogHold &operator=(const LogHold &) = delete;
+    void drop();
+};
+
 // The text without its last line end, each other control byte replaced by '?': a text that came from a
 // manager or a card can neither forge a line nor command a terminal.
 std::string printable(std::string_view text);

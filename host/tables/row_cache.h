@@ -18,14 +18,17 @@ class RowCache {
     explicit RowCache(std::size_t row_budget) : row_budget_(row_budget) {}
 
     // The index of a table, known by its address, in a slot. It is built anew when there is none or when it
-    // is older than the cache period, but not twice for one transaction.
+    // is older than the cache period, but not twice for one transaction. When a card does not answer, an index
+    // that had more rows stays.
     std::shared_ptr<const RowIndex> get(const void *table, int slot, long transaction,
                                         const std::function<RowIndex()> &build);
     // The same, built anew unless this transaction built it: before a SET, the module must hold fresh rows.
     std::shared_ptr<const RowIndex> renew(const void *table, int slot, long transaction,
                                           const std::function<RowIndex()> &build);
 
-    // After a SET or a change of slots.
+    // After a SET: all are built anew.
+    void expire();
+    // After a change of slots: nothing of what was there holds any more.
     void clear();
 
   private:
@@ -34,6 +37,7 @@ class RowCache {
         std::int64_t built_at;
         long transaction;
         std::uint64_t last_use;
+        bool expired;
     };
     using Key = std::pair<const void *, int>;
 

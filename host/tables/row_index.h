@@ -14,6 +14,13 @@ namespace tarn::host {
 // since a table may have hundreds of thousands of rows a slot.
 class RowIndex {
   public:
+    enum class Origin {
+        card,     // all that was asked for was answered
+        failure,  // a card did not answer: there may be more
+        nothing,  // what was asked for is still under way
+    };
+    Origin origin = Origin::card;
+
     [[nodiscard]] std::size_t size() const { return rows_.size(); }
     [[nodiscard]] std::span<const std::uint32_t> suffix(std::size_t row) const {
         return {subids_.data() + offsets_[row], offsets_[row + 1] - offsets_[row]};

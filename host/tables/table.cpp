@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "host/board/pass.h"
 #include "host/services/cache_clock.h"
 #include "host/tables/table_set.h"
 #include "host/tables/table_walk.h"
@@ -43,8 +44,26 @@ const std::vector<int> &Table::slots() const {
 }
 
 std::shared_ptr<const RowIndex> Table::rows(int slot, long transaction, bool fresh) {
-    const auto build = [this, slot] { return source_.enumerate(slot); };
+    const auto build = [this, slot] { return enumerate(slot); };
     return fresh ? cache_.renew(this, slot, transaction, build) : cache_.get(this, slot, transaction, build);
+}
+
+RowIndex Table::enumerate(int slot) {
+    Pass *pass = Pass::current();
+    RowIndex rows;
+    if (pass != nullptr && !pass->may_touch(slot)) {
+        rows.origin = RowIndex::Origin::nothing;
+        return rows;
+    }
+    const std::uint64_t failures = failed_requests();
+    rows = source_.enumerate(slot);
+    // Once a pass had to leave something out, what the module shows may be what it could not fill.
+    if (pass != nullptr && pass->omissions() > 0) {
+        rows.origin = RowIndex::Origin::nothing;
+    } else if (failed_requests() != failures) {
+        rows.origin = RowIndex::Origin::failure;
+    }
+    return rows;
 }
 
 const Column *Table::column_of(std::span<const oid> name) const {
@@ -87,6 +106,9 @@ NameForm Table::parse(std::span<const oid> name, Instance &instance) {
 
 int Table::call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request,
                 const Instance &instance) {
+    if (Pass *pass = Pass::current(); pass != nullptr && !pass->may_touch(instance.slot)) {
+        return SNMP_ERR_GENERR;
+    }
     netsnmp_request_info single = *request;
     single.next = nullptr;
     single.prev = nullptr;
@@ -127,6 +149,10 @@ void Table::get(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *reque
     if (is_iterator()) {
         // A row that does not exist goes to the module without data: what that means is the table's.
         const auto index = rows(instance.slot, reqinfo->asp->pdu->transid);
+        if (index->origin == RowIndex::Origin::nothing) {
+            (void)netsnmp_request_set_error(request, SNMP_ERR_GENERR);
+            return;
+        }
         const std::size_t row = index->find(instance.suffix);
         instance.row = row < index->size() ? index->data(row) : nullptr;
     }
@@ -159,7 +185,7 @@ void Table::serve(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *req
             set_table(*this, reqinfo, requests);
             if (reqinfo->mode == MODE_SET_COMMIT || reqinfo->mode == MODE_SET_UNDO ||
                 reqinfo->mode == MODE_SET_FREE) {
-                cache_.clear();
+                cache_.expire();
             }
             break;
     }

@@ -55,6 +55,7 @@ class Table {
              const Instance &instance);
 
   private:
+    RowIndex enumerate(int slot);
     void get(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request);
 
     TableSchema schema_;

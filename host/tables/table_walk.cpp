@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 
+#include "host/board/pass.h"
 #include "host/tables/answer_size.h"
 
 namespace tarn::host {
@@ -41,6 +42,10 @@ bool is_value(const netsnmp_variable_list *binding) {
         default:
             return true;
     }
+}
+
+int omissions_of_pass() {
+    return Pass::current() != nullptr ? Pass::current()->omissions() : 0;
 }
 
 // A place in the table: instances go column by column, slot by slot, row by row.
@@ -79,12 +84,16 @@ class Walk {
     // The place of the first instance behind the OID, or at it when `inclusive`.
     Cursor find(std::span<const oid> name, bool inclusive);
 
+    // Whether a slot's rows are still on their way: there is nothing to answer with beyond.
+    [[nodiscard]] bool is_stuck() const { return stuck_; }
+
     // Answers with the first value at or behind the cursor and moves the cursor behind it. False, and the
     // request as it was, when there is none.
     bool answer(netsnmp_request_info *request, Cursor &cursor);
 
   private:
     bool settle(Cursor &cursor);
+    void look_up_rows(Cursor &cursor);
 
     Table &table_;
     const TableSchema &schema_;
@@ -96,6 +105,7 @@ class Walk {
     std::vector<Visibility> column_visibility_;
     std::array<oid, MAX_OID_LEN> name_{};
     Instance instance_;
+    bool stuck_ = false;
     std::vector<oid> asked_;  // the OID of the request that is being answered
 };
 
@@ -133,9 +143,17 @@ Cursor Walk::find(std::span<const oid> name, bool inclusive) {
             return cursor;
         }
     }
-    cursor.rows = table_.rows(slots_[cursor.slot], transaction_);
+    look_up_rows(cursor);
     cursor.row = inclusive ? cursor.rows->lower_bound(suffix) : cursor.rows->upper_bound(suffix);
     return cursor;
+}
+
+void Walk::look_up_rows(Cursor &cursor) {
+    cursor.rows = table_.rows(slots_[cursor.slot], transaction_);
+    if (cursor.rows->origin == RowIndex::Origin::nothing) {
+        stuck_ = true;
+        cursor.at_end = true;
+    }
 }
 
 // Moves the cursor to an instance that exists; false at the table's end.
@@ -147,7 +165,8 @@ bool Walk::settle(Cursor &cursor) {
             cursor = Cursor{.column = cursor.column + 1};
         } else {
             if (cursor.rows == nullptr) {
-                cursor.rows = table_.rows(slots_[cursor.slot], transaction_);
+                look_up_rows(cursor);
+                continue;
             }
             if (cursor.row < cursor.rows->size()) {
                 return true;
@@ -181,8 +200,15 @@ bool Walk::answer(netsnmp_request_info *request, Cursor &cursor) {
         if (binding->type != ASN_NULL) {
             (void)snmp_set_var_typed_value(binding, ASN_NULL, nullptr, 0);
         }
+        const int omissions = omissions_of_pass();
+        const int code = table_.call(MODE_GET, reqinfo_, request, instance_);
+        if (omissions_of_pass() != omissions) {
+            // Stands for the value that is on its way, so that the walk asks for the following ones too.
+            (void)snmp_set_var_typed_integer(binding, ASN_INTEGER, 0);
+            return true;
+        }
         // A row without a value, or whose value cannot be had, is no reason to end the walk.
-        if (table_.call(MODE_GET, reqinfo_, request, instance_) == SNMP_ERR_NOERROR && is_value(binding)) {
+        if (code == SNMP_ERR_NOERROR && is_value(binding)) {
             return true;
         }
     }
@@ -214,7 +240,15 @@ void walk_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_reque
         more = false;
         std::size_t i = 0;
         for (auto *request = requests; request != nullptr; request = request->next, ++i) {
-            if (cursors[i].at_end || !wants_answer(request) || !walk.answer(request, cursors[i])) {
+            if (!wants_answer(request)) {
+                continue;
+            }
+            if (cursors[i].at_end || !walk.answer(request, cursors[i])) {
+                if (walk.is_stuck()) {
+                    // Ends the pass, or net-snmp would look for an answer in the next table.
+                    (void)netsnmp_set_request_error(reqinfo, request, SNMP_ERR_GENERR);
+                    return;
+                }
                 continue;
             }
             if (bulk && !size->add(request)) {
