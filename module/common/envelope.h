@@ -2,8 +2,8 @@
 #ifndef TARN_MODULE_COMMON_ENVELOPE_H
 #define TARN_MODULE_COMMON_ENVELOPE_H
 
+#include "module/common/exports.h"
 #include "module/common/request.h"
-#include "module/exports.h"
 
 // Each stamps slot and release into the request's header, sends it and returns the answer, which the caller
 // frees with bfree, or null. Failures are logged here, once, under the operation's name. The time-out is in

@@ -1,7 +1,7 @@
 #include "module/config/alarms_config.h"
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "module/store/cached_query.h"
 #include "wire/records/network.h"
 
 using namespace tarn;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // The cached 801-byte configuration (see alarms_config), which the host edits in place; null without the
 // profiles database.

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "module/store/cached_query.h"
 #include "wire/records/config_image.h"
 
 using namespace tarn;

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "module/common/cache.h"
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // Allocates the buffer (1,821,429 bytes) unless it is there.
 TARN_EXPORT void init_config_buffer(void);

@@ -1,8 +1,8 @@
 #include "module/config/network_config.h"
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
 #include "module/config/config_buffer.h"
+#include "module/store/cached_query.h"
 #include "wire/records/config_image.h"
 #include "wire/records/network.h"
 

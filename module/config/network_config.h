@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // The slot's block; null without a database.
 TARN_EXPORT std::uint8_t *get_gpon_network_cfg(int slot);

@@ -1,6 +1,6 @@
 #include "module/config/olt_channel_config.h"
 
-#include "module/common/cached_query.h"
+#include "module/store/cached_query.h"
 #include "wire/records/channel.h"
 
 using namespace tarn;

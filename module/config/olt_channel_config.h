@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // The channel's 97-byte record (see olt_channel_config) in the slot database; null for a slot without a
 // database or a channel outside 0-7. Without an answer the old record is returned and the next call asks

@@ -1,6 +1,6 @@
 #include "module/config/olt_config.h"
 
-#include "module/common/cached_query.h"
+#include "module/store/cached_query.h"
 #include "wire/records/olt.h"
 
 using namespace tarn;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // The slot's 9,510-byte record with its hold flag (olt_config::hold) behind it; while the flag is not 0 the
 // record is not refreshed. Null without a database.

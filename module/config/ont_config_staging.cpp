@@ -4,10 +4,10 @@
 #include <array>
 #include <cstring>
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
 #include "module/common/serial.h"
 #include "module/config/ont_config_store.h"
+#include "module/store/cached_query.h"
 #include "wire/records/ont.h"
 #include "wire/records/ont_config.h"
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // Stages the record with this serial, or with `create` non-zero a new one where there is none. 0 also when it
 // is staged already; -1 when there is no such record or another ONT (of another slot, too) is staged, for the

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <numeric>
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
 #include "module/common/serial.h"
 #include "module/config/config_buffer.h"
+#include "module/store/cached_query.h"
 #include "wire/defaults.h"
 #include "wire/records/channel.h"
 #include "wire/records/config_image.h"

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "module/common/slot_management_db.h"
-#include "module/exports.h"
+#include "module/common/exports.h"
+#include "module/store/slot_database.h"
 #include "wire/records/ont_config.h"
 
 // The slot's records in store order, refreshed from its image when they have expired. Null for a slot

@@ -1,6 +1,6 @@
 #include "module/config/ont_reconfigure.h"
 
-#include "module/common/cached_query.h"
+#include "module/store/cached_query.h"
 #include "wire/records/ont.h"
 
 using namespace tarn;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // 0 when the card answered, -1 otherwise; the serial is 8 bytes.
 TARN_EXPORT int reconfigure_ont(int slot, const std::uint8_t *serial);

@@ -1,7 +1,7 @@
 #include "module/config/ont_templates.h"
 
-#include "module/common/cached_query.h"
 #include "module/config/config_buffer.h"
+#include "module/store/cached_query.h"
 #include "wire/records/config_image.h"
 #include "wire/records/template.h"
 

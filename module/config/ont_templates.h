@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // The templates, refreshed from the profile store's image when they have expired; null without the profiles
 // database.

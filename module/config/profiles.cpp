@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "module/common/cached_query.h"
+#include "module/store/cached_query.h"
 #include "wire/defaults.h"
 #include "wire/records/profile.h"
 

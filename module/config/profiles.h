@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "module/config/commit_set.h"
-#include "module/exports.h"
+#include "module/common/exports.h"
+#include "module/store/commit_set.h"
 #include "wire/records/profile.h"
 
 // For each kind K, with an index of 0 up to the kind's number of profiles:

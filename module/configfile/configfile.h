@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 #define TARN_NULL_ENDS_LIST __attribute__((sentinel))
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 #include "tarn/firmware_records.h"
 
 TARN_EXPORT void init_acs_firmware_operations_manual(void);

@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 enum GTrafficDirection_enum : std::uint16_t {
     GPON_DIRECTION_UPLINK = 0,

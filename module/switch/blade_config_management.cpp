@@ -1,6 +1,6 @@
 #include "module/switch/blade_config_management.h"
 
-#include "module/common/cached_query.h"
+#include "module/store/cached_query.h"
 
 using namespace tarn;
 

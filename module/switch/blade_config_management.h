@@ -2,7 +2,7 @@
 #ifndef TARN_MODULE_SWITCH_BLADE_CONFIG_MANAGEMENT_H
 #define TARN_MODULE_SWITCH_BLADE_CONFIG_MANAGEMENT_H
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // Each sends one request to the slot (modulo 256): 0, or -1 without an answer.
 TARN_EXPORT int slot_lib_set_commit_change(int slot);

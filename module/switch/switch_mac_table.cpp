@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "module/store/cached_query.h"
 #include "wire/records/switch.h"
 
 using namespace tarn;

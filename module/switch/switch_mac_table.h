@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <span>
 
-#include "module/common/slot_management_db.h"
-#include "module/exports.h"
+#include "module/common/exports.h"
+#include "module/store/slot_database.h"
 #include "wire/records/switch.h"
 
 // An entry as the card sends it (see switch_mac).
@@ -24,10 +24,6 @@ TARN_EXPORT std::uint8_t *get_switch_mac_table(int slot);
 TARN_EXPORT char *get_raw_switch_mac_table(int slot);
 // Negative, 0 or positive as a stands before, with or behind b: by VLAN, then by MAC address.
 TARN_EXPORT int switch_mac_list_t_comparator(switch_mac_list_t a, switch_mac_list_t b);
-
-// Fill the table with samples for trials; called by nothing.
-TARN_EXPORT void emulate_mac_table(int slot);
-TARN_EXPORT void fake_switch_mac_table(int slot);
 
 namespace tarn {
 

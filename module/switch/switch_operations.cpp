@@ -1,7 +1,7 @@
 #include "module/switch/switch_operations.h"
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "module/store/cached_query.h"
 #include "wire/records/switch.h"
 
 using namespace tarn;

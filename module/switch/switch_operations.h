@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 #include "tarn/host_services.h"
 
 TARN_EXPORT std::uint8_t *get_switch_general_cfg(int slot);

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // Which of the ports 0-12 a card has (1) and has not (0).
 extern "C" {

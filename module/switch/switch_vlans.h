@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 // The lists (see vlan_list) in the slot database; null for a slot without one. The configured list holds
 // board VLAN numbers, identifiers minus 1; the operational one is presented as it stands.

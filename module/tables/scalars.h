@@ -2,7 +2,7 @@
 #ifndef TARN_MODULE_TABLES_SCALARS_H
 #define TARN_MODULE_TABLES_SCALARS_H
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 
 TARN_EXPORT void init_tarnONTFirmwareUpdateViaOMCI_manual(void);
 TARN_EXPORT void deinit_tarnONTFirmwareUpdateViaOMCI_manual(void);

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "module/common/common.h"
-#include "module/common/operations/auto_update.h"
-#include "module/common/slot_management_db.h"
+#include "module/operations/auto_update.h"
+#include "module/start/start.h"
+#include "module/store/slot_database.h"
 #include "support/scripted_board.h"
 
 namespace {

@@ -3,7 +3,6 @@
 // the payload of every profile answer.
 #include <zlib.h>
 
-#include "module/common/common.h"
 #include "module/config/alarms_config.h"
 #include "module/config/config_buffer.h"
 #include "module/config/network_config.h"
@@ -11,6 +10,7 @@
 #include "module/config/ont_config_store.h"
 #include "module/config/ont_templates.h"
 #include "module/config/profiles.h"
+#include "module/start/start.h"
 #include "support/config_image.h"
 #include "support/snmp_calls.h"
 

@@ -1,8 +1,8 @@
 // Whatever a card answers about its ONTs and their counters, the ONT, OLT and performance-monitoring tables
 // stay inside their memory and their finders come to an end. The input is the identifier of a GETNEXT (first
 // byte its length, then one byte a sub-identifier) and the payload of every answer.
-#include "module/common/common.h"
-#include "module/common/slot_management_db.h"
+#include "module/start/start.h"
+#include "module/store/slot_database.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
 

@@ -1,5 +1,5 @@
 // Whatever a card says of its scheduled updates, the table stays inside its memory.
-#include "module/common/common.h"
+#include "module/start/start.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
 

@@ -1,11 +1,11 @@
 // Whatever a card answers, the state queries and the tables on top of them stay inside their memory. The
 // input is the identifier of a GETNEXT (first byte its length, then one byte a sub-identifier) and the
 // payload of every answer.
-#include "module/common/common.h"
-#include "module/common/operations/address_table.h"
-#include "module/common/operations/channel_queries.h"
-#include "module/common/operations/ont_queries.h"
-#include "module/common/operations/sessions.h"
+#include "module/operations/address_table.h"
+#include "module/operations/channel_queries.h"
+#include "module/operations/ont_queries.h"
+#include "module/operations/sessions.h"
+#include "module/start/start.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
 

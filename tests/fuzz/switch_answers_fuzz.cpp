@@ -1,7 +1,7 @@
 // Whatever a card answers about its switch, the requests and the tables on top of them stay inside their
 // memory. The input is the identifier of a GETNEXT (first byte its length, then one byte a sub-identifier),
 // and the payload of every answer.
-#include "module/common/common.h"
+#include "module/start/start.h"
 #include "module/switch/switch_mac_table.h"
 #include "module/switch/switch_operations.h"
 #include "module/switch/switch_vlans.h"

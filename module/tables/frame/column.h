@@ -3,7 +3,7 @@
 #ifndef TARN_MODULE_TABLES_FRAME_COLUMN_H
 #define TARN_MODULE_TABLES_FRAME_COLUMN_H
 
-#include "module/common/common.h"
+#include "module/common/truth_value.h"
 #include "module/tables/frame/row.h"
 #include "module/tables/frame/row_status.h"
 #include "wire/record.h"

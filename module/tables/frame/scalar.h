@@ -7,7 +7,7 @@
 
 #include <array>
 
-#include "module/exports.h"
+#include "module/common/exports.h"
 #include "module/tables/frame/column.h"
 #include "tarn/module_api.h"
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "module/common/cached_query.h"
 #include "module/common/log.h"
+#include "module/store/cached_query.h"
 
 namespace tarn {
 

@@ -6,7 +6,7 @@
 #define TARN_MODULE_TABLES_FRAME_TABLE_H
 
 #include "module/common/cache.h"
-#include "module/exports.h"
+#include "module/common/exports.h"
 #include "module/tables/frame/column.h"
 #include "module/tables/frame/index.h"
 #include "module/tables/frame/well_formed.h"

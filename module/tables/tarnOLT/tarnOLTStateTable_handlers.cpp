@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <string>
 
-#include "module/common/operations/board_actions.h"
-#include "module/common/operations/channel_queries.h"
+#include "module/operations/board_actions.h"
+#include "module/operations/channel_queries.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/olt.h"
 

@@ -1,5 +1,5 @@
 // A trigger to update a line card's own firmware.
-#include "module/common/operations/firmware_update.h"
+#include "module/operations/firmware_update.h"
 #include "module/tables/slot_trigger_table.h"
 
 static constexpr tarn::Table table =

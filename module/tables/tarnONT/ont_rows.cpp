@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <climits>
 
-#include "module/common/operations/ont_queries.h"
+#include "module/operations/ont_queries.h"
 #include "wire/records/ont.h"
 
 namespace tarn {

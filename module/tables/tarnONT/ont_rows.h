@@ -2,7 +2,7 @@
 #ifndef TARN_MODULE_TABLES_TARNONT_ONT_ROWS_H
 #define TARN_MODULE_TABLES_TARNONT_ONT_ROWS_H
 
-#include "module/common/slot_management_db.h"
+#include "module/store/slot_database.h"
 #include "module/tables/frame/table.h"
 
 namespace tarn {

@@ -3,8 +3,8 @@
 #ifndef TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
 #define TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
 
-#include "module/common/slot_management_db.h"
 #include "module/config/ont_templates.h"
+#include "module/store/slot_database.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/template.h"
 

@@ -3,8 +3,8 @@
 #ifndef TARN_MODULE_TABLES_TARNONT_PROFILE_ROWS_H
 #define TARN_MODULE_TABLES_TARNONT_PROFILE_ROWS_H
 
-#include "module/common/slot_management_db.h"
 #include "module/config/profiles.h"
+#include "module/store/slot_database.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/profile.h"
 

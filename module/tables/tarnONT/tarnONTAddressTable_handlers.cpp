@@ -2,7 +2,7 @@
 // position in that order.
 #include <algorithm>
 
-#include "module/common/operations/address_table.h"
+#include "module/operations/address_table.h"
 #include "module/tables/tarnONT/ont_rows.h"
 #include "wire/records/address.h"
 

@@ -7,8 +7,8 @@
 #include <ctime>
 
 #include "module/common/log.h"
-#include "module/common/operations/ont_connections.h"
 #include "module/config/ont_config_store.h"
+#include "module/operations/ont_connections.h"
 #include "module/tables/tarnONT/ont_rows.h"
 #include "wire/records/ont.h"
 #include "wire/records/ont_config.h"

@@ -1,6 +1,6 @@
 // Disables or enables one ONT: slot, serial and channel are written first, then one of the actions.
-#include "module/common/operations/board_actions.h"
 #include "module/common/serial.h"
+#include "module/operations/board_actions.h"
 #include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 

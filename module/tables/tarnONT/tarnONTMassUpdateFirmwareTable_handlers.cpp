@@ -1,5 +1,5 @@
 // A trigger to update the firmware of all ONTs of a line card.
-#include "module/common/operations/firmware_update.h"
+#include "module/operations/firmware_update.h"
 #include "module/tables/slot_trigger_table.h"
 
 static constexpr tarn::Table table = tarn::slot_trigger_table<mass_update_ont_firmware>(

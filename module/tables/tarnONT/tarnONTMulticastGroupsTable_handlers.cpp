@@ -1,5 +1,5 @@
 // Multicast groups of the ONTs. Cards do not report any: the table keeps its place in the MIB without rows.
-#include "module/exports.h"
+#include "module/common/exports.h"
 #include "tarn/module_api.h"
 
 TARN_EXPORT void init_tarnONTMulticastGroupsTable_handlers(void) {}

@@ -1,7 +1,7 @@
 // A trigger to reset the counters of one ONT. Rows are the ONT list up to its first free position, in list
 // order.
-#include "module/common/operations/board_actions.h"
-#include "module/common/operations/ont_queries.h"
+#include "module/operations/board_actions.h"
+#include "module/operations/ont_queries.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/ont.h"
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "module/common/operations/board_actions.h"
-#include "module/common/operations/firmware_update.h"
-#include "module/common/operations/ont_queries.h"
 #include "module/config/ont_reconfigure.h"
+#include "module/operations/board_actions.h"
+#include "module/operations/firmware_update.h"
+#include "module/operations/ont_queries.h"
 #include "module/tables/tarnONT/ont_rows.h"
 #include "wire/records/ont.h"
 

@@ -1,5 +1,5 @@
 // State of the four UNI ports of every working ONT.
-#include "module/common/operations/ont_queries.h"
+#include "module/operations/ont_queries.h"
 #include "module/tables/tarnONT/ont_rows.h"
 #include "wire/records/ont.h"
 

@@ -1,5 +1,6 @@
 // Authentication of ONTs at activation, per PON channel.
-#include "module/common/operations/board_actions.h"
+#include "module/common/truth_value.h"
+#include "module/operations/board_actions.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/channel.h"
 

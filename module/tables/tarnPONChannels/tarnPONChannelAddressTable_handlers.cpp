@@ -1,6 +1,6 @@
 // The addresses learnt behind a card's ONTs, one row an entry, in the card's order. The rows are therefore
 // not in the order of their identifiers, which begin with the channel; the host sorts them.
-#include "module/common/operations/address_table.h"
+#include "module/operations/address_table.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/address.h"
 #include "wire/records/channel.h"

@@ -1,9 +1,10 @@
 // State, counters and identity texts of the PON channels, with triggers to reconfigure a channel and to reset
 // its counters.
-#include "module/common/cached_query.h"
-#include "module/common/operations/board_actions.h"
-#include "module/common/operations/channel_queries.h"
+#include "module/common/truth_value.h"
 #include "module/config/olt_channel_config.h"
+#include "module/operations/board_actions.h"
+#include "module/operations/channel_queries.h"
+#include "module/store/cached_query.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/channel.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "module/common/slot_management_db.h"
+#include "module/store/slot_database.h"
 #include "module/tables/frame/table.h"
 
 namespace tarn {

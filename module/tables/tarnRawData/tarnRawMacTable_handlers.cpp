@@ -1,5 +1,5 @@
 // The addresses learnt behind a card's ONTs, as one text.
-#include "module/common/operations/address_table.h"
+#include "module/operations/address_table.h"
 #include "module/tables/tarnRawData/raw_text_table.h"
 
 using namespace tarn;

@@ -3,7 +3,8 @@
 #ifndef TARN_MODULE_TABLES_TARNSWITCH_GENERAL_OPTION_H
 #define TARN_MODULE_TABLES_TARNSWITCH_GENERAL_OPTION_H
 
-#include "module/common/cached_query.h"
+#include "module/common/truth_value.h"
+#include "module/store/cached_query.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
 #include "module/tables/tarnSwitch/single_row.h"

@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "module/common/slot_management_db.h"
+#include "module/store/slot_database.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
 #include "wire/protocol.h"

@@ -1,6 +1,6 @@
 // The interval over which the cards measure the traffic of their switch ports, one for the whole chassis. It
 // is held in memory and goes to a card with every request for a port's utilization.
-#include "module/common/slot_management_db.h"
+#include "module/store/slot_database.h"
 #include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 

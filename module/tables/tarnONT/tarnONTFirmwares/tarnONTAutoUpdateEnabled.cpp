@@ -1,5 +1,5 @@
 // Switches the automatic firmware updates.
-#include "module/common/operations/auto_update.h"
+#include "module/operations/auto_update.h"
 #include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 

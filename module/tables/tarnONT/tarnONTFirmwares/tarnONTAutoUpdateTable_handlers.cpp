@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "module/common/log.h"
-#include "module/common/operations/auto_update.h"
-#include "module/common/slot_management_db.h"
+#include "module/operations/auto_update.h"
+#include "module/store/slot_database.h"
 #include "module/tables/frame/table.h"
 #include "module/tables/tarnONT/tarnONTFirmwares/line_text.h"
 

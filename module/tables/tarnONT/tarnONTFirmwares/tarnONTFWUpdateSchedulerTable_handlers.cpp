@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "module/common/operations/update_scheduler.h"
-#include "module/common/slot_management_db.h"
+#include "module/operations/update_scheduler.h"
+#include "module/store/slot_database.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/firmware.h"
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "module/common/operations/firmware_update.h"
 #include "module/common/serial.h"
+#include "module/operations/firmware_update.h"
 #include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 #include "wire/records/ont.h"

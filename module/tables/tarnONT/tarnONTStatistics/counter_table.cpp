@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "module/common/operations/counters.h"
-#include "module/common/operations/ont_queries.h"
+#include "module/operations/counters.h"
+#include "module/operations/ont_queries.h"
 #include "wire/records/ont.h"
 
 namespace tarn {

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "module/common/common.h"
+#include "module/start/start.h"
 #include "tarn/host_services.h"
 #include "wire/protocol.h"
 

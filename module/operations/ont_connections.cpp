@@ -1,0 +1,44 @@
+#include "module/operations/ont_connections.h"
+
+#include "module/common/log.h"
+#include "module/common/serial.h"
+#include "module/config/ont_config_store.h"
+#include "module/store/cached_query.h"
+#include "wire/records/ont.h"
+#include "wire/records/ont_config.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr std::size_t answer_count = 45;
+constexpr std::size_t answer_block = answer_count + 1;
+
+}  // namespace
+
+std::uint8_t *get_ont_connections(int slot, const std::uint8_t *serial_bytes) {
+    const Serial serial = serial_at(serial_bytes);  // may lie in the records that are refreshed next
+    slot = slot_byte(slot);
+    const int index = get_ont_config_index_by_serial(slot, serial.data());
+    if (index == ont_not_found) {
+        log_add(log_error, "%s : Can't find ont state with this serial\n", __func__);
+        return nullptr;
+    }
+    SlotDatabase &db = *slot_database(slot);
+    if (db.connections_serial != serial) {
+        db.connections_serial = serial;
+        db.connections_count = 0;
+        db.connections = {};
+    }
+    if (db.connections.stamp.expired()) {
+        Request<45> request(command::get_ont_connections, destination::services);
+        request.put(40, static_cast<std::uint8_t>(index / ont_config::onts_per_channel))
+            .put(41, static_cast<std::uint32_t>(index % ont_config::onts_per_channel));
+        if (const Answer answer = ask(request, __func__, slot, answer_block + ont_connections::size)) {
+            db.connections_count = answer.get<std::uint8_t>(answer_count);
+            answer.copy(db.connections.record.data(), answer_block, ont_connections::size);
+        }
+        db.connections.stamp.set();
+    }
+    return db.connections.record.data();
+}

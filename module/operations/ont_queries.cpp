@@ -1,0 +1,243 @@
+#include "module/operations/ont_queries.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "module/common/log.h"
+#include "module/common/serial.h"
+#include "module/store/cached_query.h"
+#include "wire/records/ont.h"
+
+using namespace tarn;
+
+namespace {
+
+constexpr int list_timeout_ms = 10000;
+constexpr int short_timeout_ms = 3000;
+constexpr int uni_ports_timeout_ms = 5000;
+constexpr std::uint8_t all_channels = 255;
+constexpr std::size_t list_count = payload + 1;
+constexpr std::size_t list_records = list_count + 4;
+
+// What is cached of the ONT at a list position.
+void forget_ont(SlotDatabase &db, std::size_t position) {
+    db.ont_states[position] = {};
+    db.ont_uni_ports[position] = {};
+    db.ont_i2c[position] = {};
+    db.ont_downstream_ber[position] = {};
+}
+
+void read_ont_list(SlotDatabase &db, const Answer &answer, const char *operation) {
+    const std::size_t stated = answer.get<std::uint32_t>(list_count);
+    const std::size_t count =
+        answer.records(std::min<std::size_t>(stated, max_onts), list_records, ont_list::size);
+    if (count != stated) {
+        log_add(log_error, "%s : %zu ONTs stated, %zu taken\n", operation, stated, count);
+    }
+    std::array<Serial, max_onts> holders;
+    std::transform(db.ont_list.begin(), db.ont_list.end(), holders.begin(),
+                   [](const auto &record) { return serial_at(record.data()); });
+    db.ont_list = {};
+    answer.copy(db.ont_list[0].data(), list_records, count * ont_list::size);
+    for (std::size_t position = 0; position < holders.size(); ++position) {
+        if (serial_at(db.ont_list[position].data()) != holders[position]) {
+            forget_ont(db, position);
+        }
+    }
+    insert_sort_ont_states(&db);
+}
+
+std::uint8_t *refresh_ont_list(int slot, Stamp SlotDatabase::*stamp, int timeout_ms, const char *operation) {
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return nullptr;
+    }
+    if ((db->*stamp).expired()) {
+        Request<33> request(command::get_ont_list, destination::services);
+        request.put(32, all_channels);
+        if (const Answer answer = ask(request, operation, slot, list_records, timeout_ms)) {
+            read_ont_list(*db, answer, operation);
+        }
+        (db->*stamp).set();
+    }
+    return db->ont_list[0].data();
+}
+
+// The position of an ONT that must be in the list; logged under `operation` when it is not.
+int known_position(int slot, const Serial &serial, const char *operation) {
+    const int position = get_ont_state_id_by_serial(slot, serial.data());
+    if (position == ont_not_found) {
+        log_add(log_error, "%s : Can't find ont state with this serial\n", operation);
+    }
+    return position;
+}
+
+enum class StampOn { attempt, answer };
+
+// A per-ONT record of `Size` bytes from byte 32 of the answer to a request that carries the serial. It is
+// cleared first, so a failed request leaves zeros.
+template <std::size_t Size>
+std::uint8_t *refresh_ont_section(int slot, const std::uint8_t *serial_bytes,
+                                  Sections<Size, max_onts> SlotDatabase::*sections, std::uint16_t code,
+                                  int timeout_ms, StampOn stamp_on, const char *operation) {
+    const Serial serial = serial_at(serial_bytes);  // may lie in the list that is refreshed next
+    slot = slot_byte(slot);
+    const int position = known_position(slot, serial, operation);
+    if (position == ont_not_found) {
+        return nullptr;
+    }
+    Section<Size> &section = (slot_database(slot)->*sections)[static_cast<std::size_t>(position)];
+    if (section.stamp.expired()) {
+        section.record = {};
+        Request<45> request(code, destination::services);
+        request.put_bytes(32, serial.data(), serial.size());
+        const Answer answer = ask(request, operation, slot, payload + Size, timeout_ms);
+        if (answer) {
+            answer.copy(section.record.data(), payload, Size);
+        }
+        if (answer || stamp_on == StampOn::attempt) {
+            section.stamp.set();
+        }
+    }
+    return section.record.data();
+}
+
+}  // namespace
+
+namespace tarn {
+
+OntOrder onts_from(const SlotDatabase &db, const std::uint8_t *serial) {
+    const OntOrder order = db.ont_list_by_serial;
+    return {std::lower_bound(order.begin(), order.end(), serial,
+                             [&db](std::uint16_t position, const std::uint8_t *wanted) {
+                                 return compare_serials(db.ont_list[position].data(), wanted) < 0;
+                             }),
+            order.end()};
+}
+
+OntOrder onts_after(const SlotDatabase &db, const std::uint8_t *serial) {
+    const OntOrder order = db.ont_list_by_serial;
+    return {std::upper_bound(order.begin(), order.end(), serial,
+                             [&db](const std::uint8_t *wanted, std::uint16_t position) {
+                                 return compare_serials(wanted, db.ont_list[position].data()) < 0;
+                             }),
+            order.end()};
+}
+
+int find_ont_position(const SlotDatabase &db, const std::uint8_t *serial) {
+    static std::size_t hint =
+        0;  // place in the order that was found last: walks ask for it again or the next
+    const OntOrder order = db.ont_list_by_serial;
+    const auto compare_at = [&](std::size_t place) {
+        return compare_serials(db.ont_list[order[place]].data(), serial);
+    };
+    for (std::size_t place = hint; place <= hint + 1 && place < order.size(); ++place) {
+        if (compare_at(place) == 0 && (place == 0 || compare_at(place - 1) < 0)) {
+            hint = place;
+            return order[place];
+        }
+    }
+    const OntOrder rest = onts_from(db, serial);
+    const std::size_t place = order.size() - rest.size();
+    if (rest.empty() || compare_at(place) != 0) {
+        return -1;
+    }
+    hint = place;
+    return order[place];
+}
+
+}  // namespace tarn
+
+std::uint8_t *get_ont_list(int slot) {
+    return refresh_ont_list(slot, &SlotDatabase::ont_list_stamp, list_timeout_ms, __func__);
+}
+
+std::uint8_t *get_all_ont_list(int slot) {
+    return refresh_ont_list(slot, &SlotDatabase::all_ont_list_stamp, short_timeout_ms, __func__);
+}
+
+// A stable sort gives what an insertion sort gives that moves a record only past greater ones.
+void insert_sort_ont_states(void *slot_database) {
+    auto &db = *static_cast<SlotDatabase *>(slot_database);
+    std::iota(db.ont_list_by_serial.begin(), db.ont_list_by_serial.end(), std::uint16_t{0});
+    std::stable_sort(db.ont_list_by_serial.begin(), db.ont_list_by_serial.end(),
+                     [&db](std::uint16_t a, std::uint16_t b) {
+                         return compare_serials(db.ont_list[a].data(), db.ont_list[b].data()) < 0;
+                     });
+}
+
+int get_ont_state_id_by_serial(int slot, const std::uint8_t *serial_bytes) {
+    const Serial serial = serial_at(serial_bytes);
+    slot = slot_byte(slot);
+    if (get_ont_list(slot) == nullptr) {
+        return ont_not_found;
+    }
+    // The first free position ends the list.
+    const SlotDatabase &db = *slot_database(slot);
+    const int position = find_ont_position(db, serial.data());
+    const int first = db.ont_list_by_serial.front();
+    const bool has_end = is_zero_serial(db.ont_list[static_cast<std::size_t>(first)].data());
+    return position < 0 || (has_end && position > first) ? ont_not_found : position;
+}
+
+std::uint8_t *get_all_ont_state_list_by_serial(int slot, const std::uint8_t *serial_bytes) {
+    const Serial serial = serial_at(serial_bytes);
+    slot = slot_byte(slot);
+    if (get_all_ont_list(slot) == nullptr) {
+        return nullptr;
+    }
+    SlotDatabase &db = *slot_database(slot);
+    const int position = find_ont_position(db, serial.data());
+    return position < 0 ? nullptr : db.ont_list[static_cast<std::size_t>(position)].data();
+}
+
+std::uint8_t *get_ont_state(int slot, const std::uint8_t *serial) {
+    return refresh_ont_section(slot, serial, &SlotDatabase::ont_states, command::get_ont_state,
+                               short_timeout_ms, StampOn::attempt, __func__);
+}
+
+std::uint8_t *get_ont_state_check_state(int slot, const std::uint8_t *list_record) {
+    if (load_integer(list_record, ont_list::state_code) != ont_list::state_not_asked) {
+        return get_ont_state(slot, list_record);
+    }
+    const Serial serial = serial_at(list_record);
+    slot = slot_byte(slot);
+    const int position = known_position(slot, serial, __func__);
+    if (position == ont_not_found) {
+        return nullptr;
+    }
+    return slot_database(slot)->ont_states[static_cast<std::size_t>(position)].record.data();
+}
+
+std::uint8_t *get_ont_i2c(int slot, const std::uint8_t *serial) {
+    return refresh_ont_section(slot, serial, &SlotDatabase::ont_i2c, command::get_ont_i2c, short_timeout_ms,
+                               StampOn::attempt, __func__);
+}
+
+std::uint8_t *get_ont_uni_ports_state(int slot, const std::uint8_t *serial) {
+    return refresh_ont_section(slot, serial, &SlotDatabase::ont_uni_ports, command::get_ont_uni_ports_state,
+                               uni_ports_timeout_ms, StampOn::answer, __func__);
+}
+
+std::uint8_t *get_ont_downstream_ber(int slot, const std::uint8_t *serial) {
+    return refresh_ont_section(slot, serial, &SlotDatabase::ont_downstream_ber,
+                               command::get_ont_downstream_ber, default_timeout_ms, StampOn::answer,
+                               __func__);
+}
+
+std::uint8_t *get_ont_services_utilization(int slot, const std::uint8_t *serial_bytes) {
+    const Serial serial = serial_at(serial_bytes);
+    slot = slot_byte(slot);
+    SlotDatabase *db = slot_database(slot);
+    if (db == nullptr) {
+        return nullptr;
+    }
+    if (db->services_utilization_serial != serial) {
+        db->services_utilization_serial = serial;
+        db->ont_services_utilization = {};
+    }
+    Request<45> request(command::get_ont_services_utilization, destination::services);
+    request.put_bytes(32, serial.data(), serial.size());
+    return refresh(db->ont_services_utilization, request, __func__, slot);
+}
