@@ -18,6 +18,7 @@ struct Options {
     std::string log;
     std::string state;
     bool foreground = false;
+    bool directives = false;  // list them and end
 };
 
 class Configuration {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstdio>
 #include <limits>
 #include <optional>
 #include <sstream>
@@ -246,6 +247,12 @@ int count_problem(int /*major*/, int /*minor*/, void *message, void * /*unused*/
 void register_directives(const char *application) {
     for (const Directive &directive : directives) {
         (void)directive.enter(application, directive.name, directive.parse, nullptr, directive.help);
+    }
+}
+
+void print_directives() {
+    for (const Directive &directive : directives) {
+        std::printf("%s %s\n", directive.name, directive.help);
     }
 }
 

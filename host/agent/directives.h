@@ -34,6 +34,9 @@ void register_directives(const char *application);
 // problems, unknown directives too; each is reported with its file and line.
 int read_directives(Settings &settings, const std::function<void()> &read);
 
+// Lists the directives with the form of their values, one a line, on standard output.
+void print_directives();
+
 // Puts the settings together. False, and the reason in `error`, when something is missing or wrong.
 bool host_config(const Settings &settings, HostConfig &config, std::string &error);
 

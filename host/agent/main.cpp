@@ -11,9 +11,11 @@
 #include <string>
 
 #include "host/agent/configuration.h"
+#include "host/agent/directives.h"
 #include "host/agent/host.h"
 #include "host/agent/identity.h"
 #include "host/agent/privileges.h"
+#include "host/agent/service_manager.h"
 #include "host/services/block_allocator.h"
 #include "host/services/logger.h"
 
@@ -109,6 +111,8 @@ bool serve(Configuration &configuration) {
         log_add(log_level::error, "cannot go to the background\n");
         return false;
     }
+    notify_service_manager("READY=1");
+    keep_watchdog_fed();
     announce_start();
     while (stopping == 0) {
         if (reading_asked != 0) {
@@ -117,6 +121,7 @@ bool serve(Configuration &configuration) {
         }
         (void)agent_check_and_process(1);
     }
+    notify_service_manager("STOPPING=1");
     log_add(log_level::information, "stopping\n");
     host->stop();
     save_state(application);
@@ -140,8 +145,13 @@ int main(int argc, char **argv) try {
     app.add_option("--log", options.log, "stderr, syslog or \"file PATH\", overrides tarnLog");
     app.add_option("--state", options.state, "directory of the engine's identity, overrides tarnState");
     app.add_flag("--foreground", options.foreground, "do not go to the background");
+    app.add_flag("--directives", options.directives, "list the agent's own directives and end");
     app.set_version_flag("--version", std::string("tarn-agentd ") + TARN_VERSION);
     CLI11_PARSE(app, argc, argv);
+    if (options.directives) {
+        print_directives();
+        return EXIT_SUCCESS;
+    }
 
     prepare_environment();
     catch_signals();

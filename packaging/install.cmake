@@ -1,0 +1,17 @@
+# The files that name the place they are installed in: written when it is known, while they are installed.
+set(SYSCONFDIR ${CMAKE_INSTALL_PREFIX}/etc)
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(SYSCONFDIR /etc)
+endif()
+set(from ${CMAKE_CURRENT_LIST_DIR})
+set(lib $ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/lib)
+file(READ ${from}/hardening.conf HARDENING)
+foreach(unit tarn-agentd.service tarn-chassisd.service)
+  configure_file(${from}/${unit}.in ${lib}/systemd/system/${unit} @ONLY)
+endforeach()
+configure_file(${from}/tmpfiles-agent.conf.in ${lib}/tmpfiles.d/tarn-agent.conf @ONLY)
+# A configuration that somebody has changed stays.
+set(configuration $ENV{DESTDIR}${SYSCONFDIR}/tarn/tarn-agentd.conf)
+if(NOT EXISTS ${configuration})
+  configure_file(${from}/tarn-agentd.conf.in ${configuration} @ONLY)
+endif()
