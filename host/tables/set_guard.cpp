@@ -6,6 +6,7 @@
 
 #include "host/services/logger.h"
 #include "host/tables/request_identity.h"
+#include "host/tables/set_log.h"
 
 namespace tarn::host {
 namespace {
@@ -99,6 +100,7 @@ int SetGuard::serve(netsnmp_mib_handler *handler, netsnmp_handler_registration *
             outcome = {reqinfo->asp->requests[i].status, reqinfo->asp->requests[i].index};
         }
         guard.history_.record(reqinfo->asp->pdu, outcome);
+        log_set(reqinfo, requests);
         if (mode != MODE_SET_FREE) {
             guard.told_(registration->handlerName);
         }

@@ -5,6 +5,7 @@ import re
 import pytest
 
 import commands
+import snmp
 from snmp import SnmpError, Value
 
 # The columns that ask a card to do something.
@@ -118,3 +119,17 @@ def test_access_is_as_the_mib_states(system, tables):
             assert refused.value.reason == "notWritable", oid
             assert not system.chassis.requests()
             assert system.snmp.get(oid)[0][1] == value
+
+
+def test_writes_are_logged_with_who_and_what(start, tables):
+    system = start(agent_lines=[snmp.USER_LINES[0], "rwuser walker authpriv"])
+    mode = tables["tarnPONChannelActModeTable"].instance("tarnPONChannelActModeAuth", 1, 1)
+    system.snmp.set((mode, "i", 2), community=snmp.USER)
+    system.chassis.fault("status", slot=0, command=commands.SET_ACTIVATION_AUTH_MODE, status=1)
+    with pytest.raises(SnmpError):
+        system.snmp.set((mode, "i", 1))
+    name = r"TARN-MIB::tarnPONChannelActModeAuth\.1\.1"
+    logged = "\n".join(system.agent.log_lines(" SET by "))
+    assert re.search(rf"SET by user walker at UDP: \[127\.0\.0\.1\]:\S+: {name} = INTEGER: false\(2\): done", logged)
+    assert re.search(rf"SET by a community at UDP: \[127\.0\.0\.1\]:\S+: {name} = INTEGER: true\(1\): (?!done)", logged)
+    assert "private" not in logged, logged
