@@ -2,6 +2,8 @@
 
 #include <net-snmp/library/fd_event_manager.h>
 
+#include <algorithm>
+
 #include "host/services/agent_thread.h"
 #include "host/services/cache_clock.h"
 #include "host/services/logger.h"
@@ -89,11 +91,30 @@ bool Host::open_control(const HostConfig &config, std::string &error) {
         requests_.forget_answers();
     });
     control_ = ControlSocket::open(
-        config.control, [this](const std::string &line) { return commands_->answer(line); }, error);
+        config.control, [this](const std::string &line) { return commands_->answer(line); }, error,
+        [this](std::function<void()> work) { requests_.change({}, std::move(work)); });
     return control_ != nullptr;
 }
 
+// The slot that an OID is about: what is in no table of line cards is about the chassis.
+int Host::slot_of(std::span<const oid> name) {
+    for (const Table &table : tables_) {
+        const TableSchema &schema = table.schema();
+        const std::size_t prefix = schema.prefix_length();
+        if (schema.per_slot() && name.size() > prefix && name[prefix] > 0 &&
+            name[prefix] <= chassis_slot::line_cards &&
+            std::equal(schema.root.begin(), schema.root.end(), name.begin())) {
+            return static_cast<int>(name[prefix]) - 1;
+        }
+    }
+    return profiles_slot;
+}
+
 void Host::follow_links() {
+    // What a change holds of its slot must stay until it is done.
+    if (requests_.is_changing()) {
+        return;
+    }
     if (slots_->follow([this](int slot) { return ipc_.link(slot); })) {
         cache_.clear();
     }
@@ -126,14 +147,17 @@ void Host::link_alarm(unsigned /*alarm*/, void *host) {
     auto &self = *static_cast<Host *>(host);
     self.ipc_.refresh_links();
     self.follow_links();
-    self.pass_rules_on();
-    if (self.commands_ != nullptr) {
+    if (self.rules_changed_ && !self.requests_.is_changing()) {
+        self.requests_.change(touched_slots(profiles_slot), [&self] { self.pass_rules_on(); });
+    }
+    if (self.commands_ != nullptr && !self.requests_.is_changing()) {
         self.commands_->follow_commits();
     }
 }
 
 void Host::stop() {
     set_manager_requests(nullptr);
+    requests_.stop();
     control_.reset();
     (void)unregister_readfd(ipc_.descriptor());
     if (alarm_ != 0) {

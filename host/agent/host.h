@@ -54,11 +54,14 @@ class Host {
 
   private:
     explicit Host(const HostConfig &config)
-        : ipc_(config.chassis, config.hold), requests_(ipc_), cache_(config.row_budget) {}
+        : ipc_(config.chassis, config.hold),
+          requests_(ipc_, [this](std::span<const oid> name) { return slot_of(name); }),
+          cache_(config.row_budget) {}
     bool open_control(const HostConfig &config, std::string &error);
     void follow_links();
     void pass_rules_on();
     void serve_board();
+    int slot_of(std::span<const oid> name);
     static void board_ready(int descriptor, void *host);
     static void link_alarm(unsigned alarm, void *host);
 

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
+#include "host/board/ipc_result.h"
 #include "host/services/logger.h"
 #include "host/tables/request_identity.h"
 
@@ -15,6 +17,8 @@ int handle_pdu(netsnmp_agent_session *session);
 int netsnmp_wrap_up_request(netsnmp_agent_session *session, int status);
 int netsnmp_check_for_delegated_and_add(netsnmp_agent_session *session);
 void netsnmp_remove_and_free_agent_snmp_session(netsnmp_agent_session *session);
+extern netsnmp_agent_session *netsnmp_processing_set;
+extern netsnmp_session *main_session;
 }
 
 namespace tarn::host {
@@ -37,7 +41,8 @@ snmp_callback net_snmp_function() {
 }
 
 bool is_read(const netsnmp_pdu *pdu) {
-    return pdu->command == SNMP_MSG_GET || pdu->command == SNMP_MSG_GETNEXT || pdu->command == SNMP_MSG_GETBULK;
+    return pdu->command == SNMP_MSG_GET || pdu->command == SNMP_MSG_GETNEXT ||
+           pdu->command == SNMP_MSG_GETBULK;
 }
 
 }  // namespace
@@ -51,21 +56,99 @@ int take_packet(int operation, netsnmp_session *session, int reqid, netsnmp_pdu 
                                    : net_snmp_function()(operation, session, reqid, pdu, magic);
 }
 
+ManagerRequests::ManagerRequests(IpcClient &client, std::function<int(std::span<const oid>)> slot_of)
+    : shared_(client), slot_of_(std::move(slot_of)), writer_(client) {
+    // net-snmp serves nobody else while it knows of a SET.
+    writer_.on_leave = [this] { left_set_ = std::exchange(netsnmp_processing_set, nullptr); };
+    writer_.on_enter = [this] { netsnmp_processing_set = std::exchange(left_set_, nullptr); };
+}
+
+void ManagerRequests::end_session(const netsnmp_session *session) {
+    std::erase_if(parked_, [session](const Request &request) { return request.session == session; });
+    const bool is_going_on = writer_.busy();
+    for (std::size_t i = changes_.size(); i-- > (is_going_on ? 1U : 0U);) {
+        if (changes_[i].session == session) {
+            changes_.erase(changes_.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+    }
+    // A SET that was begun goes on to its end; its answer has nowhere to go.
+    if (is_going_on && changes_.front().session == session && left_set_ != nullptr) {
+        left_set_->session = main_session;
+    }
+}
+
+void ManagerRequests::change(const BoardSlots &slots, std::function<void()> work) {
+    changes_.push_back({nullptr, {}, slots, std::move(work)});
+    run_changes();
+}
+
+int ManagerRequests::take_set(netsnmp_session *session, int reqid, const netsnmp_pdu *pdu) {
+    Change set{session, source_of(pdu) + identity_of(pdu), {}, {}};
+    const bool repeated =
+        std::ranges::any_of(changes_, [&](const Change &change) { return change.identity == set.identity; });
+    if (repeated || changes_.size() >= most_parked) {
+        ++(repeated ? figures_.repeated : figures_.turned_away);
+        return 1;
+    }
+    for (const auto *variable = pdu->variables; variable != nullptr; variable = variable->next_variable) {
+        set.slots |= touched_slots(slot_of_({variable->name, variable->name_length}));
+    }
+    // A function must be copyable, as the PDU is not.
+    const std::shared_ptr<netsnmp_pdu> clone(snmp_clone_pdu(const_cast<netsnmp_pdu *>(pdu)), snmp_free_pdu);
+    if (clone == nullptr) {
+        return 1;
+    }
+    set.work = [session, reqid, clone] {
+        (void)net_snmp_function()(NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE, session, reqid, clone.get(), nullptr);
+    };
+    changes_.push_back(std::move(set));
+    run_changes();
+    return 1;
+}
+
+// Goes on with the change that is going on, and begins those that follow.
+void ManagerRequests::run_changes() {
+    if (Writer::running() != nullptr || Pass::current() != nullptr) {
+        return;
+    }
+    while (!changes_.empty()) {
+        if (!writer_.busy()) {
+            writer_.run(changes_.front().slots, changes_.front().work);
+        } else if (!writer_.resume()) {
+            return;
+        }
+        if (writer_.busy()) {
+            return;
+        }
+        forget_answers(writer_.touched());
+        changes_.pop_front();
+    }
+}
+
+void ManagerRequests::stop() {
+    parked_.clear();
+    while (writer_.busy()) {
+        shared_.client().abandon(ipc_result::no_connection);
+        (void)writer_.resume();
+    }
+    changes_.clear();
+}
+
 int ManagerRequests::take(int operation, netsnmp_session *session, int reqid, netsnmp_pdu *pdu, void *magic) {
     if (operation == NETSNMP_CALLBACK_OP_DISCONNECT) {
-        std::erase_if(parked_, [session](const Request &request) { return request.session == session; });
+        end_session(session);
     }
     // Whom net-snmp refuses is refused by it, with its notifications and counters.
-    if (operation != NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE || magic != nullptr || !is_read(pdu) ||
+    if (operation != NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE || magic != nullptr ||
+        (!is_read(pdu) && pdu->command != SNMP_MSG_SET) ||
         (pdu->version == SNMP_VERSION_3 && session->s_snmp_errno == SNMPERR_USM_AUTHENTICATIONFAILURE) ||
         check_access(pdu) != 0) {
-        const int result = net_snmp_function()(operation, session, reqid, pdu, magic);
-        if (operation == NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE && pdu->command == SNMP_MSG_SET) {
-            forget_answers();
-        }
-        return result;
+        return net_snmp_function()(operation, session, reqid, pdu, magic);
     }
-    Request request{session, PduPointer(snmp_clone_pdu(pdu)), {}, {}, 0};
+    if (pdu->command == SNMP_MSG_SET) {
+        return take_set(session, reqid, pdu);
+    }
+    Request request{session, PduPointer(snmp_clone_pdu(pdu)), {}, {}, 0, false};
     if (request.pdu == nullptr) {
         return 1;
     }
@@ -94,8 +177,8 @@ void ManagerRequests::forget_answers(const BoardSlots &slots) {
 }
 
 ManagerRequests::Request *ManagerRequests::find(const std::string &identity) {
-    const auto found = std::ranges::find_if(
-        parked_, [&](const Request &request) { return request.identity == identity; });
+    const auto found =
+        std::ranges::find_if(parked_, [&](const Request &request) { return request.identity == identity; });
     return found == parked_.end() ? nullptr : &*found;
 }
 
@@ -110,9 +193,12 @@ bool ManagerRequests::serve_read(Request &request) {
     int status = SNMP_ERR_NOERROR;
     {
         LogHold log;  // what is logged is in the log before the manager has its answer
-        const Pass pass(shared_, request.memory, {}, ++request.passes >= most_passes);
+        const Pass::Barred barred =
+            writer_.busy() ? Pass::Barred{writer_.slots(), writer_.enumerated_table} : Pass::Barred{};
+        const Pass pass(shared_, request.memory, barred, ++request.passes >= most_passes);
         status = handle_pdu(session);
         complete = pass.omissions() == 0;
+        request.met_bar = pass.met_bar();
         if (!complete) {
             log.drop();
         }
@@ -132,7 +218,8 @@ bool ManagerRequests::serve_read(Request &request) {
 void ManagerRequests::park(Request request) {
     if (parked_.size() >= most_parked) {
         if (figures_.turned_away++ == 0) {
-            log_add(log_level::warning, "%zu requests wait for cards: further ones are dropped\n", parked_.size());
+            log_add(log_level::warning, "%zu requests wait for cards: further ones are dropped\n",
+                    parked_.size());
         }
         return;
     }
@@ -145,9 +232,10 @@ void ManagerRequests::park(Request request) {
 }
 
 bool ManagerRequests::serve_ready() {
+    run_changes();
     const auto end = Clock::now() + turn;
     for (auto place = parked_.begin(); place != parked_.end();) {
-        if (!place->memory.complete()) {
+        if (!place->memory.complete() || (place->met_bar && writer_.busy())) {
             ++place;
         } else if (Clock::now() >= end) {
             return true;

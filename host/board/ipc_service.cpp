@@ -1,8 +1,9 @@
 // The IPC library that the module uses.
-#include "host/services/agent_thread.h"
 #include "host/board/ipc_client.h"
 #include "host/board/ipc_result.h"
 #include "host/board/pass.h"
+#include "host/board/writer.h"
+#include "host/services/agent_thread.h"
 #include "tarn/host_services.h"
 
 namespace tarn::host {
@@ -14,8 +15,15 @@ int send_from_agent(const std::uint8_t *bytes, std::uint8_t **answer, int timeou
     Pass *pass = Pass::current();
     const auto length = static_cast<std::size_t>(load_integer(bytes, board_header::length));
     const bool possible = length >= board_header::size && length <= max_message_size;
-    const int result = pass != nullptr && possible ? pass->request({bytes, length}, answer, timeout_ms)
-                                                   : the_client->send_request(bytes, answer, timeout_ms);
+    Writer *writer = Writer::running();
+    int result = 0;
+    if (pass != nullptr && possible) {
+        result = pass->request({bytes, length}, answer, timeout_ms);
+    } else if (writer != nullptr && possible) {
+        result = writer->request({bytes, length}, answer, timeout_ms);
+    } else {
+        result = the_client->send_request(bytes, answer, timeout_ms);
+    }
     if (result < 0) {
         note_failed_request();
     }

@@ -63,7 +63,7 @@ void AnswerMemory::forget(const BoardSlots &slots) {
     std::erase_if(pending_, [&](const ExchangePtr &exchange) { return is_of_slots(*exchange); });
 }
 
-Pass::Pass(SharedRequests &requests, AnswerMemory &memory, const BoardSlots &barred, bool last)
+Pass::Pass(SharedRequests &requests, AnswerMemory &memory, const Barred &barred, bool last)
     : requests_(requests), memory_(memory), barred_(barred), last_(last), last_answer_at_(monotonic_time()) {
     current_pass = this;
 }
@@ -87,13 +87,19 @@ int Pass::omit() {
     return ipc_result::not_yet;
 }
 
-bool Pass::may_touch(int slot) {
-    if (slot < 0 || slot >= IpcClient::slots || !barred_[static_cast<std::size_t>(slot)]) {
-        return true;
-    }
+bool Pass::meet_bar() {
     met_bar_ = true;
     (void)omit();
     return false;
+}
+
+bool Pass::may_touch(int slot) {
+    const bool barred = slot >= 0 && slot < IpcClient::slots && barred_.slots[static_cast<std::size_t>(slot)];
+    return barred ? meet_bar() : true;
+}
+
+bool Pass::may_enumerate(const void *table, int slot) {
+    return barred_.table == table ? meet_bar() : may_touch(slot);
 }
 
 int Pass::request(std::span<const std::uint8_t> bytes, std::uint8_t **answer, int timeout_ms) {

@@ -1,7 +1,7 @@
 // Serving a manager's read request without waiting for cards. The module asks for what it needs and takes the
 // answer from the same call; when the answer is not there within a few milliseconds the call fails, what this
-// pass over the request gives is thrown away, and the request is served again when the answers have come. Each
-// pass is given all answers that earlier ones asked for.
+// pass over the request gives is thrown away, and the request is served again when the answers have come.
+// Each pass is given all answers that earlier ones asked for.
 #ifndef TARN_HOST_BOARD_PASS_H
 #define TARN_HOST_BOARD_PASS_H
 
@@ -49,13 +49,18 @@ class AnswerMemory {
 
 class Pass {
   public:
-    // The time for which a pass waits for cards in all, so that quick ones need no second pass. A card that is
-    // known to be slow is not waited for at all.
+    // The time for which a pass waits for cards in all, so that quick ones need no second pass. A card that
+    // is known to be slow is not waited for at all.
     static constexpr std::chrono::milliseconds budget{4};
 
-    // From now to its end the pass is current. `barred`: the slots that a SET is at work on. In the last pass
-    // what is not there is taken for not answered.
-    Pass(SharedRequests &requests, AnswerMemory &memory, const BoardSlots &barred, bool last = false);
+    // What a SET is at work on while it waits for a card: slots, and a table whose rows are half enumerated.
+    struct Barred {
+        BoardSlots slots{};
+        const void *table = nullptr;
+    };
+
+    // From now to its end the pass is current. In the last pass what is not there is taken for not answered.
+    Pass(SharedRequests &requests, AnswerMemory &memory, const Barred &barred, bool last = false);
     ~Pass();
     Pass(const Pass &) = delete;
     Pass &operator=(const Pass &) = delete;
@@ -67,6 +72,7 @@ class Pass {
     int request(std::span<const std::uint8_t> request, std::uint8_t **answer, int timeout_ms);
     // Whether what the module holds of a slot may be looked at. The pass is incomplete when it may not.
     bool may_touch(int slot);
+    bool may_enumerate(const void *table, int slot);
 
     // How often something had to be left out; not 0: what the pass gives must be thrown away.
     [[nodiscard]] int omissions() const { return omissions_; }
@@ -75,10 +81,11 @@ class Pass {
 
   private:
     int omit();
+    bool meet_bar();
 
     SharedRequests &requests_;
     AnswerMemory &memory_;
-    BoardSlots barred_;
+    Barred barred_;
     bool last_;
     bool met_bar_ = false;
     int omissions_ = 0;
@@ -87,8 +94,8 @@ class Pass {
     std::chrono::steady_clock::duration left_ = budget;
 };
 
-// How often a request of the agent's thread was not answered by its card, since the agent's start. Of no use but
-// to see whether it changed.
+// How often a request of the agent's thread was not answered by its card, since the agent's start. Of no use
+// but to see whether it changed.
 std::uint64_t failed_requests();
 void note_failed_request();
 

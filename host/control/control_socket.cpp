@@ -67,7 +67,8 @@ bool send_all(int connection, const std::string &line) {
 
 std::unique_ptr<ControlSocket> ControlSocket::open(const std::string &path,
                                                    std::function<std::string(const std::string &)> answer,
-                                                   std::string &error) {
+                                                   std::string &error,
+                                                   std::function<void(std::function<void()>)> run) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {
@@ -85,7 +86,9 @@ std::unique_ptr<ControlSocket> ControlSocket::open(const std::string &path,
         (void)close(listener);
         return nullptr;
     }
-    return std::unique_ptr<ControlSocket>(new ControlSocket(listener, path, std::move(answer)));
+    std::unique_ptr<ControlSocket> control(new ControlSocket(listener, path, std::move(answer)));
+    control->run_ = std::move(run);
+    return control;
 }
 
 ControlSocket::ControlSocket(int listener, std::string path,
@@ -134,7 +137,14 @@ void ControlSocket::take(int connection) {
         return;
     }
     pending.append(buffer.data(), static_cast<std::size_t>(count));
-    if (!answer_lines(connection, pending)) {
+    // The next lines are read when these are answered.
+    (void)unregister_readfd(connection);
+    run_([this, connection] { answer(connection); });
+}
+
+void ControlSocket::answer(int connection) {
+    if (!answer_lines(connection, pending_[connection]) ||
+        register_readfd(connection, read_ready, this) != FD_REGISTERED_OK) {
         close_connection(connection);
     }
 }

@@ -16,10 +16,13 @@ class ControlSocket {
     static constexpr std::size_t most_connections = 16;
 
     // Answers each line with what `answer` makes of it; both lines have their newlines. A socket file that
-    // nobody listens on any more is replaced. Null, and the reason in `error`, when it cannot listen.
-    static std::unique_ptr<ControlSocket> open(const std::string &path,
-                                               std::function<std::string(const std::string &)> answer,
-                                               std::string &error);
+    // nobody listens on any more is replaced. Null, and the reason in `error`, when it cannot listen. `run`
+    // runs what answers lines, at once or later.
+    static std::unique_ptr<ControlSocket> open(
+        const std::string &path, std::function<std::string(const std::string &)> answer, std::string &error,
+        std::function<void(std::function<void()> work)> run = [](const std::function<void()> &work) {
+            work();
+        });
     ~ControlSocket();
     ControlSocket(const ControlSocket &) = delete;
     ControlSocket &operator=(const ControlSocket &) = delete;
@@ -29,12 +32,14 @@ class ControlSocket {
     static void accept_ready(int listener, void *socket);
     static void read_ready(int connection, void *socket);
     void take(int connection);
+    void answer(int connection);
     bool answer_lines(int connection, std::string &pending);
     void close_connection(int connection);
 
     int listener_;
     std::string path_;
     std::function<std::string(const std::string &)> answer_;
+    std::function<void(std::function<void()>)> run_;
     std::map<int, std::string> pending_;  // what came of a line so far, by connection
 };
 

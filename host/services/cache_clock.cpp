@@ -29,13 +29,14 @@ thread_local bool any_transaction = false;
 thread_local long last_transaction = 0;
 thread_local std::int64_t stopped_at = 0;
 
-// Spans of time in ascending order. A few thousand are kept apart; beyond, neighbours are joined: a section that
-// is distrusted without need is only read again.
+// Spans of time in ascending order. A few thousand are kept apart; beyond, neighbours are joined: a section
+// that is distrusted without need is only read again.
 std::vector<std::pair<std::int64_t, std::int64_t>> distrusted;
 constexpr std::size_t most_spans = 4096;
 
 bool is_distrusted(std::int64_t stamp) {
-    const auto next = std::ranges::upper_bound(distrusted, stamp, {}, [](const auto &span) { return span.first; });
+    const auto next =
+        std::ranges::upper_bound(distrusted, stamp, {}, [](const auto &span) { return span.first; });
     return next != distrusted.begin() && stamp <= std::prev(next)->second;
 }
 
@@ -85,6 +86,16 @@ PduClock::PduClock(long transaction) {
 
 PduClock::~PduClock() {
     stopped = false;
+}
+
+ClockPause::ClockPause() : stopped_(stopped), transaction_(last_transaction), stopped_at_(stopped_at) {
+    stopped = false;
+}
+
+ClockPause::~ClockPause() {
+    stopped = stopped_;
+    last_transaction = transaction_;
+    stopped_at = stopped_at_;
 }
 
 }  // namespace tarn::host

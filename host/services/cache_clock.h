@@ -33,6 +33,20 @@ class PduClock {
     PduClock &operator=(const PduClock &) = delete;
 };
 
+// Lets the clock go on while the serving of a PDU is left for others, and stops it again where it stood.
+class ClockPause {
+  public:
+    ClockPause();
+    ~ClockPause();
+    ClockPause(const ClockPause &) = delete;
+    ClockPause &operator=(const ClockPause &) = delete;
+
+  private:
+    bool stopped_;
+    long transaction_;
+    std::int64_t stopped_at_;
+};
+
 // The clock that agent_time reads, in nanoseconds: CLOCK_MONOTONIC unless a test sets another; null resets.
 void set_clock_source(std::int64_t (*source)());
 

@@ -13,8 +13,7 @@ std::shared_ptr<const RowIndex> RowCache::get(const void *table, int slot, long 
     if (found != entries_.end()) {
         Entry &entry = found->second;
         const std::int64_t period = std::int64_t{cache_period()} * 1'000'000'000;
-        if (!entry.expired &&
-            (entry.transaction == transaction || agent_time() - entry.built_at < period)) {
+        if (!entry.expired && (entry.transaction == transaction || agent_time() - entry.built_at < period)) {
             entry.last_use = ++uses_;
             return entry.rows;
         }

@@ -18,8 +18,8 @@ class RowCache {
     explicit RowCache(std::size_t row_budget) : row_budget_(row_budget) {}
 
     // The index of a table, known by its address, in a slot. It is built anew when there is none or when it
-    // is older than the cache period, but not twice for one transaction. When a card does not answer, an index
-    // that had more rows stays.
+    // is older than the cache period, but not twice for one transaction. When a card does not answer, an
+    // index that had more rows stays.
     std::shared_ptr<const RowIndex> get(const void *table, int slot, long transaction,
                                         const std::function<RowIndex()> &build);
     // The same, built anew unless this transaction built it: before a SET, the module must hold fresh rows.

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include "host/board/pass.h"
+#include "host/board/writer.h"
 #include "host/services/cache_clock.h"
 #include "host/tables/table_set.h"
 #include "host/tables/table_walk.h"
@@ -29,14 +31,16 @@ Table::Table(TableSchema schema, const TableCallbacks &callbacks, RowCache &cach
       cache_(cache),
       slots_(slots),
       source_(schema_, callbacks_),
-      index_values_(schema_.index) {
-    registration_.indexes = index_values_.list();
-    registration_.number_indexes = static_cast<unsigned>(schema_.index.size());
-    registration_.min_column = static_cast<unsigned>(schema_.columns.front().number);
-    registration_.max_column = static_cast<unsigned>(schema_.columns.back().number);
-    table_info_.reg_info = &registration_;
-    table_info_.indexes = index_values_.list();
-    table_info_.number_indexes = registration_.number_indexes;
+      call_info_(schema_) {}
+
+Table::CallInfo::CallInfo(const TableSchema &schema) : index_values(schema.index) {
+    registration.indexes = index_values.list();
+    registration.number_indexes = static_cast<unsigned>(schema.index.size());
+    registration.min_column = static_cast<unsigned>(schema.columns.front().number);
+    registration.max_column = static_cast<unsigned>(schema.columns.back().number);
+    table_info.reg_info = &registration;
+    table_info.indexes = index_values.list();
+    table_info.number_indexes = registration.number_indexes;
 }
 
 const std::vector<int> &Table::slots() const {
@@ -51,12 +55,19 @@ std::shared_ptr<const RowIndex> Table::rows(int slot, long transaction, bool fre
 RowIndex Table::enumerate(int slot) {
     Pass *pass = Pass::current();
     RowIndex rows;
-    if (pass != nullptr && !pass->may_touch(slot)) {
+    Writer *writer = Writer::running();
+    if (pass != nullptr && !pass->may_enumerate(this, slot)) {
         rows.origin = RowIndex::Origin::nothing;
         return rows;
     }
     const std::uint64_t failures = failed_requests();
+    if (writer != nullptr) {
+        writer->enumerated_table = this;
+    }
     rows = source_.enumerate(slot);
+    if (writer != nullptr) {
+        writer->enumerated_table = nullptr;
+    }
     // Once a pass had to leave something out, what the module shows may be what it could not fill.
     if (pass != nullptr && pass->omissions() > 0) {
         rows.origin = RowIndex::Origin::nothing;
@@ -101,7 +112,7 @@ NameForm Table::parse(std::span<const oid> name, Instance &instance) {
     if (suffix.size() < schema_.shortest_index()) {
         return NameForm::part_of_a_row;
     }
-    return index_values_.decode(suffix) ? NameForm::row : NameForm::nothing;
+    return call_info_.index_values.decode(suffix) ? NameForm::row : NameForm::nothing;
 }
 
 int Table::call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request,
@@ -118,13 +129,16 @@ int Table::call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_i
     const int outer_mode = std::exchange(reqinfo->mode, mode);
     int result = SNMP_ERR_NOERROR;
     if (is_iterator()) {
-        (void)index_values_.decode(instance.suffix);
-        table_info_.colnum = static_cast<unsigned>(instance.column);
-        std::copy(instance.suffix.begin(), instance.suffix.end(), table_info_.index_oid);
-        table_info_.index_oid_len = instance.suffix.size();
-        netsnmp_data_list info{request->parent_data, table_list_name, &table_info_, nullptr};
+        // Others are served while a SET waits for its card.
+        std::optional<CallInfo> own;
+        CallInfo &call = Writer::running() != nullptr ? own.emplace(schema_) : call_info_;
+        (void)call.index_values.decode(instance.suffix);
+        call.table_info.colnum = static_cast<unsigned>(instance.column);
+        std::copy(instance.suffix.begin(), instance.suffix.end(), call.table_info.index_oid);
+        call.table_info.index_oid_len = instance.suffix.size();
+        netsnmp_data_list info{request->parent_data, table_list_name, &call.table_info, nullptr};
         single.parent_data = &info;
-        result = callbacks_.module_handler(&single, reqinfo, instance.row, &table_info_);
+        result = callbacks_.module_handler(&single, reqinfo, instance.row, &call.table_info);
     } else {
         result = callbacks_.table_handler_nextgen(mode, &single, instance.slot, instance.row);
     }

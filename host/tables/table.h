@@ -63,9 +63,16 @@ class Table {
     RowCache &cache_;
     const Slots &slots_;
     RowSource source_;
-    IndexValues index_values_;  // of the row that is being served
-    netsnmp_table_registration_info registration_{};
-    netsnmp_table_request_info table_info_{};
+    // What a handler is told of the row that is being served.
+    struct CallInfo {
+        explicit CallInfo(const TableSchema &schema);
+        CallInfo(const CallInfo &) = delete;
+        CallInfo &operator=(const CallInfo &) = delete;
+        IndexValues index_values;
+        netsnmp_table_registration_info registration{};
+        netsnmp_table_request_info table_info{};
+    };
+    CallInfo call_info_;
 };
 
 }  // namespace tarn::host

@@ -67,10 +67,11 @@ class Client:
     def __init__(self, port, timeout=40):
         self.target = f"127.0.0.1:{port}"
         self.timeout = str(timeout)
+        self.retries = 0
 
     def _command(self, tool, *arguments, community=READ):
         access = community if isinstance(community, tuple) else ("-v2c", "-c", community)
-        return [tool, *access, "-t", self.timeout, "-r0", "-Onex", *arguments]
+        return [tool, *access, "-t", self.timeout, f"-r{self.retries}", "-Onex", *arguments]
 
     def _run(self, tool, *arguments, community=READ):
         done = subprocess.run(self._command(tool, *arguments, community=community), env=ENVIRONMENT,

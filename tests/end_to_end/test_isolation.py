@@ -6,6 +6,7 @@ import time
 import pytest
 
 import commands
+import snmp
 from programs import wait_until
 from snmp import ROOT, SnmpError, USER, USER_LINES, oid_key
 
@@ -14,7 +15,7 @@ SLOT, HEALTHY = 2, 5  # as the chassis counts; one more in instance identifiers
 
 # Far less than the failing cards take, and far more than the machine needs.
 PROMPT = 1.0
-FAULTS = {"slow": {"milliseconds": 2000}, "silent": {}, "dropped": {}}
+FAULTS = {"slow": {"milliseconds": 1500}, "silent": {}, "dropped": {}}
 
 
 class InBackground(threading.Thread):
@@ -69,3 +70,68 @@ def test_a_failing_card_keeps_no_other_waiting(shared, start, fault):
         assert [text.value for _, text in texts[0]] == [b""] * 8
         assert texts[1] == [row for row in shared.snmp.bulk_walk(10, f"{ADDRESS}.4")
                             if oid_key(row[0])[13] != SLOT + 1]
+
+
+def test_a_set_that_waits_for_its_card_keeps_no_read_waiting(shared, start):
+    flag, text = f"{STATE}.5", f"{STATE}.6"
+    healthy = f"{text}.{HEALTHY + 1}.1"
+    system = start()
+    expected = system.snmp.get(healthy)
+    before = system.snmp.get(f"{flag}.{SLOT + 1}.1")[0][1].value
+    system.chassis.fault("slow", slot=SLOT, command=commands.SET_CHANNEL_CONFIG, milliseconds=3000)
+    change = InBackground(system.snmp.set, (f"{flag}.{SLOT + 1}.1", "i", 3 - before))
+    wait_until(lambda: system.chassis.requests(slot=SLOT, command=commands.SET_CHANNEL_CONFIG), "the SET")
+    # A read of the same slot waits for it and sees what it did.
+    same_slot = InBackground(system.snmp.get, f"{flag}.{SLOT + 1}.1")
+    other_row = InBackground(system.snmp.walk, f"{text}.{HEALTHY + 2}")
+    assert slowest_get_while(system, healthy, expected, [change]) < PROMPT
+    assert change.result()[0][1].value == 3 - before
+    assert same_slot.result()[0][1].value == 3 - before
+    assert len(other_row.result()) == 8
+
+
+def test_a_repeated_request_is_served_once(start):
+    system = start(cache_period=0)
+    system.chassis.fault("slow", slot=SLOT, milliseconds=2500)
+    impatient = snmp.Client(system.agent.port, timeout=1)
+    impatient.retries = 3
+    begin = time.monotonic()
+    assert impatient.get(f"{STATE}.6.{SLOT + 1}.1")[0][1].value == b"Tarn Optics"
+    assert time.monotonic() - begin > 2
+    assert len(system.chassis.requests(slot=SLOT, command=commands.GET_CHANNEL_STATE)) == 1
+    system.chassis.clear_faults()
+    system.chassis.fault("slow", slot=SLOT, command=commands.SET_CHANNEL_CONFIG, milliseconds=2500)
+    oid, value = f"{STATE}.5.{SLOT + 1}.1", system.snmp.get(f"{STATE}.5.{SLOT + 1}.1")[0][1].value
+    impatient.set((oid, "i", 3 - value))
+    assert len(system.chassis.requests(slot=SLOT, command=commands.SET_CHANNEL_CONFIG)) == 1
+
+
+def test_a_silent_card_refuses_at_once_and_is_back_when_it_answers(start):
+    system = start(cache_period=1)
+    rows = f"{ADDRESS}.4"
+    healthy = system.snmp.walk(rows)
+    system.chassis.fault("silent", slot=SLOT)
+    # Its rows are served as they were last seen, so that a walk does not end as if they were gone.
+    wait_until(lambda: system.agent.log_lines("the card does not answer") or not system.snmp.walk(rows),
+               "the card to be left alone")
+    for _ in range(3):
+        assert [oid for oid, _ in system.snmp.walk(rows)] == [oid for oid, _ in healthy]
+        time.sleep(0.5)
+    begin = time.monotonic()
+    with pytest.raises(SnmpError):
+        system.snmp.set((f"{STATE}.20.{SLOT + 1}.1", "u", 1))
+    assert time.monotonic() - begin < PROMPT
+    system.chassis.clear_faults()
+    begin = time.monotonic()
+    wait_until(lambda: system.agent.log_lines("the card answers again"), "the card to be back")
+    assert time.monotonic() - begin < 2 + PROMPT
+    system.snmp.set((f"{STATE}.20.{SLOT + 1}.1", "u", 1))
+
+
+def test_requests_of_one_pdu_travel_together(start):
+    system = start()
+    system.chassis.fault("slow", slot=SLOT, command=commands.GET_CHANNEL_STATE, milliseconds=600)
+    begin = time.monotonic()
+    rows = system.snmp.get(*(f"{STATE}.6.{SLOT + 1}.{channel}" for channel in range(1, 9)))
+    assert [value.value for _, value in rows] == [b"Tarn Optics"] * 8
+    assert time.monotonic() - begin < 8 * 0.6 / 2
