@@ -14,7 +14,43 @@ TableCallbacks find_callbacks(const std::string &table, const Module &module) {
             module.function<table_handler_nextgen_function>(table + "_table_handler_nextgen")};
 }
 
+// A module need not describe its tables.
+void compare_columns(const TableSchema &schema, const Module &module) {
+    auto *describe = module.function<describe_table_function>("mod_describe_table");
+    if (describe == nullptr) {
+        return;
+    }
+    std::vector<column_description> columns(describe(schema.name.c_str(), nullptr, 0));
+    (void)describe(schema.name.c_str(), columns.data(), columns.size());
+    if (const std::string difference = column_difference(schema, columns);
+        !columns.empty() && !difference.empty()) {
+        log_add(log_level::warning, "%s: the MIB is not the module's: %s\n", schema.name.c_str(),
+                difference.c_str());
+    }
+}
+
 }  // namespace
+
+std::string column_difference(const TableSchema &schema, std::span<const column_description> columns) {
+    auto served = columns.begin();
+    for (const Column &column : schema.columns) {
+        const std::string name = "column " + std::to_string(column.number);
+        if (served != columns.end() && served->number < column.number) {
+            return "column " + std::to_string(served->number) + " is not in the MIB";
+        }
+        if (served == columns.end() || served->number != column.number) {
+            return name + " is not the module's";
+        }
+        if (served->type != column.type) {
+            return name + " has another type";
+        }
+        if (column.writable && served->writable == 0) {
+            return name + " cannot be written";
+        }
+        ++served;
+    }
+    return served == columns.end() ? "" : "column " + std::to_string(served->number) + " is not in the MIB";
+}
 
 std::vector<BoundTable> bind_tables(std::vector<TableSchema> schemas, const Module &module) {
     std::vector<BoundTable> bound;
@@ -39,6 +75,7 @@ std::vector<BoundTable> bind_tables(std::vector<TableSchema> schemas, const Modu
             init != nullptr) {
             init();
         }
+        compare_columns(schema, module);
         bound.push_back({std::move(schema), callbacks});
     }
     return bound;

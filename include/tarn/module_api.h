@@ -45,6 +45,17 @@ typedef void get_next_entry_function(struct table_entry *result, int slot, const
                                      int column);
 typedef int table_handler_nextgen_function(int mode, netsnmp_request_info *request, int slot, void *row);
 
+/* A column as the module serves it. */
+struct column_description {
+    uint32_t number;
+    uint8_t type; /* net-snmp's ASN type */
+    uint8_t writable;
+};
+
+/* mod_describe_table, optional: writes the first `room` of the table's columns that can be read, ascending,
+ * and returns how many there are; 0: the module has no such table. */
+typedef size_t describe_table_function(const char *table, struct column_description *columns, size_t room);
+
 #ifdef __cplusplus
 }
 static_assert(sizeof(ModuleDescriptor) == 84);

@@ -182,6 +182,13 @@ struct Column {
     Check second_check = not_checked;  // in the second phase
 };
 
+constexpr bool is_readable(const Column &column) {
+    return column.source.kind != Source::Kind::function || column.source.answer != not_readable.answer;
+}
+constexpr bool is_writable(const Column &column) {
+    return column.check.kind != Check::Kind::read_only;
+}
+
 // Answers a column of a row; 0 or an exception. `missing` is the exception for a record that could not be
 // had.
 int read_column(const Column &column, Row &row, Binding *binding, int missing);

@@ -9,6 +9,7 @@
 
 #include "module/common/exports.h"
 #include "module/tables/frame/column.h"
+#include "module/tables/frame/registry.h"
 #include "tarn/module_api.h"
 
 namespace tarn {
@@ -16,6 +17,7 @@ namespace tarn {
 struct Scalar {
     const char *name;
     std::array<oid, 4> arcs;             // of its identifier below the module's root, ended by 0
+    std::uint8_t type;                   // of its value
     int (*get)(Binding *binding);        // writes the value; 0 or an SNMP error
     Check check;                         // of a value to SET, in the first phase
     int (*set)(const Binding &value);    // in the action phase; 0 or an SNMP error
@@ -39,6 +41,7 @@ int handle_scalar(const Scalar &scalar, const netsnmp_agent_request_info *reqinf
 #define MODULE_SCALAR(X, scalar)                                                                         \
     static_assert((scalar).name == std::string_view(#X), "a scalar has the name of its handler");        \
     static_assert((scalar).get != nullptr && (scalar).set != nullptr, "a scalar is read and written");   \
+    static const tarn::Registered<tarn::Scalar> X##_registered(scalar);                                  \
     TARN_EXPORT_DATA tarn::ScalarRegistration X##_registration;                                          \
     TARN_EXPORT int handle_##X(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*of*/, \
                                netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {    \

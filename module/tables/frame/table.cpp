@@ -44,7 +44,7 @@ int answer_get(const Table &table, Target &target, Binding *binding) {
 }
 
 bool writable(const Column *column) {
-    return column != nullptr && column->check.kind != Check::Kind::read_only;
+    return column != nullptr && is_writable(*column);
 }
 
 // The row that a SET works on. A column that creates rows does with a valid index.

@@ -9,6 +9,7 @@
 #include "module/common/exports.h"
 #include "module/tables/frame/column.h"
 #include "module/tables/frame/index.h"
+#include "module/tables/frame/registry.h"
 #include "module/tables/frame/well_formed.h"
 
 namespace tarn {
@@ -108,8 +109,8 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
 
 }  // namespace tarn
 
-// What the compiler refuses, in both styles.
-#define MODULE_WELL_FORMED(T, table)                                                                         \
+// What the compiler refuses in both styles, and the registration.
+#define MODULE_TABLE(T, table)                                                                               \
     static_assert((table).name == std::string_view(#T), "a table has the name of its callbacks");            \
     static_assert(tarn::well_formed::index_fits((table).index), "a table has as many index parts as a row"); \
     static_assert(tarn::well_formed::ascending((table).columns), "columns ascend without repetition");       \
@@ -120,7 +121,8 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
     static_assert(!(table).ignores_set || !tarn::well_formed::any_writable((table).columns),                 \
                   "a table that leaves SETs alone has no writable column");                                  \
     static_assert((table).find != nullptr || !tarn::well_formed::reads_own_record((table).columns),          \
-                  "a table whose columns lie in its rows' records finds them")
+                  "a table whose columns lie in its rows' records finds them");                              \
+    static const tarn::Registered<tarn::Table> T##_registered(table)
 
 #define MODULE_ITERATOR_TABLE(T, table)                                                           \
     static_assert((table).next != nullptr && (table).successor == nullptr,                        \
@@ -134,7 +136,7 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
 
 // Without the walk.
 #define MODULE_ITERATOR_HANDLER(T, table)                                                                  \
-    MODULE_WELL_FORMED(T, table);                                                                          \
+    MODULE_TABLE(T, table);                                                                                \
     TARN_EXPORT void init_##T##_handlers(void) {}                                                          \
     TARN_EXPORT int T##_module_handler(netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo, \
                                        void *row, netsnmp_table_request_info *table_info) {                \
@@ -142,7 +144,7 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
     }
 
 #define MODULE_NEXTGEN_TABLE(T, table)                                                                 \
-    MODULE_WELL_FORMED(T, table);                                                                      \
+    MODULE_TABLE(T, table);                                                                            \
     static_assert((table).successor != nullptr && (table).next == nullptr,                             \
                   "a nextgen table walks by successor");                                               \
     static_assert((table).index_builder != nullptr, "a nextgen table names its index builder");        \

@@ -91,10 +91,6 @@ constexpr bool types_fit(Columns columns) {
     return std::ranges::all_of(columns, value_fits) && std::ranges::all_of(columns, check_fits);
 }
 
-constexpr bool is_writable(const Column &column) {
-    return column.check.kind != Check::Kind::read_only;
-}
-
 constexpr bool any_writable(Columns columns) {
     return std::ranges::any_of(columns, is_writable);
 }

@@ -55,16 +55,28 @@ int act_on_one(const Binding &value) {
                                                                                  : SNMP_ERR_GENERR;
 }
 
-constexpr Scalar disable_slot{"tarnONTDisableSlot", {3, 30000, 1}, get_slot,
-                              any_unsigned32,       set_slot,      unsigned_within(1, 16, SNMP_ERR_BADVALUE)};
-constexpr Scalar disable_serial{"tarnONTDisableONTSerial", {3, 30000, 2}, get_serial, any_octets, set_serial};
-constexpr Scalar disable_channel{
-    "tarnONTDisableChannel", {3, 30000, 3}, get_channel,
-    any_unsigned32,          set_channel,   unsigned_within(0, 7, SNMP_ERR_WRONGVALUE)};
+constexpr Scalar disable_slot{"tarnONTDisableSlot",
+                              {3, 30000, 1},
+                              unsigned32,
+                              get_slot,
+                              any_unsigned32,
+                              set_slot,
+                              unsigned_within(1, 16, SNMP_ERR_BADVALUE)};
+constexpr Scalar disable_serial{
+    "tarnONTDisableONTSerial", {3, 30000, 2}, octet_string, get_serial, any_octets, set_serial};
+constexpr Scalar disable_channel{"tarnONTDisableChannel",
+                                 {3, 30000, 3},
+                                 unsigned32,
+                                 get_channel,
+                                 any_unsigned32,
+                                 set_channel,
+                                 unsigned_within(0, 7, SNMP_ERR_WRONGVALUE)};
 constexpr Scalar disable_action{
-    "tarnONTDisableActionDisable", {3, 30000, 4}, get_zero, any_unsigned32, act_on_one<disable_ont>};
+    "tarnONTDisableActionDisable", {3, 30000, 4}, unsigned32, get_zero, any_unsigned32,
+    act_on_one<disable_ont>};
 constexpr Scalar enable_action{
-    "tarnONTDisableActionEnable", {3, 30000, 5}, get_zero, any_unsigned32, act_on_one<enable_ont>};
+    "tarnONTDisableActionEnable", {3, 30000, 5}, unsigned32, get_zero, any_unsigned32,
+    act_on_one<enable_ont>};
 
 }  // namespace
 

@@ -34,8 +34,8 @@ int set_interval(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-constexpr Scalar interval{
-    "tarnPortsUtilizationInterval", {4, 50, 1}, get_interval, checked_by(check_interval), set_interval};
+constexpr Scalar interval{"tarnPortsUtilizationInterval", {4, 50, 1},  unsigned32, get_interval,
+                          checked_by(check_interval),     set_interval};
 
 }  // namespace
 

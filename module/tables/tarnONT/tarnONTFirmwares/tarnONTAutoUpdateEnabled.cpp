@@ -19,6 +19,7 @@ int set_enabled(const Binding &value) {
 
 constexpr Scalar enabled{.name = "tarnONTAutoUpdateEnabled",
                          .arcs = {3, 30, 23},
+                         .type = integer,
                          .get = get_enabled,
                          .check = integer_in(0, 2),
                          .set = set_enabled,

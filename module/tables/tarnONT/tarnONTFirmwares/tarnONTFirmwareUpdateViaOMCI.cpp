@@ -85,17 +85,23 @@ int check_slot(const Binding *value) {
     return number < 1 || number > 16 ? SNMP_ERR_WRONGVALUE : error;
 }
 
-constexpr Scalar slot{
-    "tarnONTFirmwareUpdateViaOMCISlot", {3, 30, 11, 1}, get_slot, checked_by(check_slot), set_slot};
-constexpr Scalar serial{
-    "tarnONTFirmwareUpdateViaOMCISerial", {3, 30, 11, 2}, get_serial, octets_of(serial_size), set_serial};
-constexpr Scalar file_name{"tarnONTFirmwareUpdateViaOMCIFilename",
-                           {3, 30, 11, 3},
-                           get_file_name,
-                           octets_up_to(longest_file_name),
-                           set_file_name};
+constexpr Scalar slot{"tarnONTFirmwareUpdateViaOMCISlot",
+                      {3, 30, 11, 1},
+                      unsigned32,
+                      get_slot,
+                      checked_by(check_slot),
+                      set_slot};
+constexpr Scalar serial{"tarnONTFirmwareUpdateViaOMCISerial",
+                        {3, 30, 11, 2},
+                        octet_string,
+                        get_serial,
+                        octets_of(serial_size),
+                        set_serial};
+constexpr Scalar file_name{
+    "tarnONTFirmwareUpdateViaOMCIFilename", {3, 30, 11, 3}, octet_string, get_file_name,
+    octets_up_to(longest_file_name),        set_file_name};
 constexpr Scalar action{
-    "tarnONTFirmwareUpdateViaOMCIAction", {3, 30, 11, 4}, get_zero, any_unsigned32, start_update};
+    "tarnONTFirmwareUpdateViaOMCIAction", {3, 30, 11, 4}, unsigned32, get_zero, any_unsigned32, start_update};
 
 }  // namespace
 

@@ -61,8 +61,8 @@ int set_text(const Binding &value) {
     return result == Written::whole ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
 }
 
-constexpr Scalar priority{
-    "tarnONTFirmwaresVersionPriorityFile", {3, 30, 8}, get_text, octets_up_to(longest_written), set_text};
+constexpr Scalar priority{"tarnONTFirmwaresVersionPriorityFile", {3, 30, 8}, octet_string, get_text,
+                          octets_up_to(longest_written),         set_text};
 
 }  // namespace
 

@@ -9,6 +9,7 @@
 #include "host/agent/directives.h"
 #include "host/loader/module_loader.h"
 #include "host/tables/mib_reader.h"
+#include "host/tables/table_binding.h"
 #include "support/captured_log.h"
 
 // net-snmp forgets its table of textual conventions each time that it starts again in one process.
@@ -70,6 +71,22 @@ TEST_F(MibFiles, DescribeTheTables) {
     EXPECT_THAT(found->columns[3].admitted, IsEmpty());
     const auto modes = std::next(found);
     EXPECT_THAT(modes->columns[0].admitted, UnorderedElementsAre(std::pair(1, 1), std::pair(2, 2)));
+}
+
+TEST_F(MibFiles, OfAnotherModuleAreTold) {
+    TableSchema schema;
+    schema.columns = {{1, ASN_UNSIGNED, false}, {3, ASN_INTEGER, true}};
+    using Columns = std::vector<column_description>;
+    const auto difference = [&schema](const Columns &columns) { return column_difference(schema, columns); };
+    EXPECT_EQ(difference({{1, ASN_UNSIGNED, 0}, {3, ASN_INTEGER, 1}}), "");
+    EXPECT_EQ(difference({{1, ASN_UNSIGNED, 1}, {3, ASN_INTEGER, 1}}), "");  // more than it promises
+    EXPECT_EQ(difference({{1, ASN_UNSIGNED, 0}, {3, ASN_OCTET_STR, 1}}), "column 3 has another type");
+    EXPECT_EQ(difference({{1, ASN_UNSIGNED, 0}, {3, ASN_INTEGER, 0}}), "column 3 cannot be written");
+    EXPECT_EQ(difference({{3, ASN_INTEGER, 1}}), "column 1 is not the module's");
+    EXPECT_EQ(difference({{1, ASN_UNSIGNED, 0}, {2, ASN_INTEGER, 0}, {3, ASN_INTEGER, 1}}),
+              "column 2 is not in the MIB");
+    EXPECT_EQ(difference({{1, ASN_UNSIGNED, 0}, {3, ASN_INTEGER, 1}, {4, ASN_INTEGER, 0}}),
+              "column 4 is not in the MIB");
 }
 
 constexpr const char *mib_head =
