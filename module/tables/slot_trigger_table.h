@@ -22,11 +22,13 @@ inline constexpr Column slot_trigger_columns[] = {
 // Act gives 0 or a failure, which is reported as commitFailed; `refused` answers a SET of another column.
 template <int (*Act)(int slot)>
 constexpr Table slot_trigger_table(const char *name, int refused) {
-    return {.name = name,
-            .index = slot_trigger_index,
-            .columns = slot_trigger_columns<Act>,
-            .next = next_only_row,
-            .refused_column = refused};
+    return {
+        .name = name,
+        .index = slot_trigger_index,
+        .columns = slot_trigger_columns<Act>,
+        .rows = row_of_slot,
+        .answers = {.refused_column = refused},
+    };
 }
 
 }  // namespace tarn

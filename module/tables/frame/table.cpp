@@ -1,6 +1,7 @@
 #include "module/tables/frame/table.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
@@ -28,19 +29,19 @@ bool find_row(bool (*find)(Row &row), Target &target) {
 }
 
 int answer_get(const Table &table, Target &target, Binding *binding) {
-    if (target.column == nullptr && !table.row_before_column) {
-        return table.unknown_column;
+    if (target.column == nullptr && !table.answers.row_before_column) {
+        return table.answers.unknown_column;
     }
     if (!target.has_row_data) {
-        return table.no_row_data;
+        return table.answers.no_row_data;
     }
-    if (!find_row(table.find, target)) {
-        return table.missing_row;
+    if (!find_row(table.rows.find, target)) {
+        return table.answers.missing_row;
     }
     if (target.column == nullptr) {
-        return table.unknown_column;
+        return table.answers.unknown_column;
     }
-    return read_column(*target.column, target.row, binding, table.missing_row);
+    return read_column(*target.column, target.row, binding, table.answers.missing_row);
 }
 
 bool writable(const Column *column) {
@@ -49,33 +50,33 @@ bool writable(const Column *column) {
 
 // The row that a SET works on. A column that creates rows does with a valid index.
 int locate_for_set(const Table &table, Target &target) {
-    if (!table.set_needs_row) {
+    if (!table.writes.set_needs_row) {
         return SNMP_ERR_NOERROR;
     }
-    const bool found = find_row(table.find_for_set != nullptr ? table.find_for_set : table.find, target);
+    const bool found = find_row(table.writes.find != nullptr ? table.writes.find : table.rows.find, target);
     const bool created = target.column != nullptr && target.column->creates && target.index_valid;
     if (found || created) {
         return SNMP_ERR_NOERROR;
     }
-    return table.set_missing_row != 0 ? table.set_missing_row : table.missing_row;
+    return table.answers.set_missing_row != 0 ? table.answers.set_missing_row : table.answers.missing_row;
 }
 
 int reserve(const Table &table, Target &target, const Binding *value) {
-    if (table.row_before_column && table.reserve_needs_row) {
+    if (table.answers.row_before_column && table.answers.reserve_needs_row) {
         if (const int error = locate_for_set(table, target); error != SNMP_ERR_NOERROR) {
             return error;
         }
     }
     if (!writable(target.column)) {
-        return table.refused_column;
+        return table.answers.refused_column;
     }
-    const int error = table.reserve_needs_row ? locate_for_set(table, target) : SNMP_ERR_NOERROR;
+    const int error = table.answers.reserve_needs_row ? locate_for_set(table, target) : SNMP_ERR_NOERROR;
     return error != SNMP_ERR_NOERROR ? error : check_value(target.column->check, value);
 }
 
 std::uint8_t *edited_record(const Table &table, Target &target) {
-    if (table.edited != nullptr) {
-        return table.edited(target.row);
+    if (table.writes.record != nullptr) {
+        return table.writes.record(target.row);
     }
     const RecordOf own = target.column->source.record;
     return own != nullptr ? own(target.row) : target.row.record;
@@ -87,7 +88,7 @@ int edit(const Table &table, Target &target, const Binding &value) {
     }
     std::uint8_t *record = edited_record(table, target);
     if (record == nullptr) {
-        return table.missing_row;
+        return table.answers.missing_row;
     }
     store_value(*target.column, record, value);
     return SNMP_ERR_NOERROR;
@@ -95,7 +96,7 @@ int edit(const Table &table, Target &target, const Binding &value) {
 
 // The section that a SET of this target edits in place; null: none.
 Stamp *edited_section(const Table &table, const Target &target) {
-    return table.edited_stamp != nullptr && target.index_valid ? table.edited_stamp(target.row) : nullptr;
+    return table.writes.section != nullptr && target.index_valid ? table.writes.section(target.row) : nullptr;
 }
 
 // The card that such a section is of; what is not a slot's is the chassis'.
@@ -106,7 +107,7 @@ int section_owner(const Table &table, const Target &target) {
 
 int act(const Table &table, Target &target, const Binding &value) {
     if (!writable(target.column)) {
-        return table.refused_in_action;
+        return table.answers.refused_in_action;
     }
     int error = locate_for_set(table, target);
     if (error != SNMP_ERR_NOERROR) {
@@ -116,8 +117,8 @@ int act(const Table &table, Target &target, const Binding &value) {
     if (section != nullptr && !may_edit(*section, table.name, section_owner(table, target))) {
         return SNMP_ERR_GENERR;
     }
-    if (table.stage != nullptr) {
-        error = table.stage(target.row, *target.column, value);
+    if (table.writes.stage != nullptr) {
+        error = table.writes.stage(target.row, *target.column, value);
     }
     if (error != SNMP_ERR_NOERROR) {
         return error;
@@ -132,7 +133,7 @@ int act(const Table &table, Target &target, const Binding &value) {
 }
 
 int commit(const Table &table, Target &target) {
-    const int error = table.commit != nullptr ? table.commit(target.row) : SNMP_ERR_NOERROR;
+    const int error = table.writes.commit != nullptr ? table.writes.commit(target.row) : SNMP_ERR_NOERROR;
     Stamp *section = edited_section(table, target);
     if (section != nullptr && error == SNMP_ERR_NOERROR) {
         section->held = false;
@@ -142,65 +143,67 @@ int commit(const Table &table, Target &target) {
     return error;
 }
 
-void undo(const Table &table, const Target &target) {
-    Stamp *section = edited_section(table, target);
-    if (section != nullptr && section->held) {
-        section->drop();
-    }
-    if (table.drop != nullptr) {
-        table.drop();
-    }
-}
-
 void call(void (*hook)()) {
     if (hook != nullptr) {
         hook();
     }
 }
 
-// Serves one mode; false for one that the frame does not know.
-bool serve(const Table &table, int mode, Target &target, netsnmp_request_info *request, int &error) {
-    Binding *binding = request->requestvb;
-    error = SNMP_ERR_NOERROR;
-    if (mode == MODE_GET) {
-        error = answer_get(table, target, binding);
-        return true;
+int undo(const Table &table, const Target &target) {
+    Stamp *section = edited_section(table, target);
+    if (section != nullptr && section->held) {
+        section->drop();
     }
-    if (table.ignores_set) {
-        return true;
+    call(table.writes.drop);
+    return SNMP_ERR_NOERROR;
+}
+
+int begin(const Table &table, Target &target, const Binding *value) {
+    call(table.writes.reserve1);
+    const int error = reserve(table, target, value);
+    if (table.writes.foresee != nullptr && target.index_valid && error == SNMP_ERR_NOERROR) {
+        table.writes.foresee(target.row, *target.column, *value);
+    }
+    return error;
+}
+
+int check_again(const Table &table, const Target &target, const Binding *value) {
+    call(table.writes.reserve2);
+    return target.column != nullptr ? check_value(target.column->second_check, value) : SNMP_ERR_NOERROR;
+}
+
+// The answer that no phase needs to be asked for; none: the phase answers.
+std::optional<int> answer_outright(const Answers &answers, int mode, const Target &target) {
+    if (mode != MODE_GET && answers.ignores_set) {
+        return SNMP_ERR_NOERROR;
     }
     const int without_row_data =
-        mode == MODE_SET_ACTION ? table.act_without_row_data : table.set_without_row_data;
-    if (!target.has_row_data && without_row_data != 0) {
-        error = without_row_data;
-        return true;
+        mode == MODE_SET_ACTION ? answers.act_without_row_data : answers.set_without_row_data;
+    return mode != MODE_GET && !target.has_row_data && without_row_data != 0 ? std::optional(without_row_data)
+                                                                             : std::nullopt;
+}
+
+// The error of one mode; none for a mode that the frame does not know.
+std::optional<int> serve(const Table &table, int mode, Target &target, Binding *binding) {
+    if (const std::optional<int> answer = answer_outright(table.answers, mode, target)) {
+        return answer;
     }
     switch (mode) {
+        case MODE_GET:
+            return answer_get(table, target, binding);
         case MODE_SET_RESERVE1:
-            call(table.reserve1);
-            error = reserve(table, target, binding);
-            if (table.foresee != nullptr && target.index_valid && error == SNMP_ERR_NOERROR) {
-                table.foresee(target.row, *target.column, *binding);
-            }
-            return true;
+            return begin(table, target, binding);
         case MODE_SET_RESERVE2:
-            call(table.reserve2);
-            if (target.column != nullptr) {
-                error = check_value(target.column->second_check, binding);
-            }
-            return true;
+            return check_again(table, target, binding);
         case MODE_SET_ACTION:
-            error = act(table, target, *binding);
-            return true;
+            return act(table, target, *binding);
         case MODE_SET_COMMIT:
-            error = commit(table, target);
-            return true;
+            return commit(table, target);
         case MODE_SET_FREE:
         case MODE_SET_UNDO:
-            undo(table, target);
-            return true;
+            return undo(table, target);
         default:
-            return false;
+            return std::nullopt;
     }
 }
 
@@ -213,18 +216,18 @@ Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_contex
     }
     Row row;
     row.slot = slot_byte(slot);
-    if (!table.next(cursor, row)) {
+    if (!table.rows.next(cursor, row)) {
         return nullptr;
     }
     fill_index_list(table.index, row, indexes);
     *data_context = row.record != nullptr ? static_cast<void *>(row.record) : &cursor;
-    *loop_context = table.record_is_loop_context ? *data_context : &cursor;
+    *loop_context = table.rows.record_is_loop_context ? *data_context : &cursor;
     return indexes;
 }
 
 int handle_iterator(const Table &table, netsnmp_request_info *request, netsnmp_agent_request_info *reqinfo,
                     void *row_data, netsnmp_table_request_info *table_info) {
-    if (table.ignores_set && reqinfo->mode != MODE_GET) {
+    if (table.answers.ignores_set && reqinfo->mode != MODE_GET) {
         return SNMP_ERR_NOERROR;
     }
     if (table_info == nullptr) {
@@ -235,50 +238,49 @@ int handle_iterator(const Table &table, netsnmp_request_info *request, netsnmp_a
     target.column = find_column(table, table_info->colnum);
     target.index_valid = parse_index_list(table.index, table_info->indexes, target.row);
     target.has_row_data = row_data != nullptr;
-    int error = SNMP_ERR_NOERROR;
-    serve(table, reqinfo->mode, target, request, error);
+    const int error = serve(table, reqinfo->mode, target, request->requestvb).value_or(SNMP_ERR_NOERROR);
     if (error == SNMP_ERR_NOERROR) {
         return SNMP_ERR_NOERROR;
     }
-    if (row_data == nullptr && reqinfo->mode == MODE_GET && table.no_row_data_is_result) {
+    if (row_data == nullptr && reqinfo->mode == MODE_GET && table.answers.no_row_data_is_result) {
         return error;
     }
     netsnmp_set_request_error(reqinfo, request, error);
-    return table.failure_is_result && error == SNMP_ERR_GENERR ? error : SNMP_ERR_NOERROR;
+    return table.answers.failure_is_result && error == SNMP_ERR_GENERR ? error : SNMP_ERR_NOERROR;
 }
 
 void append_index(const Table &table, table_entry *result, const oid *name, std::size_t length,
                   const Row &row, int column, const char *file, int line) {
     *result = {};
-    if (length < table.prefix) {
+    if (length < table.rows.prefix) {
         return;
     }
-    const std::size_t built_length = table.prefix + 2 + index_length(table.index);
+    const std::size_t built_length = table.rows.prefix + 2 + index_length(table.index);
     auto *built = static_cast<oid *>(balloc(file, line, built_length * sizeof(oid)));
     if (built == nullptr) {
         // The size in the card software's units: four bytes a sub-identifier.
-        log_add(log_error, "%s : memory allocation error. Tried to allocate %d bytes\n", table.index_builder,
-                static_cast<int>(4 * built_length));
+        log_add(log_error, "%s : memory allocation error. Tried to allocate %d bytes\n",
+                table.rows.index_builder, static_cast<int>(4 * built_length));
         return;
     }
-    std::copy_n(name, table.prefix, built);
-    built[table.prefix] = 1;
-    built[table.prefix + 1] = static_cast<oid>(column);
-    build_index(table.index, row, built + table.prefix + 2);
+    std::copy_n(name, table.rows.prefix, built);
+    built[table.rows.prefix] = 1;
+    built[table.rows.prefix + 1] = static_cast<oid>(column);
+    build_index(table.index, row, built + table.rows.prefix + 2);
     *result = {built, built_length, row.record};
 }
 
 void get_next_entry(const Table &table, table_entry *result, int slot, const oid *name, std::size_t length,
                     int column, const char *file, int line) {
     *result = {};
-    if (length < table.prefix) {
+    if (length < table.rows.prefix) {
         return;
     }
     Row row;
     row.slot = slot_byte(slot);
-    const std::size_t index_start = std::min(length, table.prefix + 2);
+    const std::size_t index_start = std::min(length, table.rows.prefix + 2);
     parse_partial_index(table.index, name + index_start, length - index_start, row);
-    if (table.successor(row)) {
+    if (table.rows.successor(row)) {
         append_index(table, result, name, length, row, column, file, line);
     }
 }
@@ -286,25 +288,25 @@ void get_next_entry(const Table &table, table_entry *result, int slot, const oid
 int handle_nextgen(const Table &table, int mode, netsnmp_request_info *request, int slot) {
     oid_pair name{};
     create_pair(&name, request->requestvb);
-    const std::size_t index_start = table.prefix + 2;
+    const std::size_t index_start = table.rows.prefix + 2;
     Target target;
     target.row.slot = slot_byte(slot);
     if (name.length >= index_start) {
         // The column stands behind the entry; get_colnum_from_oid knows tables of 11 sub-identifiers only.
-        target.column =
-            find_column(table, get_int_from_oid(name.name, name.length, static_cast<int>(table.prefix) + 1));
+        target.column = find_column(
+            table, get_int_from_oid(name.name, name.length, static_cast<int>(table.rows.prefix) + 1));
         target.index_valid =
             parse_exact_index(table.index, name.name + index_start, name.length - index_start, target.row);
     }
-    if (mode == MODE_GET && table.asked != nullptr) {
-        table.asked(target.row.slot);
+    if (mode == MODE_GET && table.rows.asked != nullptr) {
+        table.rows.asked(target.row.slot);
     }
-    int error = SNMP_ERR_NOERROR;
-    if (!serve(table, mode, target, request, error)) {
+    const std::optional<int> error = serve(table, mode, target, request->requestvb);
+    if (!error) {
         log_add(log_error, "%s_table_handler_nextgen : Unknown mode : %d\n", table.name, mode);
     }
-    if (error != SNMP_ERR_NOERROR) {
-        netsnmp_request_set_error(request, error);
+    if (error.value_or(SNMP_ERR_NOERROR) != SNMP_ERR_NOERROR) {
+        netsnmp_request_set_error(request, *error);
     }
     return SNMP_ERR_NOERROR;
 }

@@ -43,10 +43,10 @@ constexpr Table olt_profile_table(const char *name) {
         .name = name,
         .index = olt_profile_index<Count>,
         .columns = olt_profile_columns,
-        .find = find_olt_profile<Get, Size>,
-        .next = next_olt_profile<Get, Size, Count>,
-        .record_is_loop_context = true,
-        .ignores_set = true,
+        .rows = {.find = find_olt_profile<Get, Size>,
+                 .next = next_olt_profile<Get, Size, Count>,
+                 .record_is_loop_context = true},
+        .answers = deaf_to_sets,
     };
 }
 

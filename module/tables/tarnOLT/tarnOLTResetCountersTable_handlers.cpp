@@ -25,10 +25,7 @@ constexpr Table table{
     .name = "tarnOLTResetCountersTable",
     .index = row_index,
     .columns = columns,
-    .missing_row = SNMP_NOSUCHOBJECT,
-    .no_row_data = SNMP_NOSUCHOBJECT,
-    .set_without_row_data = SNMP_NOSUCHOBJECT,
-    .refused_in_action = SNMP_ERR_NOERROR,
+    .answers = trigger_answers,
 };
 
 }  // namespace

@@ -71,8 +71,8 @@ constexpr Table table{
     .name = "tarnOLTStateTable",
     .index = row_index,
     .columns = columns,
-    .next = next_only_row,
-    .no_row_data = SNMP_NOSUCHOBJECT,
+    .rows = row_of_slot,
+    .answers = {.no_row_data = SNMP_NOSUCHOBJECT},
 };
 
 }  // namespace

@@ -18,8 +18,8 @@ constexpr Table table{
     .name = "tarnSyncCountersTable",
     .index = row_index,
     .columns = columns,
-    .next = next_only_row,
-    .ignores_set = true,
+    .rows = row_of_slot,
+    .answers = deaf_to_sets,
 };
 
 }  // namespace

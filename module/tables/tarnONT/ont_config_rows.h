@@ -94,6 +94,11 @@ inline int commit_ont(Row &row) {
     return commit_ont_config(row.slot) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
 
+// A SET that stages the record of one ONT, edits the copy at `Record` and sends it once.
+template <RecordOf Record, int (*Commit)(Row &row) = commit_ont, bool (*Find)(Row &row) = any_row>
+inline constexpr Writes stages_one_ont{
+    .find = Find, .stage = stage_ont, .record = Record, .commit = Commit, .drop = invalidate_config_buffer};
+
 // A walk of slots that are configured only.
 template <bool (*Next)(std::int64_t &cursor, Row &row)>
 bool next_in_configured_slot(std::int64_t &cursor, Row &row) {
@@ -111,13 +116,8 @@ constexpr Table ont_entries_table(const char *name, Index index, std::span<const
         .name = name,
         .index = index,
         .columns = columns,
-        .find = find_ont_entry<Stride>,
-        .next = Next,
-        .find_for_set = any_row,
-        .stage = stage_ont,
-        .edited = staged_entry<Stride>,
-        .commit = commit_ont,
-        .drop = invalidate_config_buffer,
+        .rows = {.find = find_ont_entry<Stride>, .next = Next},
+        .writes = stages_one_ont<staged_entry<Stride>>,
     };
 }
 

@@ -81,14 +81,13 @@ struct ProfileKind {
             .name = name,
             .index = index,
             .columns = columns,
-            .find = find_entry<Stride>,
-            .next = next_entry<Entries>,
-            .reserve_needs_row = false,
-            .reserve2 = forget,
-            .stage = stage,
-            .edited_stamp = edited_stamp,
-            .commit = Commit,
-            .drop = forget,
+            .rows = {.find = find_entry<Stride>, .next = next_entry<Entries>},
+            .writes = {.reserve2 = forget,
+                       .stage = stage,
+                       .section = edited_stamp,
+                       .commit = Commit,
+                       .drop = forget},
+            .answers = row_when_acting,
         };
     }
     // The table of the profiles themselves.

@@ -83,10 +83,10 @@ constexpr Table table{
     .name = "tarnONTAddressTable",
     .index = row_index,
     .columns = columns,
-    .find = find_entry,
-    .successor = next_entry,
-    .index_builder = "append_index_tarnONTAddressTable",
-    .row_before_column = true,
+    .rows = {.find = find_entry,
+             .successor = next_entry,
+             .index_builder = "append_index_tarnONTAddressTable"},
+    .answers = row_first,
 };
 
 }  // namespace

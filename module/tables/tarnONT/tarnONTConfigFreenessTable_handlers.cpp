@@ -49,11 +49,10 @@ constexpr Table table{
     .name = "tarnONTConfigFreenessTable",
     .index = row_index,
     .columns = columns,
-    .find = find_place,
-    .successor = next_place,
-    .index_builder = "tarnONTConfigFreenessTable_get_next_entry",
-    .unknown_column = SNMP_ERR_NOERROR,
-    .ignores_set = true,
+    .rows = {.find = find_place,
+             .successor = next_place,
+             .index_builder = "tarnONTConfigFreenessTable_get_next_entry"},
+    .answers = {.unknown_column = accepted, .ignores_set = true},
 };
 
 }  // namespace

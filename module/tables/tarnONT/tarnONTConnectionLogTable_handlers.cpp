@@ -152,8 +152,8 @@ constexpr Table table{
     .name = "tarnONTConnectionLogTable",
     .index = row_index,
     .columns = columns,
-    .next = next_configured_ont,
-    .ignores_set = true,
+    .rows = {.next = next_configured_ont},
+    .answers = deaf_to_sets,
 };
 
 }  // namespace

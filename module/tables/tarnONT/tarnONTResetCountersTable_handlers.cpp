@@ -40,11 +40,8 @@ constexpr Table table{
     .name = "tarnONTResetCountersTable",
     .index = row_index,
     .columns = columns,
-    .next = next_listed_ont,
-    .missing_row = SNMP_NOSUCHOBJECT,
-    .no_row_data = SNMP_NOSUCHOBJECT,
-    .set_without_row_data = SNMP_NOSUCHOBJECT,
-    .refused_in_action = SNMP_ERR_NOERROR,
+    .rows = {.next = next_listed_ont},
+    .answers = trigger_answers,
 };
 
 }  // namespace

@@ -102,16 +102,11 @@ constexpr Table table{
     .name = "tarnONTSelectiveTunnelTable",
     .index = row_index,
     .columns = columns,
-    .find = find_place,
-    .successor = next_place,
-    .index_builder = "tarnONTSelectiveTunnelTable_get_next_entry",
-    .refused_column = SNMP_NOSUCHOBJECT,
-    .find_for_set = any_row,
-    .set_missing_row = SNMP_ERR_INCONSISTENTNAME,
-    .stage = stage_ont,
-    .edited = staged_place,
-    .commit = commit,
-    .drop = invalidate_config_buffer,
+    .rows = {.find = find_place,
+             .successor = next_place,
+             .index_builder = "tarnONTSelectiveTunnelTable_get_next_entry"},
+    .writes = stages_one_ont<staged_place, commit>,
+    .answers = {.refused_column = SNMP_NOSUCHOBJECT, .set_missing_row = SNMP_ERR_INCONSISTENTNAME},
 };
 
 }  // namespace

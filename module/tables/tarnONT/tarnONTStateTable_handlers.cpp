@@ -120,10 +120,8 @@ constexpr Table table{
     .name = "tarnONTStateTable",
     .index = row_index,
     .columns = columns,
-    .find = find_ont,
-    .successor = next_ont,
-    .index_builder = "append_index_state",
-    .row_before_column = true,
+    .rows = {.find = find_ont, .successor = next_ont, .index_builder = "append_index_state"},
+    .answers = row_first,
 };
 
 }  // namespace

@@ -96,11 +96,8 @@ constexpr Table table{
     .name = "tarnONTUNIPortsStateTable",
     .index = row_index,
     .columns = columns,
-    .find = find_port,
-    .successor = next_port,
-    .index_builder = "append_index_oupt",
-    .row_before_column = true,
-    .ignores_set = true,
+    .rows = {.find = find_port, .successor = next_port, .index_builder = "append_index_oupt"},
+    .answers = {.row_before_column = true, .ignores_set = true},
 };
 
 }  // namespace

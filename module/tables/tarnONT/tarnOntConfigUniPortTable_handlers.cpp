@@ -31,14 +31,10 @@ constexpr Table table{
     .name = "tarnOntConfigUniPortTable",
     .index = row_index,
     .columns = columns,
-    .find = find_port,
-    .next = next_in_configured_slot<next_ont_entry<uni_ports, uni_port_size, always, enabled>>,
-    .row_before_column = true,
-    .find_for_set = may_be_set,
-    .stage = stage_ont,
-    .edited = staged_entry<uni_port_size>,
-    .commit = commit_ont,
-    .drop = invalidate_config_buffer,
+    .rows = {.find = find_port,
+             .next = next_in_configured_slot<next_ont_entry<uni_ports, uni_port_size, always, enabled>>},
+    .writes = stages_one_ont<staged_entry<uni_port_size>, commit_ont, may_be_set>,
+    .answers = row_first,
 };
 
 }  // namespace

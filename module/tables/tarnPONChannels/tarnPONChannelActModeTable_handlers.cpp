@@ -30,21 +30,12 @@ constexpr Column columns[] = {
     {3, integer, answered_by(get_mode), integer_in(1, 2), set_mode},
 };
 
-// The rows have no record of their own; the walk's cursor stands for it.
-bool next_channel(std::int64_t &cursor, Row &row) {
-    if (cursor >= channels_per_slot) {
-        return false;
-    }
-    row.number[0] = cursor++;
-    return true;
-}
-
 constexpr Table table{
     .name = "tarnPONChannelActModeTable",
     .index = row_index,
     .columns = columns,
-    .next = next_channel,
-    .set_without_row_data = SNMP_NOSUCHINSTANCE,
+    .rows = numbers_up_to<channels_per_slot>,
+    .answers = {.set_without_row_data = SNMP_NOSUCHINSTANCE},
 };
 
 }  // namespace

@@ -49,11 +49,10 @@ constexpr Table table{
     .name = "tarnPONChannelAddressTable",
     .index = row_index,
     .columns = columns,
-    .find = find_entry,
-    .successor = next_entry,
-    .index_builder = "tarnPONChannelAddressTable_append_index",
-    .missing_row = SNMP_NOSUCHOBJECT,
-    .ignores_set = true,
+    .rows = {.find = find_entry,
+             .successor = next_entry,
+             .index_builder = "tarnPONChannelAddressTable_append_index"},
+    .answers = {.missing_row = SNMP_NOSUCHOBJECT, .ignores_set = true},
 };
 
 }  // namespace

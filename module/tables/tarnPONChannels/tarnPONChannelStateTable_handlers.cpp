@@ -89,10 +89,8 @@ constexpr Table table{
     .name = "tarnPONChannelStateTable",
     .index = row_index,
     .columns = columns,
-    .next = next_channel,
-    .no_row_data = SNMP_NOSUCHOBJECT,
-    .no_row_data_is_result = true,
-    .failure_is_result = true,
+    .rows = {.next = next_channel},
+    .answers = {.no_row_data = SNMP_NOSUCHOBJECT, .no_row_data_is_result = true, .failure_is_result = true},
 };
 
 }  // namespace

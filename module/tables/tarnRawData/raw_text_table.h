@@ -47,14 +47,13 @@ struct RawTextTable {
     static constexpr Column columns[] = {{3, octet_string, answered_by(answer_chunk)}};
 
     static constexpr Table table(const char *name, const char *index_builder) {
-        return {.name = name,
-                .index = row_index,
-                .columns = columns,
-                .find = find_chunk,
-                .successor = next_chunk,
-                .index_builder = index_builder,
-                .row_before_column = true,
-                .reserve_needs_row = false};
+        return {
+            .name = name,
+            .index = row_index,
+            .columns = columns,
+            .rows = {.find = find_chunk, .successor = next_chunk, .index_builder = index_builder},
+            .answers = {.row_before_column = true, .reserve_needs_row = false},
+        };
     }
 };
 

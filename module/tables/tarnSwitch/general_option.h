@@ -46,7 +46,12 @@ struct GeneralOption {
     };
 
     static constexpr Table table(const char *name) {
-        return {.name = name, .index = slot_index, .columns = columns, .next = single_row<general_section>};
+        return {
+            .name = name,
+            .index = slot_index,
+            .columns = columns,
+            .rows = record_of_slot<general_section>,
+        };
     }
 };
 

@@ -49,6 +49,14 @@ struct QosCommit {
         }
         return SNMP_ERR_NOERROR;
     }
+
+    static constexpr Writes writes{.find = find_qos_section,
+                                   .reserve2 = clear,
+                                   .stage = stage,
+                                   .record = edited,
+                                   .section = edited_stamp,
+                                   .commit = commit,
+                                   .drop = clear};
 };
 
 }  // namespace tarn

@@ -53,17 +53,14 @@ struct QosMapping {
     }
 
     static constexpr Table table(const char *name) {
-        return {.name = name,
-                .index = row_index,
-                .columns = columns,
-                .next = next,
-                .find_for_set = find_qos_section,
-                .reserve_needs_row = false,
-                .reserve2 = Commit::clear,
-                .stage = Commit::stage,
-                .edited_stamp = Commit::edited_stamp,
-                .commit = Commit::commit,
-                .drop = Commit::clear};
+        return {
+            .name = name,
+            .index = row_index,
+            .columns = columns,
+            .rows = {.next = next},
+            .writes = Commit::writes,
+            .answers = row_when_acting,
+        };
     }
 
   private:

@@ -17,6 +17,8 @@ bool single_row(std::int64_t &cursor, Row &row) {
     row.record = Record(row);
     return row.record != nullptr;
 }
+template <std::uint8_t *(*Record)(Row &row)>
+inline constexpr Rows record_of_slot{.next = single_row<Record>};
 
 }  // namespace tarn
 

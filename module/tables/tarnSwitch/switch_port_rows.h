@@ -19,14 +19,6 @@ std::uint8_t *switch_port_record(Row &row) {
     return Get(row.slot, switch_port_of(row));
 }
 
-inline bool next_switch_port(std::int64_t &cursor, Row &row) {
-    if (cursor >= switch_ports) {
-        return false;
-    }
-    row.number[0] = cursor++;
-    return true;
-}
-
 }  // namespace tarn
 
 #endif

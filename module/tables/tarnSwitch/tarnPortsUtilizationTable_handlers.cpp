@@ -32,7 +32,7 @@ constexpr Table table{
     .name = "tarnPortsUtilizationTable",
     .index = switch_port_index,
     .columns = columns,
-    .next = next_switch_port,
+    .rows = numbers_up_to<switch_ports>,
 };
 
 }  // namespace

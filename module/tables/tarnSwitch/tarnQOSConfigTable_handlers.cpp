@@ -30,17 +30,11 @@ constexpr Table table{
     .name = "tarnQOSConfigTable",
     .index = slot_index,
     .columns = columns,
-    .next = single_row<qos_section>,
-    .set_without_row_data = SNMP_NOSUCHOBJECT,
-    .act_without_row_data = SNMP_NOSUCHINSTANCE,
-    .find_for_set = find_qos_section,
-    .reserve_needs_row = false,
-    .reserve2 = Commit::clear,
-    .stage = Commit::stage,
-    .edited = Commit::edited,
-    .edited_stamp = Commit::edited_stamp,
-    .commit = Commit::commit,
-    .drop = Commit::clear,
+    .rows = record_of_slot<qos_section>,
+    .writes = Commit::writes,
+    .answers = {.set_without_row_data = SNMP_NOSUCHOBJECT,
+                .act_without_row_data = SNMP_NOSUCHINSTANCE,
+                .reserve_needs_row = false},
 };
 
 }  // namespace

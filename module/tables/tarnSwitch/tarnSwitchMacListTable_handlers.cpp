@@ -101,12 +101,11 @@ constexpr Table table{
     .name = "tarnSwitchMacListTable",
     .index = row_index,
     .columns = columns,
-    .find = find_entry,
-    .successor = next_entry,
-    .asked = trace_lookup,
-    .index_builder = "tarnSwitchMacListTable_append_index",
-    .missing_row = SNMP_NOSUCHOBJECT,
-    .reserve_needs_row = false,
+    .rows = {.find = find_entry,
+             .successor = next_entry,
+             .asked = trace_lookup,
+             .index_builder = "tarnSwitchMacListTable_append_index"},
+    .answers = {.missing_row = SNMP_NOSUCHOBJECT, .reserve_needs_row = false},
 };
 
 }  // namespace

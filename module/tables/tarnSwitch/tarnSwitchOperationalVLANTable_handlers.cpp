@@ -38,9 +38,8 @@ constexpr Table table{
     .name = "tarnSwitchOperationalVLANTable",
     .index = row_index,
     .columns = columns,
-    .find = find_vlan,
-    .next = next_vlan,
-    .missing_row = SNMP_NOSUCHOBJECT,
+    .rows = {.find = find_vlan, .next = next_vlan},
+    .answers = {.missing_row = SNMP_NOSUCHOBJECT},
 };
 
 }  // namespace

@@ -27,9 +27,8 @@ constexpr Table table{
     .name = "tarnSwitchPortCountersTable",
     .index = switch_port_index,
     .columns = columns,
-    .next = next_switch_port,
-    .refused_column = SNMP_ERR_NOERROR,
-    .refused_in_action = SNMP_ERR_NOERROR,
+    .rows = numbers_up_to<switch_ports>,
+    .answers = {.refused_column = accepted, .refused_in_action = accepted},
 };
 
 }  // namespace

@@ -36,8 +36,8 @@ constexpr Table table{
     .name = "tarnSwitchPortsTable",
     .index = row_index,
     .columns = columns,
-    .next = next_port,
-    .ignores_set = true,
+    .rows = {.next = next_port},
+    .answers = deaf_to_sets,
 };
 
 }  // namespace

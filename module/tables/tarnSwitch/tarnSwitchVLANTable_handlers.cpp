@@ -174,15 +174,13 @@ constexpr Table table{
     .name = "tarnSwitchVLANTable",
     .index = row_index,
     .columns = columns,
-    .find = find_vlan,
-    .successor = next_vlan,
-    .index_builder = "append_vlan_index",
-    .row_before_column = true,
-    .set_needs_row = false,
-    .reserve1 = forget_pending,
-    .stage = stage,
-    .commit = commit_pending,
-    .drop = drop_unsent_vlans,
+    .rows = {.find = find_vlan, .successor = next_vlan, .index_builder = "append_vlan_index"},
+    .writes = {.set_needs_row = false,
+               .reserve1 = forget_pending,
+               .stage = stage,
+               .commit = commit_pending,
+               .drop = drop_unsent_vlans},
+    .answers = row_first,
 };
 
 }  // namespace

@@ -164,12 +164,8 @@ constexpr Table table{
     .name = "tarnONTAutoUpdateTable",
     .index = row_index,
     .columns = columns,
-    .find = find_rule,
-    .next = next_rule,
-    .reserve2 = reset_edit,
-    .stage = note_description,
-    .edited = edited_entry,
-    .commit = commit,
+    .rows = {.find = find_rule, .next = next_rule},
+    .writes = {.reserve2 = reset_edit, .stage = note_description, .record = edited_entry, .commit = commit},
 };
 
 }  // namespace

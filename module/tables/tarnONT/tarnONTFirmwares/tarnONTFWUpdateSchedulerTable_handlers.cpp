@@ -167,15 +167,11 @@ constexpr Table table{
     .name = "tarnONTFWUpdateSchedulerTable",
     .index = row_index,
     .columns = columns,
-    .find = find_task,
-    .next = next_task,
-    .missing_row = SNMP_NOSUCHOBJECT,
-    .no_row_data = SNMP_NOSUCHOBJECT,
-    .refused_in_action = SNMP_ERR_NOERROR,
-    .reserve1 = reset_request,
-    .reserve2 = reset_request,
-    .stage = note_slot,
-    .commit = commit,
+    .rows = {.find = find_task, .next = next_task},
+    .writes = {.reserve1 = reset_request, .reserve2 = reset_request, .stage = note_slot, .commit = commit},
+    .answers = {.missing_row = SNMP_NOSUCHOBJECT,
+                .no_row_data = SNMP_NOSUCHOBJECT,
+                .refused_in_action = accepted},
 };
 
 }  // namespace

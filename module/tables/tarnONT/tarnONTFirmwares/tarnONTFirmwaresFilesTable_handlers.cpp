@@ -61,9 +61,8 @@ constexpr Table table{
     .name = "tarnONTFirmwaresFilesTable",
     .index = row_index,
     .columns = columns,
-    .find = find_image,
-    .next = next_image,
-    .reserve_needs_row = false,
+    .rows = {.find = find_image, .next = next_image},
+    .answers = row_when_acting,
 };
 
 }  // namespace

@@ -181,13 +181,9 @@ constexpr Table table{
     .name = "tarnONTFirmwaresSpecificsTable",
     .index = row_index,
     .columns = columns,
-    .find = find_row,
-    .next = next_row,
-    .reserve_needs_row = false,
-    .reserve2 = begin_set,
-    .stage = remember_image,
-    .commit = commit,
-    .drop = take_back,
+    .rows = {.find = find_row, .next = next_row},
+    .writes = {.reserve2 = begin_set, .stage = remember_image, .commit = commit, .drop = take_back},
+    .answers = row_when_acting,
 };
 
 }  // namespace

@@ -86,11 +86,11 @@ struct CounterTableParts {
             .name = name,
             .index = row_index,
             .columns = columns,
-            .find = find_ont,
-            .successor = next,
-            .index_builder = index_builder,
-            .prefix = counter_table_prefix,
-            .unknown_column = SNMP_NOSUCHINSTANCE,
+            .rows = {.find = find_ont,
+                     .successor = next,
+                     .index_builder = index_builder,
+                     .prefix = counter_table_prefix},
+            .answers = {.unknown_column = SNMP_NOSUCHINSTANCE},
         };
     }
 };

@@ -23,7 +23,12 @@ constexpr Column name{2, octet_string, field(text), octets_up_to(15)};
 constexpr Column trigger{4, unsigned32, reads_zero, any_unsigned32, on_one<act>};
 
 constexpr Table table_of(const char *title, std::span<const Column> columns) {
-    return {.name = title, .index = row_index, .columns = columns, .find = find, .next = next_only_row};
+    return {
+        .name = title,
+        .index = row_index,
+        .columns = columns,
+        .rows = {.find = find, .next = next_only_row},
+    };
 }
 
 constexpr Column columns[] = {slot, name, trigger};
@@ -68,29 +73,40 @@ WRONG_COLUMNS(written_nowhere, {{4, unsigned32, reads_zero, any_unsigned32}})
 MODULE_ITERATOR_TABLE(written_nowhere, written_nowhere)
 
 // refused: a table that leaves SETs alone has no writable column
-static constexpr Table deaf{.name = "deaf",
-                            .index = row_index,
-                            .columns = columns,
-                            .find = find,
-                            .next = next_only_row,
-                            .ignores_set = true};
+static constexpr Table deaf{
+    .name = "deaf",
+    .index = row_index,
+    .columns = columns,
+    .rows = {.find = find, .next = next_only_row},
+    .answers = {.ignores_set = true},
+};
 MODULE_ITERATOR_TABLE(deaf, deaf)
 
 // refused: a table whose columns lie in its rows' records finds them
-static constexpr Table blind{.name = "blind", .index = row_index, .columns = columns, .next = next_only_row};
+static constexpr Table blind{
+    .name = "blind",
+    .index = row_index,
+    .columns = columns,
+    .rows = {.next = next_only_row},
+};
 MODULE_ITERATOR_TABLE(blind, blind)
 
 // refused: an iterator table walks by next
-static constexpr Table lame{.name = "lame", .index = row_index, .columns = columns, .find = find};
+static constexpr Table lame{
+    .name = "lame",
+    .index = row_index,
+    .columns = columns,
+    .rows = {.find = find},
+};
 MODULE_ITERATOR_TABLE(lame, lame)
 
 // refused: a nextgen table walks by successor
-static constexpr Table other_style{.name = "other_style",
-                                   .index = row_index,
-                                   .columns = columns,
-                                   .find = find,
-                                   .next = next_only_row,
-                                   .index_builder = "builder"};
+static constexpr Table other_style{
+    .name = "other_style",
+    .index = row_index,
+    .columns = columns,
+    .rows = {.find = find, .next = next_only_row, .index_builder = "builder"},
+};
 MODULE_NEXTGEN_TABLE(other_style, other_style)
 
 // refused: a table has the name of its callbacks

@@ -1,0 +1,37 @@
+// What a SET of a table does in its phases, around what its columns do.
+#ifndef TARN_MODULE_TABLES_FRAME_WRITES_H
+#define TARN_MODULE_TABLES_FRAME_WRITES_H
+
+#include "module/common/cache.h"
+#include "module/tables/frame/column.h"
+
+namespace tarn {
+
+struct Writes {
+    // Whether a SET needs the row that the index names; if not, stage decides, and an index that is no row's
+    // reads as zeros.
+    bool set_needs_row = true;
+    // The row that a SET works on, with row.record set where columns are stored there; null: as in a GET.
+    bool (*find)(Row &row) = nullptr;
+    void (*reserve1)() = nullptr;
+    void (*reserve2)() = nullptr;
+    // Told of every variable that passes the first phase, so that the action phase knows what the others do.
+    void (*foresee)(const Row &row, const Column &column, const Binding &value) = nullptr;
+    // In the action phase, before a column is written; 0 or an error.
+    int (*stage)(Row &row, const Column &column, const Binding &value) = nullptr;
+    // The record that columns without an action of their own are stored in; null: the column's own, or the
+    // row's.
+    RecordOf record = nullptr;
+    // The stamp of the cached section that a SET edits in place, or null. A section that does not show what
+    // the card has is not edited. From the first edit to the end of the commit it is not read again; after a
+    // failed SET the next read fetches what the card holds.
+    Stamp *(*section)(const Row &row) = nullptr;
+    // Sends what was staged; 0 or an error.
+    int (*commit)(Row &row) = nullptr;
+    // The request failed: forget what was staged.
+    void (*drop)() = nullptr;
+};
+
+}  // namespace tarn
+
+#endif
