@@ -8,35 +8,17 @@ namespace tarn {
 
 namespace {
 
-// net-snmp holds every other integer in a long; Gauge32 must not carry sign bits beyond its 32.
-void set_integer(Binding *binding, std::uint8_t type, std::int64_t value) {
-    if (type == ASN_COUNTER64) {
-        struct counter64 counter {};
-        to_c64(&counter, static_cast<std::uint64_t>(value));
-        snmp_set_var_typed_value(binding, type, &counter, sizeof counter);
-        return;
-    }
-    const long held = type == ASN_INTEGER ? static_cast<std::int32_t>(value)
-                                          : static_cast<long>(static_cast<std::uint32_t>(value));
-    snmp_set_var_typed_integer(binding, type, held);
-}
-
-void set_octets(Binding *binding, std::uint8_t type, const void *bytes, std::size_t count) {
-    snmp_set_var_typed_value(binding, type, bytes, count);
-}
-
-void set_field(const Column &column, const std::uint8_t *record, Binding *binding) {
-    const Field &field = column.source.field;
+int answer_field(const Source &source, const std::uint8_t *record, const Reply &reply) {
+    const Field &field = source.field;
     if (field.encoding == Encoding::text) {
-        const std::string_view text = load_text(record, field);
-        set_octets(binding, column.type, text.data(), text.size());
-    } else if (field.encoding == Encoding::octets) {
-        set_octets(binding, column.type, record + field.offset, field.size);
-    } else {
-        const std::int64_t stored = load_integer(record, field);
-        const auto convert = column.source.conversion.to_snmp;
-        set_integer(binding, column.type, convert != nullptr ? convert(stored) : stored);
+        return reply.text(load_text(record, field));
     }
+    if (field.encoding == Encoding::octets) {
+        return reply.octets(record + field.offset, field.size);
+    }
+    const std::int64_t stored = load_integer(record, field);
+    const auto convert = source.conversion.to_snmp;
+    return reply.number(convert != nullptr ? convert(stored) : stored);
 }
 
 int check_integer(const Check &check, const Binding *value) {
@@ -58,24 +40,38 @@ bool holds_integer(const Binding *value) {
            value->type == ASN_TIMETICKS;
 }
 
+// net-snmp holds every integer but a Counter64 in a long; Gauge32 must not carry sign bits beyond its 32.
+int Reply::number(std::int64_t value) const {
+    if (type == ASN_COUNTER64) {
+        struct counter64 counter {};
+        to_c64(&counter, static_cast<std::uint64_t>(value));
+        return octets(&counter, sizeof counter);
+    }
+    const long held = type == ASN_INTEGER ? static_cast<std::int32_t>(value)
+                                          : static_cast<long>(static_cast<std::uint32_t>(value));
+    snmp_set_var_typed_integer(binding, type, held);
+    return SNMP_ERR_NOERROR;
+}
+
+int Reply::octets(const void *bytes, std::size_t count) const {
+    snmp_set_var_typed_value(binding, type, bytes, count);
+    return SNMP_ERR_NOERROR;
+}
+
 int read_column(const Column &column, Row &row, Binding *binding, int missing) {
     const Source &source = column.source;
+    const Reply reply{binding, column.type};
     switch (source.kind) {
         case Source::Kind::slot:
-            set_integer(binding, column.type, row.slot + source.argument);
-            return SNMP_ERR_NOERROR;
+            return reply.number(row.slot + source.argument);
         case Source::Kind::serial:
-            set_octets(binding, column.type, row.serial.data(), row.serial.size());
-            return SNMP_ERR_NOERROR;
+            return reply.octets(row.serial.data(), row.serial.size());
         case Source::Kind::number:
-            set_integer(binding, column.type,
-                        row.number[static_cast<std::size_t>(source.position)] + source.argument);
-            return SNMP_ERR_NOERROR;
+            return reply.number(row.number[static_cast<std::size_t>(source.position)] + source.argument);
         case Source::Kind::constant:
-            set_integer(binding, column.type, source.argument);
-            return SNMP_ERR_NOERROR;
+            return reply.number(source.argument);
         case Source::Kind::function:
-            return source.answer(row, binding);
+            return source.answer(row, reply);
         case Source::Kind::field:
         case Source::Kind::computed:
             break;
@@ -84,12 +80,8 @@ int read_column(const Column &column, Row &row, Binding *binding, int missing) {
     if (record == nullptr) {
         return missing;
     }
-    if (source.kind == Source::Kind::computed) {
-        set_integer(binding, column.type, source.compute(record));
-    } else {
-        set_field(column, record, binding);
-    }
-    return SNMP_ERR_NOERROR;
+    return source.kind == Source::Kind::computed ? reply.number(source.compute(record))
+                                                 : answer_field(source, record, reply);
 }
 
 int check_value(const Check &check, const Binding *value) {

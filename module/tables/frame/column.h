@@ -18,6 +18,16 @@ inline constexpr std::uint8_t octet_string = ASN_OCTET_STR;
 inline constexpr std::uint8_t ip_address = ASN_IPADDRESS;
 inline constexpr std::uint8_t counter_64 = ASN_COUNTER64;
 
+// Where the value of a GET is written, and the SNMP type that it gets. Each of these returns no error.
+struct Reply {
+    Binding *binding;
+    std::uint8_t type;
+
+    int number(std::int64_t value) const;
+    int octets(const void *bytes, std::size_t count) const;
+    int text(std::string_view value) const { return octets(value.data(), value.size()); }
+};
+
 // ---- Where a value comes from ----
 
 // Refreshes and returns the record that a field lies in; null: it could not be had, the row is missing.
@@ -52,7 +62,7 @@ struct Source {
     Field field{};
     Conversion conversion{};
     std::int64_t (*compute)(const std::uint8_t *record) = nullptr;
-    int (*answer)(Row &row, Binding *binding) = nullptr;  // 0 or an exception
+    int (*answer)(Row &row, const Reply &reply) = nullptr;  // 0 or an exception
 };
 
 constexpr Source slot_plus(int added) {
@@ -90,9 +100,9 @@ constexpr Source computed(std::int64_t (*compute)(const std::uint8_t *)) {
 // A column that cannot be read.
 inline constexpr Source not_readable{
     .kind = Source::Kind::function,
-    .answer = [](Row & /*row*/, Binding * /*binding*/) -> int { return SNMP_NOSUCHOBJECT; }};
+    .answer = [](Row & /*row*/, const Reply & /*reply*/) -> int { return SNMP_NOSUCHOBJECT; }};
 // Whatever else: the function writes the value itself.
-constexpr Source answered_by(int (*answer)(Row &row, Binding *binding)) {
+constexpr Source answered_by(int (*answer)(Row &row, const Reply &reply)) {
     return {.kind = Source::Kind::function, .answer = answer};
 }
 

@@ -15,7 +15,7 @@ bool serve(const Scalar &scalar, int mode, Binding *binding, int &error) {
     error = SNMP_ERR_NOERROR;
     switch (mode) {
         case MODE_GET:
-            error = scalar.get(binding);
+            error = scalar.get({binding, scalar.type});
             return true;
         case MODE_SET_RESERVE1:
             error = check_value(scalar.check, binding);

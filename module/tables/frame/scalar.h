@@ -18,7 +18,7 @@ struct Scalar {
     const char *name;
     std::array<oid, 4> arcs;             // of its identifier below the module's root, ended by 0
     std::uint8_t type;                   // of its value
-    int (*get)(Binding *binding);        // writes the value; 0 or an SNMP error
+    int (*get)(const Reply &reply);      // writes the value; 0 or an SNMP error
     Check check;                         // of a value to SET, in the first phase
     int (*set)(const Binding &value);    // in the action phase; 0 or an SNMP error
     Check second_check = not_checked;    // in the second phase

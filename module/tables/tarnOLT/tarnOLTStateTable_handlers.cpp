@@ -17,7 +17,7 @@ constexpr IndexPart row_index[] = {slot_part};
 // A word keeps its sign: from 32768 on it prints as a 32-bit number near the end of its range. The texts of
 // two values lie side by side in the record, word by word.
 template <char Conversion, int... Words>
-int dotted_words(Row &row, Binding *binding) {
+int dotted_words(Row &row, const Reply &reply) {
     const std::uint8_t *state = get_olt_state(row.slot);
     if (state == nullptr) {
         return SNMP_NOSUCHINSTANCE;
@@ -33,16 +33,14 @@ int dotted_words(Row &row, Binding *binding) {
         }
         text.append(text.empty() ? "" : ".").append(number.data());
     }
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, text.data(), text.size());
-    return SNMP_ERR_NOERROR;
+    return reply.text(text);
 }
 
-int slot_number(Row &row, Binding *binding) {
+int slot_number(Row &row, const Reply &reply) {
     if (get_olt_state(row.slot) == nullptr) {
         return SNMP_NOSUCHINSTANCE;
     }
-    snmp_set_var_typed_integer(binding, ASN_UNSIGNED, row.slot + 1);
-    return SNMP_ERR_NOERROR;
+    return reply.number(row.slot + 1);
 }
 
 std::uint8_t *state(Row &row) {

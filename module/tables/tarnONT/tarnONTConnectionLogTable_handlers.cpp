@@ -119,10 +119,9 @@ namespace {
 
 constexpr IndexPart row_index[] = {slot_part, serial_part};
 
-int answer_log(Row &row, Binding *binding) {
+int answer_log(Row &row, const Reply &reply) {
     generate_ont_connections(row.slot, row.serial.data());
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, log_text.text.data(), log_text.length);
-    return SNMP_ERR_NOERROR;
+    return reply.octets(log_text.text.data(), log_text.length);
 }
 
 constexpr Column columns[] = {

@@ -12,9 +12,8 @@ std::int32_t slot = 1;  // counted from 1
 Serial serial{};
 std::int32_t channel = 0;  // counted from 0
 
-int get_slot(Binding *binding) {
-    snmp_set_var_typed_integer(binding, ASN_GAUGE, slot);
-    return SNMP_ERR_NOERROR;
+int get_slot(const Reply &reply) {
+    return reply.number(slot);
 }
 
 int set_slot(const Binding &value) {
@@ -22,9 +21,8 @@ int set_slot(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-int get_serial(Binding *binding) {
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, serial.data(), serial.size());
-    return SNMP_ERR_NOERROR;
+int get_serial(const Reply &reply) {
+    return reply.octets(serial.data(), serial.size());
 }
 
 // A shorter value is filled with zeros, of a longer one the first eight bytes count.
@@ -34,9 +32,8 @@ int set_serial(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-int get_channel(Binding *binding) {
-    snmp_set_var_typed_integer(binding, ASN_GAUGE, channel);
-    return SNMP_ERR_NOERROR;
+int get_channel(const Reply &reply) {
+    return reply.number(channel);
 }
 
 int set_channel(const Binding &value) {
@@ -44,9 +41,8 @@ int set_channel(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-int get_zero(Binding *binding) {
-    snmp_set_var_typed_integer(binding, ASN_GAUGE, 0);
-    return SNMP_ERR_NOERROR;
+int get_zero(const Reply &reply) {
+    return reply.number(0);
 }
 
 template <int (*Act)(int slot, int channel, const std::uint8_t *serial)>

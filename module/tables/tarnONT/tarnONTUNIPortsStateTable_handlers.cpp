@@ -27,14 +27,13 @@ std::uint8_t *port_block(Row &row) {
     return record != nullptr ? record + port_of(row) * ont_uni_ports::block_size : nullptr;
 }
 
-int is_present(Row &row, Binding *binding) {
+int is_present(Row &row, const Reply &reply) {
     const std::uint8_t *record = get_ont_uni_ports_state(row.slot, row.serial.data());
     if (record == nullptr) {
         return SNMP_NOSUCHINSTANCE;
     }
     const bool present = load_integer(record, ont_uni_ports::port_count) > port_of(row);
-    snmp_set_var_typed_integer(binding, ASN_INTEGER, present ? 1 : 2);
-    return SNMP_ERR_NOERROR;
+    return reply.number(present ? 1 : 2);
 }
 
 constexpr Column columns[] = {

@@ -14,10 +14,9 @@ int channel_of(const Row &row) {
     return static_cast<int>(row.number[0]);
 }
 
-int get_mode(Row &row, Binding *binding) {
+int get_mode(Row &row, const Reply &reply) {
     const int mode = get_activation_auth_mode(row.slot, channel_of(row));
-    snmp_set_var_typed_integer(binding, ASN_INTEGER, get_truth_value(mode));
-    return SNMP_ERR_NOERROR;
+    return reply.number(get_truth_value(mode));
 }
 
 int set_mode(Row &row, const Binding &value) {

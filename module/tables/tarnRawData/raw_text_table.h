@@ -35,12 +35,11 @@ struct RawTextTable {
         return row.number[0]++ <= chunks(text_of(row.slot));
     }
 
-    static int answer_chunk(Row &row, Binding *binding) {
+    static int answer_chunk(Row &row, const Reply &reply) {
         const std::string_view text = text_of(row.slot);
         const auto start = static_cast<std::size_t>((row.number[0] - 1) * chunk_size);
         const std::string_view chunk = text.substr(std::min(start, text.size()), chunk_size);
-        snmp_set_var_typed_value(binding, ASN_OCTET_STR, chunk.data(), chunk.size());
-        return SNMP_ERR_NOERROR;
+        return reply.text(chunk);
     }
 
     static constexpr IndexPart row_index[] = {slot_part, number_part(any_unsigned)};

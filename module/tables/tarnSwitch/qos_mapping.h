@@ -18,15 +18,14 @@ struct QosMapping {
 
     static int queue_of(const Row &row) { return static_cast<int>(row.number[0]); }
 
-    static int answer(Row &row, Binding *binding) {
+    static int answer(Row &row, const Reply &reply) {
         const std::uint8_t *section = qos_section(row);
         if (section == nullptr) {
             return SNMP_NOSUCHINSTANCE;
         }
         std::uint8_t list[8];
         store_le64(list, convert(load_integer(section, Mask(queue_of(row)))));
-        snmp_set_var_typed_value(binding, ASN_OCTET_STR, list, octets);
-        return SNMP_ERR_NOERROR;
+        return reply.octets(list, octets);
     }
 
     static int set(Row &row, const Binding &value) {

@@ -9,13 +9,12 @@ using namespace tarn;
 namespace {
 
 // The scalar stays registered when the chassis-wide stores stop; there is no interval then.
-int get_interval(Binding *binding) {
+int get_interval(const Reply &reply) {
     const ProfilesDatabase *db = profiles_database();
     if (db == nullptr) {
         return SNMP_ERR_GENERR;
     }
-    snmp_set_var_typed_integer(binding, ASN_GAUGE, db->utilization_interval);
-    return SNMP_ERR_NOERROR;
+    return reply.number(db->utilization_interval);
 }
 
 int check_interval(const Binding *value) {

@@ -82,13 +82,12 @@ std::int64_t flag_of(const std::uint8_t *record) {
     return (entry_of(record).flags & switch_mac::flag_bit) != 0 ? 1 : 2;
 }
 
-int answer_mac(Row &row, Binding *binding) {
+int answer_mac(Row &row, const Reply &reply) {
     const std::uint8_t *mac = entry_of(row.record).mac;
     char text[32];
     const int length = std::snprintf(text, sizeof text, "%02X:%02X:%02X:%02X:%02X:%02X", mac[0], mac[1],
                                      mac[2], mac[3], mac[4], mac[5]);
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, text, static_cast<std::size_t>(length));
-    return SNMP_ERR_NOERROR;
+    return reply.octets(text, static_cast<std::size_t>(length));
 }
 
 constexpr Column columns[] = {

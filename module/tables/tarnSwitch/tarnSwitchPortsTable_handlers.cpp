@@ -13,10 +13,9 @@ constexpr IndexPart row_index[] = {ordinal_part(any_unsigned)};
 // Ports 5 and 6 lead nowhere; the port channels 13 and 14 are not listed.
 constexpr int listed_ports[] = {0, 1, 2, 3, 4, 7, 8, 9, 10, 11, 12, 20};
 
-int answer_name(Row &row, Binding *binding) {
+int answer_name(Row &row, const Reply &reply) {
     const std::string_view name = get_port_name(static_cast<int>(row.number[0]));
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, name.data(), name.size());
-    return SNMP_ERR_NOERROR;
+    return reply.text(name);
 }
 
 constexpr Column columns[] = {

@@ -10,12 +10,11 @@ namespace tarn {
 
 // A port mask of the row's record and its group mask, as a list of ports.
 template <Field Ports, Field Groups>
-int answer_ports(Row &row, Binding *binding) {
+int answer_ports(Row &row, const Reply &reply) {
     std::uint8_t list[4];
     store_le32(list, portlist_switch_to_snmp(static_cast<std::uint32_t>(load_integer(row.record, Ports)),
                                              static_cast<std::uint16_t>(load_integer(row.record, Groups))));
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, list, sizeof list);
-    return SNMP_ERR_NOERROR;
+    return reply.octets(list, sizeof list);
 }
 
 }  // namespace tarn

@@ -7,9 +7,8 @@ using namespace tarn;
 
 namespace {
 
-int get_enabled(Binding *binding) {
-    snmp_set_var_typed_integer(binding, ASN_INTEGER, get_ont_fw_autoupdate());
-    return SNMP_ERR_NOERROR;
+int get_enabled(const Reply &reply) {
+    return reply.number(get_ont_fw_autoupdate());
 }
 
 int set_enabled(const Binding &value) {

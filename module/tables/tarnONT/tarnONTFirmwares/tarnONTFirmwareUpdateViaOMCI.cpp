@@ -20,9 +20,8 @@ Serial omci_serial{};
 char omci_filename[longest_file_name + 1];
 std::size_t omci_filename_length = 0;
 
-int get_slot(Binding *binding) {
-    snmp_set_var_typed_integer(binding, ASN_GAUGE, omci_slot & 0xFF);
-    return SNMP_ERR_NOERROR;
+int get_slot(const Reply &reply) {
+    return reply.number(omci_slot & 0xFF);
 }
 
 int set_slot(const Binding &value) {
@@ -30,9 +29,8 @@ int set_slot(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-int get_serial(Binding *binding) {
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, omci_serial.data(), omci_serial.size());
-    return SNMP_ERR_NOERROR;
+int get_serial(const Reply &reply) {
+    return reply.octets(omci_serial.data(), omci_serial.size());
 }
 
 int set_serial(const Binding &value) {
@@ -40,9 +38,8 @@ int set_serial(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-int get_file_name(Binding *binding) {
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, omci_filename, std::strlen(omci_filename));
-    return SNMP_ERR_NOERROR;
+int get_file_name(const Reply &reply) {
+    return reply.text(omci_filename);
 }
 
 int set_file_name(const Binding &value) {
@@ -52,9 +49,8 @@ int set_file_name(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-int get_zero(Binding *binding) {
-    snmp_set_var_typed_integer(binding, ASN_GAUGE, 0);
-    return SNMP_ERR_NOERROR;
+int get_zero(const Reply &reply) {
+    return reply.number(0);
 }
 
 int start_update(const Binding &value) {

@@ -103,9 +103,8 @@ bool next_row(std::int64_t &cursor, Row &row) {
     return false;
 }
 
-int answer_name(Row &row, Binding *binding) {
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, row.text.data(), row.text.size());
-    return SNMP_ERR_NOERROR;
+int answer_name(Row &row, const Reply &reply) {
+    return reply.text(row.text);
 }
 
 // Parameter files that the running SET created or removed, as they were before.

@@ -25,7 +25,7 @@ constexpr int longest_written = 16383;
 // What was read or written last, which is the answer while there is no file.
 char text[longest_read + 1];
 
-int get_text(Binding *binding) {
+int get_text(const Reply &reply) {
     const int file = open(rooted(priority_file).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file >= 0) {
         std::size_t length = 0;
@@ -36,8 +36,7 @@ int get_text(Binding *binding) {
         text[length] = '\0';
         close(file);
     }
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, text, std::strlen(text));
-    return SNMP_ERR_NOERROR;
+    return reply.text(text);
 }
 
 int set_text(const Binding &value) {

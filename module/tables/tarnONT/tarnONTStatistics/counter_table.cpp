@@ -144,21 +144,19 @@ int first_greater_ont(const oid *name, std::size_t length, const std::uint8_t *o
     return first_greater(ont_list, serial_of(name, length));
 }
 
-int answer_counter_name(const Row &row, Binding *binding, const CounterTable &counters) {
+int answer_counter_name(const Row &row, const Reply &reply, const CounterTable &counters) {
     const std::string_view name = counter_name(counters, static_cast<int>(row.number[1]));
-    snmp_set_var_typed_value(binding, ASN_OCTET_STR, name.data(), name.size());
-    return SNMP_ERR_NOERROR;
+    return reply.text(name);
 }
 
-int answer_counter_value(const Row &row, Binding *binding, const CounterTable &counters) {
+int answer_counter_value(const Row &row, const Reply &reply, const CounterTable &counters) {
     const std::uint32_t *values = get_counters(
         counters, row.slot, row.record, static_cast<int>(load_integer(row.record, ont_list::channel)),
         static_cast<int>(load_integer(row.record, ont_list::ont_id)), static_cast<int>(row.number[0]));
     if (values == nullptr) {
         return SNMP_NOSUCHINSTANCE;
     }
-    snmp_set_var_typed_integer(binding, ASN_UNSIGNED, static_cast<long>(values[row.number[1]]));
-    return SNMP_ERR_NOERROR;
+    return reply.number(static_cast<long>(values[row.number[1]]));
 }
 
 }  // namespace tarn

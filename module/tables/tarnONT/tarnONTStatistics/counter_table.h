@@ -54,8 +54,8 @@ const char *counter_name(const CounterTable &counters, int position);
 // ---- Rows: number[0] is the key, number[1] the position ----
 
 bool next_counter(Row &row, const CounterTable &counters);
-int answer_counter_name(const Row &row, Binding *binding, const CounterTable &counters);
-int answer_counter_value(const Row &row, Binding *binding, const CounterTable &counters);
+int answer_counter_name(const Row &row, const Reply &reply, const CounterTable &counters);
+int answer_counter_value(const Row &row, const Reply &reply, const CounterTable &counters);
 
 // Positions in the list: of the identifier's ONT, respectively of the first one with a greater serial; -1
 // when there is none. `ont_list` is the slot's list.
@@ -73,8 +73,8 @@ template <const CounterTable &Counters>
 struct CounterTableParts {
     static constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(Counters.keys),
                                               ordinal_part(Counters.positions)};
-    static int name(Row &row, Binding *binding) { return answer_counter_name(row, binding, Counters); }
-    static int value(Row &row, Binding *binding) { return answer_counter_value(row, binding, Counters); }
+    static int name(Row &row, const Reply &reply) { return answer_counter_name(row, reply, Counters); }
+    static int value(Row &row, const Reply &reply) { return answer_counter_value(row, reply, Counters); }
     static bool next(Row &row) { return next_counter(row, Counters); }
     static constexpr Column columns[] = {
         {1, unsigned32, slot_plus(1)},        {2, octet_string, row_serial},
