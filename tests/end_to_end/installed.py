@@ -102,6 +102,8 @@ def main(directory):
     packages = sorted(map(str, Path(directory).glob("*.deb")))
     names = [must("dpkg-deb", "-f", package, "Package") for package in packages]
     before = files()
+    # Else each step has all manual pages of the machine indexed.
+    Path("/var/lib/man-db/auto-update").unlink(missing_ok=True)
     seen = {"install": run("dpkg", "--force-unsafe-io", "-i", *packages)}
     seen["version"] = {name: must("dpkg-query", "-W", "-f=${Version}", name) for name in names}
     status = CONFIGURATION.stat()
