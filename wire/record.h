@@ -7,6 +7,7 @@
 #define TARN_WIRE_RECORD_H
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -16,14 +17,17 @@ namespace tarn {
 
 enum class Encoding : std::uint8_t { u8, u16, s16, u32, s32, u64, f64, text, octets };
 
+struct RecordKind;
+
 struct Field {
     std::uint16_t offset;
     Encoding encoding;
-    std::uint16_t size;  // bytes
+    std::uint16_t size;                  // bytes
+    const RecordKind *record = nullptr;  // whose it is; null: of several kinds
 
     // The same field of entry `index` of an array whose entries lie `stride` bytes apart.
     [[nodiscard]] constexpr Field at(int index, int stride) const {
-        return {static_cast<std::uint16_t>(offset + index * stride), encoding, size};
+        return {static_cast<std::uint16_t>(offset + index * stride), encoding, size, record};
     }
 };
 
@@ -54,6 +58,38 @@ constexpr Field text_at(std::uint16_t offset, std::uint16_t size) {
 constexpr Field octets_at(std::uint16_t offset, std::uint16_t size) {
     return {offset, Encoding::octets, size};
 }
+
+[[noreturn]] inline void field_ends_beyond_its_record() {
+    std::abort();
+}
+
+// A kind of record. Its fields know whose they are, and one that does not end within it does not compile.
+struct RecordKind {
+    std::size_t size;  // bytes
+
+    [[nodiscard]] constexpr Field u8(std::uint16_t offset) const { return own(u8_at(offset)); }
+    [[nodiscard]] constexpr Field u16(std::uint16_t offset) const { return own(u16_at(offset)); }
+    [[nodiscard]] constexpr Field s16(std::uint16_t offset) const { return own(s16_at(offset)); }
+    [[nodiscard]] constexpr Field u32(std::uint16_t offset) const { return own(u32_at(offset)); }
+    [[nodiscard]] constexpr Field s32(std::uint16_t offset) const { return own(s32_at(offset)); }
+    [[nodiscard]] constexpr Field u64(std::uint16_t offset) const { return own(u64_at(offset)); }
+    [[nodiscard]] constexpr Field f64(std::uint16_t offset) const { return own(f64_at(offset)); }
+    [[nodiscard]] constexpr Field text(std::uint16_t offset, std::uint16_t length) const {
+        return own(text_at(offset, length));
+    }
+    [[nodiscard]] constexpr Field octets(std::uint16_t offset, std::uint16_t length) const {
+        return own(octets_at(offset, length));
+    }
+
+  private:
+    [[nodiscard]] constexpr Field own(Field field) const {
+        if (std::size_t{field.offset} + field.size > size) {
+            field_ends_beyond_its_record();
+        }
+        field.record = this;
+        return field;
+    }
+};
 
 // The value of an integer field, sign-extended where the field is signed.
 constexpr std::int64_t load_integer(const std::uint8_t *record, Field field) {

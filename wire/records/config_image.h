@@ -9,6 +9,7 @@ namespace tarn {
 // The inflated image of a card's whole configuration; only these regions are read.
 namespace config_image {
 inline constexpr std::size_t size = 1821429;
+inline constexpr RecordKind layout{size};
 inline constexpr std::size_t ont_records = 53054;
 inline constexpr std::size_t network = 1181958;
 inline constexpr std::size_t templates = 1790165;

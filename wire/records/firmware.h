@@ -10,14 +10,15 @@ namespace tarn {
 // A scheduled update of an ONT's firmware.
 namespace update_task {
 inline constexpr std::size_t size = 159;
-inline constexpr Field id = u32_at(2);
-inline constexpr Field use_serial = u16_at(6);  // non-zero: the ONT is named by its serial
-inline constexpr Field serial = octets_at(8, serial_size);
-inline constexpr Field channel = u8_at(16);
-inline constexpr Field ont_id = u32_at(17);
-inline constexpr Field status = u16_at(23);
-inline constexpr Field file_name = text_at(25, 128);
-inline constexpr Field counter = u16_at(157);
+inline constexpr RecordKind layout{size};
+inline constexpr Field id = layout.u32(2);
+inline constexpr Field use_serial = layout.u16(6);  // non-zero: the ONT is named by its serial
+inline constexpr Field serial = layout.octets(8, serial_size);
+inline constexpr Field channel = layout.u8(16);
+inline constexpr Field ont_id = layout.u32(17);
+inline constexpr Field status = layout.u16(23);
+inline constexpr Field file_name = layout.text(25, 128);
+inline constexpr Field counter = layout.u16(157);
 static_assert(counter.offset + counter.size == size);
 }  // namespace update_task
 

@@ -49,6 +49,7 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
     static_assert(tarn::well_formed::ascending((table).columns), "columns ascend without repetition");       \
     static_assert(tarn::well_formed::types_fit((table).columns),                                             \
                   "a column's type fits its field and its check");                                           \
+    static_assert(tarn::well_formed::fields_of_one_record((table).columns), "a record has its own fields");  \
     static_assert(tarn::well_formed::writes_somewhere((table).columns),                                      \
                   "a writable column has an action or a field");                                             \
     static_assert(!(table).answers.ignores_set || !tarn::well_formed::any_writable((table).columns),         \

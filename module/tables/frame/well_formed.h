@@ -101,6 +101,20 @@ constexpr bool writes_somewhere(Columns columns) {
     });
 }
 
+// Whether two columns that read the same record have fields of the same kind of record.
+constexpr bool agree(const Source &one, const Source &other) {
+    return one.kind != Source::Kind::field || other.kind != Source::Kind::field ||
+           one.record != other.record || one.field.record == nullptr || other.field.record == nullptr ||
+           one.field.record == other.field.record;
+}
+
+constexpr bool fields_of_one_record(Columns columns) {
+    return std::ranges::all_of(columns, [columns](const Column &one) {
+        return std::ranges::all_of(columns,
+                                   [&one](const Column &other) { return agree(one.source, other.source); });
+    });
+}
+
 // A column of the row's own record, which somebody must find.
 constexpr bool reads_own_record(Columns columns) {
     return std::ranges::any_of(columns, [](const Column &column) {

@@ -15,8 +15,10 @@ int act(const Row & /*row*/) {
     return 0;
 }
 
-constexpr Field text = text_at(0, 16);
-constexpr Field number = u16_at(16);
+constexpr RecordKind layout{18};
+constexpr RecordKind other_layout{18};
+constexpr Field text = layout.text(0, 16);
+constexpr Field number = layout.u16(16);
 
 constexpr Column slot{1, unsigned32, slot_plus(1)};
 constexpr Column name{2, octet_string, field(text), octets_up_to(15)};
@@ -67,6 +69,13 @@ MODULE_ITERATOR_TABLE(text_checked_as_number, text_checked_as_number)
 // refused: a column's type fits its field and its check
 WRONG_COLUMNS(longer_than_its_field, {{2, octet_string, field(text), octets_up_to(17)}})
 MODULE_ITERATOR_TABLE(longer_than_its_field, longer_than_its_field)
+
+// refused: a record has its own fields
+WRONG_COLUMNS(strange_field, {{2, octet_string, field(text)}, {3, integer, field(other_layout.u16(16))}})
+MODULE_ITERATOR_TABLE(strange_field, strange_field)
+
+// refused: field_ends_beyond_its_record
+constexpr Field too_long = layout.text(3, 16);
 
 // refused: a writable column has an action or a field
 WRONG_COLUMNS(written_nowhere, {{4, unsigned32, reads_zero, any_unsigned32}})
