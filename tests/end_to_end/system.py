@@ -6,7 +6,7 @@ from programs import MIBS, MODULE, Program, free_port
 
 
 class Agent(Program):
-    def __init__(self, directory, lines):
+    def __init__(self, directory, lines, mibs=MIBS):
         self.port = free_port()
         (directory / "agent.conf").write_text("\n".join([
             f"agentAddress udp:127.0.0.1:{self.port}",
@@ -14,7 +14,7 @@ class Agent(Program):
             "rwcommunity private 127.0.0.1",
             *lines, ""]))
         super().__init__("tarn-agentd", ["--foreground", "--config", "agent.conf", "--module", MODULE,
-                                         "--mibs", MIBS, "--chassis", f"unix:{chassis.Chassis.SOCKET}"],
+                                         "--mibs", mibs, "--chassis", f"unix:{chassis.Chassis.SOCKET}"],
                          directory)
 
 
@@ -33,9 +33,9 @@ class System:
         self.starts += 1
         self.agent.wait_ready(lambda: len(self.agent.log_lines("tarn-agentd ready")) > earlier, "the agent")
 
-    def restart_agent(self, agent_lines):
+    def restart_agent(self, agent_lines, mibs=MIBS):
         self.agent.assert_clean_end()
-        self.agent = Agent(self.agent.directory, agent_lines)
+        self.agent = Agent(self.agent.directory, agent_lines, mibs)
         self._wait_for_agent()
 
     def assert_clean_end(self):

@@ -37,3 +37,16 @@ def test_values_are_shown_by_name(shared):
                            env=snmp.ENVIRONMENT, capture_output=True, text=True, check=True)
     assert shown.stdout == ("TARN-MIB::tarnPONChannelActModeAuth.16.8 = INTEGER: true(1)\n"
                             "TARN-MIB::tarnPONChannelStateChannel.16.8 = Gauge32: 7\n")
+
+
+def test_a_mib_that_is_not_the_modules_is_told_at_start(start, tmp_path):
+    system = start()
+    assert not system.agent.log_lines("the MIB is not the module's")
+    text = (SOURCE / "mibs/TARN-MIB.txt").read_text()
+    column = "::= { tarnPONChannelActModeEntry 3 }"
+    assert column in text
+    (tmp_path / "TARN-MIB.txt").write_text(text.replace(column, column.replace("3", "7")))
+    system.restart_agent([], mibs=f"{SOURCE}/mibs/base:{tmp_path}")
+    told = system.agent.log_lines("the MIB is not the module's")
+    assert len(told) == 1 and told[0].endswith(
+        "tarnPONChannelActModeTable: the MIB is not the module's: column 3 is not in the MIB"), told
