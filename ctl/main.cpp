@@ -178,6 +178,10 @@ void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
     app.add_subcommand("slots", "list the slots of the agent")->callback([&options, &run] {
         run = [&options] { return finish(options, ask(options.agent, {{"do", "slots"}})); };
     });
+    app.add_subcommand("stats", "what the agent counted of its cards and of managers' requests")
+        ->callback([&options, &run] {
+            run = [&options] { return finish(options, ask(options.agent, {{"do", "stats"}})); };
+        });
     add_firmware_commands(app, options, run);
     add_alarm_commands(app, options, run);
     CLI::App *chassis = app.add_subcommand("chassis", "see and change a simulated chassis");

@@ -22,7 +22,9 @@ bool failed(const Json &result) {
 
 std::string slot_line(const Json &slot) {
     const char *state = slot["up"] == true ? "up" : slot["served"] == true ? "down" : "not served";
-    return "slot " + slot["slot"].dump() + ": " + state + '\n';
+    const std::string card = slot.value("card", "ok");
+    return "slot " + slot["slot"].dump() + ": " + state +
+           (card == "silent" || card == "closing" ? ", " + card + '\n' : "\n");
 }
 
 constexpr std::size_t longest_cell = 32;

@@ -90,6 +90,7 @@ bool Host::open_control(const HostConfig &config, std::string &error) {
         expire_cached_data();
         requests_.forget_answers();
     });
+    commands_->observe(ipc_, [this] { return requests_.figures(); });
     control_ = ControlSocket::open(
         config.control, [this](const std::string &line) { return commands_->answer(line); }, error,
         [this](std::function<void()> work) { requests_.change({}, std::move(work)); });

@@ -125,6 +125,13 @@ void ManagerRequests::run_changes() {
     }
 }
 
+std::map<std::string, std::uint64_t> ManagerRequests::figures() const {
+    return {{"passes", figures_.passes},           {"parked_now", parked_.size()},
+            {"parked_in_all", figures_.parked},    {"parked_at_most", figures_.most_at_a_time},
+            {"changes_waiting", changes_.size()},  {"repeated", figures_.repeated},
+            {"turned_away", figures_.turned_away}, {"longest_turn_us", figures_.longest_turn_us}};
+}
+
 void ManagerRequests::stop() {
     parked_.clear();
     while (writer_.busy()) {
@@ -232,8 +239,15 @@ void ManagerRequests::park(Request request) {
 }
 
 bool ManagerRequests::serve_ready() {
+    const auto begin = Clock::now();
+    const bool more = serve_for_a_turn(begin + turn);
+    const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin).count();
+    figures_.longest_turn_us = std::max(figures_.longest_turn_us, static_cast<std::uint64_t>(taken));
+    return more;
+}
+
+bool ManagerRequests::serve_for_a_turn(Clock::time_point end) {
     run_changes();
-    const auto end = Clock::now() + turn;
     for (auto place = parked_.begin(); place != parked_.end();) {
         if (!place->memory.complete() || (place->met_bar && writer_.busy())) {
             ++place;

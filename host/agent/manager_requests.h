@@ -3,10 +3,12 @@
 #ifndef TARN_HOST_AGENT_MANAGER_REQUESTS_H
 #define TARN_HOST_AGENT_MANAGER_REQUESTS_H
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -33,6 +35,7 @@ class ManagerRequests {
         std::uint64_t repeated = 0;  // requests that came again while they were parked
         std::uint64_t turned_away = 0;
         std::size_t most_at_a_time = 0;
+        std::uint64_t longest_turn_us = 0;
     };
 
     // `slot_of`: the slot that an OID is about; 16 for what is about no line card.
@@ -52,8 +55,8 @@ class ManagerRequests {
     // Serves what waited and need not wait any more, for a few milliseconds at most; true when some is left.
     bool serve_ready();
 
-    [[nodiscard]] const Figures &figures() const { return figures_; }
-    [[nodiscard]] std::size_t parked() const { return parked_.size(); }
+    // By name.
+    [[nodiscard]] std::map<std::string, std::uint64_t> figures() const;
 
   private:
     struct Request {
@@ -75,6 +78,7 @@ class ManagerRequests {
     int take_set(netsnmp_session *session, int reqid, const netsnmp_pdu *pdu);
     void run_changes();
     void end_session(const netsnmp_session *session);
+    bool serve_for_a_turn(std::chrono::steady_clock::time_point end);
     bool serve_read(Request &request);
     Request *find(const std::string &identity);
     void park(Request request);

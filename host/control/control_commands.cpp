@@ -110,14 +110,53 @@ Json run_on_slots(const ConfigurationCommand &command, const Json &request, cons
     return {{"results", results}};
 }
 
-Json list_slots(const Slots &slots) {
+Json list_slots(const Slots &slots, const IpcClient *cards) {
     Json list = Json::array();
     for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
         list.push_back({{"slot", slot + 1},
                         {"served", slots.served().test(static_cast<std::size_t>(slot))},
                         {"up", slots.is_up(slot)}});
+        if (cards != nullptr) {
+            list.back()["card"] = name_of(cards->state(slot));
+        }
     }
     return {{"slots", list}};
+}
+
+// The time in ms within which half of the answers came; 0: above all limits, or none came.
+int median_ms(const CommandFigures &figures) {
+    std::uint64_t rest = (figures.answered + figures.refused + 1) / 2;
+    for (std::size_t i = 0; i < CommandFigures::limits_ms.size(); ++i) {
+        if (rest <= figures.times[i]) {
+            return rest == 0 ? 0 : CommandFigures::limits_ms[i];
+        }
+        rest -= figures.times[i];
+    }
+    return 0;
+}
+
+Json list_figures(const IpcClient &cards, const std::map<std::string, std::uint64_t> &requests) {
+    Json slots = Json::array();
+    Json commands_of_slots = Json::array();
+    for (int slot = 0; slot < IpcClient::slots; ++slot) {
+        const CardFigures &figures = cards.figures(slot);
+        slots.push_back({{"slot", slot + 1},
+                         {"card", name_of(cards.state(slot))},
+                         {"holds", figures.holds},
+                         {"probes", figures.probes}});
+        for (const auto &[command, counts] : figures.commands) {
+            commands_of_slots.push_back({{"slot", slot + 1},
+                                         {"command", command},
+                                         {"answered", counts.answered},
+                                         {"refused", counts.refused},
+                                         {"timed_out", counts.timed_out},
+                                         {"lost", counts.lost},
+                                         {"failed_at_once", counts.other},
+                                         {"median_ms", median_ms(counts)},
+                                         {"times", counts.times}});
+        }
+    }
+    return {{"requests", requests}, {"cards", slots}, {"commands", commands_of_slots}};
 }
 
 std::string text_of(const Json &request, const char *key) {
@@ -186,9 +225,13 @@ std::string ControlCommands::answer(const std::string &line) try {
     auto name = request["do"].get<std::string>();
     if (name == "slots" || name == "version") {
         need_keys(request, {});
-        const Json answer = name == "slots" ? list_slots(slots_)
+        const Json answer = name == "slots" ? list_slots(slots_, cards_)
                                             : Json{{"program", "tarn-agentd"}, {"version", TARN_VERSION}};
         return answer.dump() + '\n';
+    }
+    if (name == "stats" && cards_ != nullptr) {
+        need_keys(request, {});
+        return list_figures(*cards_, requests_()).dump() + '\n';
     }
     if (name == "firmware-state") {
         need_keys(request, {});

@@ -2,9 +2,12 @@
 #ifndef TARN_HOST_CONTROL_CONTROL_COMMANDS_H
 #define TARN_HOST_CONTROL_CONTROL_COMMANDS_H
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 
+#include "host/board/ipc_client.h"
 #include "host/board/slots.h"
 #include "host/control/unconfirmed_commits.h"
 #include "host/loader/module_loader.h"
@@ -19,6 +22,12 @@ class ControlCommands {
                     std::function<void()> changed)
         : module_(module), slots_(slots), unconfirmed_(confirm_time), changed_(std::move(changed)) {}
 
+    // What "slots" and "stats" tell of cards and of requests; `cards` must outlive the commands.
+    void observe(const IpcClient &cards, std::function<std::map<std::string, std::uint64_t>()> requests) {
+        cards_ = &cards;
+        requests_ = std::move(requests);
+    }
+
     // The answer to one line, with its newline. A request that is not understood changes nothing and is
     // answered {"error": "what is wrong"}.
     std::string answer(const std::string &line);
@@ -29,6 +38,8 @@ class ControlCommands {
     static std::string error_line(const std::string &text);
 
   private:
+    const IpcClient *cards_ = nullptr;
+    std::function<std::map<std::string, std::uint64_t>()> requests_;
     const Module &module_;
     Slots &slots_;
     UnconfirmedCommits unconfirmed_;

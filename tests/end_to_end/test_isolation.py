@@ -1,5 +1,6 @@
 """A card that is slow, silent or closes its connections keeps nobody waiting but those who ask about it."""
 
+import json
 import threading
 import time
 
@@ -7,7 +8,7 @@ import pytest
 
 import commands
 import snmp
-from programs import wait_until
+from programs import run_to_end, wait_until
 from snmp import ROOT, SnmpError, USER, USER_LINES, oid_key
 
 STATE, ADDRESS = f"{ROOT}.1.1.1", f"{ROOT}.1.3.1"
@@ -49,6 +50,12 @@ def slowest_get_while(system, oid, expected, others):
         worst = max(worst, time.monotonic() - begin)
         rounds += 1
     return worst
+
+
+def tarnctl(system, *arguments):
+    status, output = run_to_end("tarnctl", "--socket", "agent-control", *arguments, directory=system.agent.directory)
+    assert status == 0, output
+    return output
 
 
 @pytest.mark.parametrize("fault", FAULTS)
@@ -107,7 +114,7 @@ def test_a_repeated_request_is_served_once(start):
 
 
 def test_a_silent_card_refuses_at_once_and_is_back_when_it_answers(start):
-    system = start(cache_period=1)
+    system = start(cache_period=1, agent_lines=["tarnControl agent-control"])
     rows = f"{ADDRESS}.4"
     healthy = system.snmp.walk(rows)
     system.chassis.fault("silent", slot=SLOT)
@@ -121,6 +128,12 @@ def test_a_silent_card_refuses_at_once_and_is_back_when_it_answers(start):
     with pytest.raises(SnmpError):
         system.snmp.set((f"{STATE}.20.{SLOT + 1}.1", "u", 1))
     assert time.monotonic() - begin < PROMPT
+    assert f"slot {SLOT + 1}: up, silent" in tarnctl(system, "slots")
+    stats = json.loads(tarnctl(system, "--json", "stats"))
+    addresses = next(row for row in stats["commands"]
+                     if row["slot"] == SLOT + 1 and row["command"] == commands.GET_ADDRESS_TABLE)
+    assert (addresses["answered"], addresses["timed_out"] > 0) == (1, True)
+    assert stats["cards"][SLOT] == {**stats["cards"][SLOT], "card": "silent", "holds": 1}
     system.chassis.clear_faults()
     begin = time.monotonic()
     wait_until(lambda: system.agent.log_lines("the card answers again"), "the card to be back")

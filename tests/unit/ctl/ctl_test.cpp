@@ -61,8 +61,8 @@ TEST(Reports, SayWhatHappenedAndFailWhenAnythingFailed) {
           {R"({"result":-1})", "failed: no answer (-1)\n", 1},
           {R"({"error":"unknown"})", "failed: unknown\n", 1},
           {R"({"slots":[{"slot":1,"served":true,"up":true},{"slot":2,"served":true,"up":false},)"
-           R"({"slot":3,"served":false,"up":false}]})",
-           "slot 1: up\nslot 2: down\nslot 3: not served\n", 0},
+           R"({"slot":3,"served":false,"up":false},{"slot":4,"served":true,"up":true,"card":"silent"}]})",
+           "slot 1: up\nslot 2: down\nslot 3: not served\nslot 4: up, silent\n", 0},
           // What the chassis says: values, tables of what is alike, bytes.
           {R"({})", "done\n", 0},
           {R"({"faults":[]})", "no faults\n", 0},
