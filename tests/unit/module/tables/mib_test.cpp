@@ -231,10 +231,9 @@ class Mib : public testing::Test {
     // The tables and scalars of the MIB that are accessible, below a node.
     void collect(const tree *node, std::set<std::string> &names) {
         for (const tree *child = node->child_list; child != nullptr; child = child->next_peer) {
-            if (std::string_view(child->label).ends_with("Table")) {
-                names.insert(child->label);
-            } else if (child->child_list == nullptr && asn_type(child->type) != 0 &&
-                       child->access != MIB_ACCESS_NOTIFY) {
+            const bool scalar = child->child_list == nullptr && asn_type(child->type) != 0 &&
+                                child->access != MIB_ACCESS_NOTIFY;
+            if (scalar || std::string_view(child->label).ends_with("Table")) {
                 names.insert(child->label);
             } else {
                 collect(child, names);
