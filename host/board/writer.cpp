@@ -61,18 +61,16 @@ void Writer::run(const BoardSlots &slots, std::function<void()> work) {
     own_.uc_stack.ss_sp = stack_;
     own_.uc_stack.ss_size = stack_size;
     own_.uc_link = nullptr;
-    // makecontext hands on nothing but ints.
-    const auto self = reinterpret_cast<std::uintptr_t>(this);
-    makecontext(&own_, reinterpret_cast<void (*)()>(begin), 2, static_cast<unsigned>(self >> 32),
-                static_cast<unsigned>(self & 0xffffffffU));
+    makecontext(&own_, begin, 0);
 #if defined(__SANITIZE_THREAD__)
     own_fiber_ = __tsan_create_fiber(0);
 #endif
     enter();
 }
 
-void Writer::begin(unsigned high, unsigned low) {
-    auto *writer = reinterpret_cast<Writer *>(std::uintptr_t{high} << 32 | low);
+// makecontext hands on nothing but ints; enter() has said whose stack this is.
+void Writer::begin() {
+    Writer *writer = running_writer;
 #if defined(__SANITIZE_ADDRESS__)
     __sanitizer_finish_switch_fiber(nullptr, &writer->outside_bottom_, &writer->outside_size_);
 #endif

@@ -45,7 +45,7 @@ class Writer {
     const void *enumerated_table = nullptr;
 
   private:
-    static void begin(unsigned high, unsigned low);
+    static void begin();
     void enter();
     void leave();
 
