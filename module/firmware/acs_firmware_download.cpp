@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -11,6 +10,7 @@
 #include "module/common/shell.h"
 #include "module/firmware/acs_firmware_operations.h"
 #include "module/firmware/catalogue.h"
+#include "module/firmware/transfers.h"
 #include "tarn/host_services.h"
 
 using namespace tarn;
@@ -41,17 +41,14 @@ bool is_plain_file(const std::string &path) {
     return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
 }
 
-int run(const std::string &command) {
-    return std::system(command.c_str());
-}
-
 // Fetches the file into /tmp. The lock is held by the caller and released while the transfer runs.
 bool fetch(AcsFirmwareCache &cache, const DownloadRequest &request, const std::string &temporary) {
     pthread_mutex_unlock(&cache.lock);
     if (!is_plain_file(temporary)) {
         unlink(temporary.c_str());
     }
-    const int status = run("cd /tmp; tftp -gr " + shell_word(request.remote_path) + " " + request.server);
+    const int status =
+        run_transfer_command("cd /tmp; tftp -gr " + shell_word(request.remote_path) + " " + request.server);
     pthread_mutex_lock(&cache.lock);
     if (status != 0) {
         log_add(log_error, "%s : tftp result = %d\n", thread_proc, status);
@@ -61,12 +58,13 @@ bool fetch(AcsFirmwareCache &cache, const DownloadRequest &request, const std::s
 
 bool move_into_directory(const std::string &name, const std::string &temporary) {
     const std::string directory = firmware_path("");
-    if (!is_plain_file(temporary) || run("mv /tmp/" + shell_word(name) + " " + shell_word(directory)) != 0) {
+    if (!is_plain_file(temporary) ||
+        run_transfer_command("mv /tmp/" + shell_word(name) + " " + shell_word(directory)) != 0) {
         log_add(log_error, "%s : unable to move firmware\n", thread_proc);
         return false;
     }
     // The card's file system has no such user everywhere; the image is good all the same.
-    static_cast<void>(run("chown admin " + shell_word(directory + "/" + name) + "\n"));
+    static_cast<void>(run_transfer_command("chown admin " + shell_word(directory + "/" + name) + "\n"));
     return true;
 }
 
@@ -105,6 +103,21 @@ void *acs_firmware_download_thread_proc(void *reference) {
     return nullptr;
 }
 
+namespace {
+
+// What a download's thread is given; a clean-up waits until it is gone.
+struct Download {
+    Transfer transfer;
+    std::unique_ptr<Catalogue> catalogue;
+};
+
+void *download_thread(void *reference) {
+    const std::unique_ptr<Download> download(static_cast<Download *>(reference));
+    return acs_firmware_download_thread_proc(download->catalogue.release());
+}
+
+}  // namespace
+
 int download_acs_firmware(void) {
     const Catalogue cache = current_catalogue();
     if (cache == nullptr) {
@@ -119,10 +132,13 @@ int download_acs_firmware(void) {
     if (running) {
         return -1;
     }
-    std::unique_ptr<Catalogue> own(new (std::nothrow) Catalogue(cache));
+    std::unique_ptr<Download> own(new (std::nothrow) Download);
+    if (own != nullptr) {
+        own->catalogue.reset(new (std::nothrow) Catalogue(cache));
+    }
     pthread_t thread{};
-    if (own == nullptr ||
-        pthread_create(&thread, nullptr, acs_firmware_download_thread_proc, own.get()) != 0) {
+    if (own == nullptr || own->catalogue == nullptr ||
+        pthread_create(&thread, nullptr, download_thread, own.get()) != 0) {
         log_add(log_error, "%s : unable to start the download\n", __func__);
         pthread_mutex_lock(&cache->lock);
         cache->download_state = acs_download_failed;

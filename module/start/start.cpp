@@ -5,6 +5,7 @@
 
 #include "module/config/config_buffer.h"
 #include "module/firmware/acs_firmware_operations.h"
+#include "module/firmware/transfers.h"
 #include "module/store/slot_database.h"
 #include "module/tables/scalars.h"
 #include "tarn/module_api.h"
@@ -87,6 +88,7 @@ int slot_deinitializer(int slot) {
 }
 
 int cleanup_lib(void) {
+    tarn::end_transfers();
     for (int slot = 0; slot <= tarn::chassis_slot::profiles; ++slot) {
         slot_deinitializer(slot);
     }

@@ -135,7 +135,7 @@ TEST_F(ConfigStoreTest, ShowsOfASlotOnlyItsOwnWholeImage) {
         EXPECT_EQ(delete_ont_config(4, bytes_of(serial_a)), -1);
         EXPECT_EQ(set_gpon_network_cfg(4), -1);
         EXPECT_TRUE(
-            board.logged("3 init_ont_config_buffer : slot 4 has not sent its configuration, which is "
+            board.logged("3 init_ont_config_buffer : slot 5 has not sent its configuration, which is "
                          "not overwritten\n"));
         EXPECT_EQ(get_ont_config_index_by_serial(3, bytes_of(serial_a)), 0);  // what it had
     }

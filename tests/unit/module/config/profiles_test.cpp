@@ -248,7 +248,7 @@ TEST_F(ProfilesTest, SendsNoSectionThatWasNeverRead) {
     EXPECT_TRUE(board.sent.empty());
     EXPECT_EQ(board.log.size(), 7U);
     EXPECT_EQ(board.log.front(),
-              "3 slot_lib_set_alarms_config : slot 18 has not sent its configuration, which is not "
+              "3 slot_lib_set_alarms_config : address 18 has not sent its configuration, which is not "
               "overwritten\n");
 }
 

@@ -148,4 +148,24 @@ TEST_F(FirmwareDownloadTest, RunsOneAtATimeAndOutlivesAStop) {
     pthread_mutex_unlock(&cache().lock);
 }
 
+TEST_F(FirmwareDownloadTest, EndsWithTheModule) {
+    const std::string started = at("/started");
+    stand_in("tftp", "touch " + started + "; sleep 3600 & wait");
+    request(name);
+    ASSERT_EQ(download_acs_firmware(), 0);
+    while (!std::filesystem::exists(started)) {
+        usleep(1000);
+    }
+    cleanup_lib();
+    EXPECT_EQ(board.traps, (Traps{{1, name + " 127.0.0.9"}}));
+    EXPECT_EQ(board.log.back(), "3 acs_firmware_download_thread_proc : tftp result = 15\n");
+    EXPECT_FALSE(is_left_in_tmp());
+    start({});
+    stand_in("tftp", fetching);
+    request(name);
+    EXPECT_EQ(download_acs_firmware(), 0);
+    board.wait_for_traps(2);
+    EXPECT_EQ(board.traps.back().first, 0);
+}
+
 }  // namespace

@@ -366,7 +366,7 @@ TEST_F(ProfileTablesTest, NothingIsCreatedInAnArrayThatWasNeverRead) {
             EXPECT_EQ(set(table, table.row_status, integer_value(4), {5}), SNMP_ERR_GENERR);
             EXPECT_EQ(board.count(table.get_command + 1), 0);
             EXPECT_TRUE(board.logged("3 "s + table.name +
-                                     " : slot 16 has not sent its configuration, which is "
+                                     " : address 16 has not sent its configuration, which is "
                                      "not overwritten\n"));
         }
     }

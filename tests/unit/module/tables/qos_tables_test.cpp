@@ -204,7 +204,7 @@ TEST_F(QosTablesTest, AConfigurationThatWasNeverReadIsNotOverwritten) {
         SNMP_ERR_GENERR);
     EXPECT_EQ(board.count(0xC9), 0);
     EXPECT_TRUE(board.logged(
-        "3 tarnQOSConfigTable : slot 6 has not sent its configuration, which is not overwritten\n"));
+        "3 tarnQOSConfigTable : slot 7 has not sent its configuration, which is not overwritten\n"));
 }
 
 TEST_F(QosTablesTest, CountersOfAPortAreServedByPosition) {
