@@ -19,6 +19,8 @@ constexpr unsigned link_check_seconds = 1;
 // What the rules of automatic updates are written through.
 constexpr std::string_view rules_table = "tarnONTAutoUpdateTable";
 constexpr std::string_view rules_switch = "tarnONTAutoUpdateEnabled";
+constexpr int rules_slot = 0;  // whose card reads the rules for all
+constexpr std::chrono::seconds rules_patience{30};
 // How long the agent waits at its start for the chassis to say which slots have cards.
 constexpr std::chrono::seconds start_patience{2};
 
@@ -122,12 +124,15 @@ void Host::follow_links() {
 }
 
 // After the SETs are answered: a card may take its time to read the rules.
+// A card that is away or does not answer is told once it is there, or half a minute later.
 void Host::pass_rules_on() {
-    if (auto *read_rules = module_->function<read_rules_function>("parse_ont_autoupdate_file");
-        rules_changed_ && read_rules != nullptr) {
-        (void)read_rules();
+    const auto now = std::chrono::steady_clock::now();
+    auto *read_rules = module_->function<read_rules_function>("parse_ont_autoupdate_file");
+    if (!rules_changed_ || read_rules == nullptr || !slots_->is_up(rules_slot) || now < rules_due_) {
+        return;
     }
-    rules_changed_ = false;
+    rules_changed_ = read_rules() != 0;
+    rules_due_ = rules_changed_ ? now + rules_patience : decltype(now){};
 }
 
 void Host::board_ready(int /*descriptor*/, void *host) {

@@ -76,7 +76,8 @@ class Host {
     std::unique_ptr<ControlCommands> commands_;
     std::unique_ptr<ControlSocket> control_;
     unsigned alarm_ = 0;
-    bool rules_changed_ = false;  // of automatic updates, and no card was told
+    bool rules_changed_ = false;                         // of automatic updates, and no card was told
+    std::chrono::steady_clock::time_point rules_due_{};  // not before this after a failure
 };
 
 }  // namespace tarn::host

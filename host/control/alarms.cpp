@@ -47,8 +47,12 @@ std::vector<Alarm> read_alarms(const Module &module, std::string &error) {
 int write_alarm(const Module &module, int entry, std::uint16_t first, std::uint16_t second,
                 std::string &error) {
     auto *set = module.function<set_alarms_function>("slot_lib_set_alarms_config");
+    if (set == nullptr) {
+        error = "the module sets no alarms";
+        return -1;
+    }
     std::uint8_t *record = fetch(module, error);
-    if (record == nullptr || set == nullptr) {
+    if (record == nullptr) {
         return -1;
     }
     store_integer(entry_of(record, entry), alarms_config::value_9, first);

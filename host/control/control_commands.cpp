@@ -99,7 +99,7 @@ Json run_on_slots(const ConfigurationCommand &command, const Json &request, cons
             const int outcome = function(slot);
             result["result"] = outcome;
             watch_commit(unconfirmed, command, slot, outcome);
-            if (outcome == 0 && command.forgets) {
+            if (command.forgets) {  // also without an answer: the card may have done it
                 slots.restart(slot);
             }
         } else {
@@ -243,6 +243,7 @@ std::string ControlCommands::answer(const std::string &line) try {
     }
     if (name == "alarm-set") {
         log_add(log_level::information, "control: %s\n", printable(line).c_str());
+        changed_();  // the other entries are sent as they are now
         return set_alarm(request, module_).dump() + '\n';
     }
     if (name == "firmware-download") {

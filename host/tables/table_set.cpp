@@ -72,16 +72,19 @@ bool undoes(int mode) {
     return mode == MODE_SET_FREE || mode == MODE_SET_UNDO;
 }
 
-// What the MIB has against a SET that the module lets pass: the error-status, 0 when it is nothing. The
+// Whether the MIB lets managers write the variable at all. A column that it does not know is for the module.
+bool mib_lets_write(const Table &table, const netsnmp_variable_list *binding) {
+    const Column *column = table.column_of({binding->name, binding->name_length});
+    return column != nullptr ? column->writable : table.schema().writable();
+}
+
+// What the MIB has against a value that the module lets pass: the error-status, 0 when it is nothing. The
 // module is heard first, since it knows its rows: one that does not exist, or a rule of its own, has an error
 // that managers know.
 int mib_error(const Table &table, const netsnmp_variable_list *binding) {
     const Column *column = table.column_of({binding->name, binding->name_length});
     if (column == nullptr) {
-        return table.schema().writable() ? SNMP_ERR_NOERROR : SNMP_ERR_NOTWRITABLE;
-    }
-    if (!column->writable) {
-        return SNMP_ERR_NOTWRITABLE;
+        return SNMP_ERR_NOERROR;
     }
     if (binding->type != column->type) {
         return SNMP_ERR_WRONGTYPE;
@@ -230,8 +233,11 @@ void set_table(Table &table, netsnmp_agent_request_info *reqinfo, netsnmp_reques
             }
             continue;
         }
-        int code = table.call(mode, reqinfo, request, target->instance);
-        if (code == SNMP_ERR_NOERROR && mode == MODE_SET_RESERVE1) {
+        const bool reserves = mode == MODE_SET_RESERVE1;
+        int code = reserves && !mib_lets_write(table, request->requestvb)
+                       ? SNMP_ERR_NOTWRITABLE
+                       : table.call(mode, reqinfo, request, target->instance);
+        if (code == SNMP_ERR_NOERROR && reserves) {
             code = mib_error(table, request->requestvb);
         }
         // What FREE and UNDO return must not hide the error that led to them.

@@ -58,9 +58,6 @@ int set_gpon_network_cfg(int slot) {
         log_add(log_error, "%s : skipping slot %d\n", __func__, slot);
         return 0;
     }
-    if (!may_edit(db->network_config.stamp, __func__, slot)) {
-        return -1;
-    }
     db->network_config.stamp.clear();
     return send_block(db->network_config.record.data(), __func__, slot);
 }
@@ -73,9 +70,6 @@ std::uint8_t *get_common_network_cfg(void) {
 int set_common_network_cfg(void) {
     ProfilesDatabase *db = profiles_database();
     if (db == nullptr) {
-        return -1;
-    }
-    if (!may_edit(db->common_network_config.stamp, __func__, chassis_slot::chassis_network)) {
         return -1;
     }
     db->common_network_config.stamp.clear();
@@ -94,8 +88,7 @@ int set_common_network_cfg(void) {
 int update_slots_terminal_vlans(int slot) {
     slot = slot_byte(slot);
     const ProfilesDatabase *db = profiles_database();
-    if (db == nullptr ||
-        !may_edit(db->common_network_config.stamp, __func__, chassis_slot::chassis_network)) {
+    if (db == nullptr) {
         return -1;
     }
     const Request<32> request(command::get_terminal_vlans, destination::configuration);

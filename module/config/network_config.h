@@ -1,6 +1,6 @@
 // Network settings of slots and of the chassis, and the terminal VLANs that the chassis spreads to its slots.
 // Blocks are as network_config describes them; the getters return the cached one, which callers edit in place
-// before they call the setter. A block that was never read is not sent: -1, logged.
+// before they call the setter; whether it was read (Stamp::filled) is for them to look at.
 #ifndef TARN_MODULE_CONFIG_NETWORK_CONFIG_H
 #define TARN_MODULE_CONFIG_NETWORK_CONFIG_H
 

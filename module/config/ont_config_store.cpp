@@ -120,7 +120,11 @@ int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record
     if (act(request, __func__, slot) != 0) {
         return -1;
     }
-    db->ont_configs_stamp.drop();  // the next edit starts from what the card has now
+    // Until the card's image comes again, the next edit starts from what it was sent.
+    std::memcpy(ont_config_at(*db, channel * ont_config::onts_per_channel + id),
+                request.bytes.data() + record_at, ont_config::size);
+    insert_sort_ont_configs(db);
+    db->ont_configs_stamp.clear();
     // The configuration holds it now; the card's services follow on their own if they miss this.
     store_integer(request.bytes.data(), board_header::destination, destination::services);
     act(request, __func__, slot);

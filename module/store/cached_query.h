@@ -42,8 +42,8 @@ inline bool may_edit(const Stamp &section, const char *operation, int slot) {
     const bool allowed = section.held || section.filled;
     if (!allowed) {
         const bool card = slot < chassis_slot::line_cards;
-        log_add(log_error, "%s : %s %d has not sent its configuration, which is not overwritten\n",
-                operation, card ? "slot" : "address", card ? slot + 1 : slot);
+        log_add(log_error, "%s : %s %d has not sent its configuration, which is not overwritten\n", operation,
+                card ? "slot" : "address", card ? slot + 1 : slot);
     }
     return allowed;
 }

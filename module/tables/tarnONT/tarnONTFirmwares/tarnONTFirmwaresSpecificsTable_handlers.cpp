@@ -169,6 +169,7 @@ int remember_image(Row &row, const Column &column, const Binding & /*value*/) {
 
 int commit(Row & /*row*/) {
     if (commit_files() != 0) {
+        take_back();  // no UNDO follows
         return SNMP_ERR_COMMITFAILED;
     }
     edits_unwritten = false;
