@@ -207,6 +207,7 @@ def test_rules_of_automatic_updates(site, system):
     for oid, letter, value, reason in (
             (f"{RULES}.2.{index('x')}", OCTETS, "a|b", "wrongValue"),
             (f"{RULES}.{ROW_STATUS}.{rule}", INTEGER, CREATE_AND_GO, "inconsistentName"),
+            (f"{RULES}.{ROW_STATUS}.{index('bare')}", INTEGER, CREATE_AND_GO, "inconsistentValue"),
             (f"{RULES}.{ROW_STATUS}.{index('a|b')}", INTEGER, CREATE_AND_GO, "inconsistentName")):
         with pytest.raises(snmp.SnmpError) as refused:
             client.set((oid, letter, value))

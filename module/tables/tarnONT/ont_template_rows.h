@@ -50,7 +50,8 @@ bool next_template(std::int64_t &cursor, Row &row) {
 
 inline int stage_template(Row &row, const Column &column, const Binding & /*value*/) {
     const int index = static_cast<int>(row.number[0]);
-    if (!column.creates && !template_in_use(row) && !created_templates.contains(index)) {
+    const bool edited = profiles_database()->templates_to_commit.contains(index);  // as one that it destroys
+    if (!column.creates && !template_in_use(row) && !edited && !created_templates.contains(index)) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
     add_template_to_commit(index);

@@ -1,5 +1,7 @@
 // The rules of the automatic firmware updates, one list for the chassis. A SET edits one rule and writes the
 // whole list to its file in the commit phase.
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <utility>
@@ -28,6 +30,29 @@ constexpr Field file_name = text_at(offsetof(AutoUpdateEntry, file_name), sizeof
 AutoUpdateEntry edited;
 AutoUpdateEntry removed;  // as it was, should the file not take its removal
 int row_status = no_row_status;
+
+// Which columns the SET under way gives a text: its row status is acted on first.
+constexpr int text_columns[] = {2, 3, 4};
+struct {
+    bool any_variable;
+    std::array<bool, 5> text;  // by column
+} foreseen;
+
+void foresee(const Row & /*row*/, const Column &column, const Binding &value) {
+    foreseen.any_variable = true;
+    if (static_cast<std::size_t>(column.number) < foreseen.text.size()) {
+        foreseen.text[static_cast<std::size_t>(column.number)] = value.val_len > 0;
+    }
+}
+
+bool foresees_all_texts() {
+    return std::all_of(std::begin(text_columns), std::end(text_columns),
+                       [](int column) { return foreseen.text[static_cast<std::size_t>(column)]; });
+}
+
+void forget_foreseen() {
+    foreseen = {};
+}
 
 void reset_edit() {
     edited = {};
@@ -58,6 +83,17 @@ int set_mode(Row & /*row*/, const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
+// A file's line with an empty field cannot be read back.
+bool lacks_a_field(const AutoUpdateEntry &rule) {
+    return rule.equipment_id[0] == '\0' || rule.fw_version[0] == '\0' || rule.file_name[0] == '\0';
+}
+
+int refuse_empty_field() {
+    log_add(log_error, "%s : a rule with an empty field is refused : %s\n",
+            "tarnONTAutoUpdateTable_module_handler", edited.description);
+    return SNMP_ERR_INCONSISTENTVALUE;
+}
+
 int set_row_status(Row &row, const Binding &value) {
     row_status = static_cast<int>(*value.val.integer);
     const bool exists = row.record != nullptr;
@@ -68,12 +104,13 @@ int set_row_status(Row &row, const Binding &value) {
         removed = *reinterpret_cast<const AutoUpdateEntry *>(row.record);
         return SNMP_ERR_NOERROR;
     }
-    return exists ? SNMP_ERR_INCONSISTENTNAME : SNMP_ERR_NOERROR;
-}
-
-// A file's line with an empty field cannot be read back.
-bool lacks_a_field(const AutoUpdateEntry &rule) {
-    return rule.equipment_id[0] == '\0' || rule.fw_version[0] == '\0' || rule.file_name[0] == '\0';
+    if (exists) {
+        return SNMP_ERR_INCONSISTENTNAME;
+    }
+    if (row_status == create_and_go && foreseen.any_variable && !foresees_all_texts()) {
+        return refuse_empty_field();
+    }
+    return SNMP_ERR_NOERROR;
 }
 
 // What cannot be written does not stay in the list: the last rule was added at its end.
@@ -102,12 +139,11 @@ int delete_edited() {
 
 // A request without a row status changes nothing.
 int commit(Row & /*row*/) {
+    forget_foreseen();
     const int status = std::exchange(row_status, no_row_status);
     if (status == create_and_go) {
         if (lacks_a_field(edited)) {
-            log_add(log_error, "%s : a rule with an empty field is refused : %s\n",
-                    "tarnONTAutoUpdateTable_module_handler", edited.description);
-            return SNMP_ERR_INCONSISTENTVALUE;
+            return refuse_empty_field();
         }
         return add_edited() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
     }
@@ -165,7 +201,12 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_rule, .next = next_rule},
-    .writes = {.reserve2 = reset_edit, .stage = note_description, .record = edited_entry, .commit = commit},
+    .writes = {.reserve2 = reset_edit,
+               .foresee = foresee,
+               .stage = note_description,
+               .record = edited_entry,
+               .commit = commit,
+               .drop = forget_foreseen},
 };
 
 }  // namespace

@@ -133,19 +133,17 @@ TEST_F(ConfigStoreTest, ShowsOfASlotOnlyItsOwnWholeImage) {
             EXPECT_EQ(init_ont_config_buffer(4, bytes_of(serial_a), create), -1);
         }
         EXPECT_EQ(delete_ont_config(4, bytes_of(serial_a)), -1);
-        EXPECT_EQ(set_gpon_network_cfg(4), -1);
         EXPECT_TRUE(
             board.logged("3 init_ont_config_buffer : slot 5 has not sent its configuration, which is "
                          "not overwritten\n"));
         EXPECT_EQ(get_ont_config_index_by_serial(3, bytes_of(serial_a)), 0);  // what it had
     }
-    EXPECT_EQ(board.count(123) + board.count(215), 0);
+    EXPECT_EQ(board.count(123), 0);
     // An earlier image of the same slot can be read.
     board.answer(302, own);
     get_all_config(3);
     board.silence(302);
     EXPECT_EQ(get_gpon_network_cfg(3)[0], 7);
-    EXPECT_EQ(set_gpon_network_cfg(3), -1);
     board.everything_stale = false;
 }
 
@@ -318,9 +316,11 @@ TEST_F(ConfigStoreTest, StagesOneRecordAtATime) {
     board.sent.clear();
     EXPECT_EQ(commit_ont_config(3), 0);
     EXPECT_TRUE(board.sent.empty());
-    // A record from before the write would take it back.
+    // A record from before the write would take it back: without a new image the one that was sent is staged.
     board.silence(302);
-    EXPECT_EQ(init_ont_config_buffer(3, bytes_of(serial_a), 0), -1);
+    EXPECT_EQ(init_ont_config_buffer(3, bytes_of(serial_a), 0), 0);
+    EXPECT_EQ(get_ont_cb()[6], 'x');
+    invalidate_config_buffer();
 }
 
 TEST_F(ConfigStoreTest, NeitherStagesNorDeletesAnOntWithoutASerial) {
