@@ -56,7 +56,7 @@ int set_text(const Binding &value) {
         return SNMP_ERR_RESOURCEUNAVAILABLE;
     }
     // The partition is writable only as long as it must be. Elsewhere there is none to remount.
-    static_cast<void>(std::system(remount));
+    static_cast<void>(std::system(remount) == 0);
     return result == Written::whole ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
 }
 
