@@ -10,6 +10,7 @@
 #include "module/common/exports.h"
 #include "module/tables/frame/column.h"
 #include "module/tables/frame/registry.h"
+#include "module/tables/frame/well_formed.h"
 #include "tarn/module_api.h"
 
 namespace tarn {
@@ -38,14 +39,14 @@ int handle_scalar(const Scalar &scalar, const netsnmp_agent_request_info *reqinf
 }  // namespace tarn
 
 // Defines handle_X and X_registration, which is null while X is not registered.
-#define MODULE_SCALAR(X, scalar)                                                                         \
-    static_assert((scalar).name == std::string_view(#X), "a scalar has the name of its handler");        \
-    static_assert((scalar).get != nullptr && (scalar).set != nullptr, "a scalar is read and written");   \
-    static const tarn::Registered<tarn::Scalar> X##_registered(scalar);                                  \
-    TARN_EXPORT_DATA tarn::ScalarRegistration X##_registration;                                          \
-    TARN_EXPORT int handle_##X(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*of*/, \
-                               netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {    \
-        return tarn::handle_scalar(scalar, reqinfo, requests);                                           \
+#define MODULE_SCALAR(X, scalar)                                                                          \
+    TARN_WELL_FORMED((scalar).name == std::string_view(#X), "a scalar has the name of its handler");      \
+    TARN_WELL_FORMED((scalar).get != nullptr && (scalar).set != nullptr, "a scalar is read and written"); \
+    static const tarn::Registered<tarn::Scalar> X##_registered(scalar);                                   \
+    TARN_EXPORT_DATA tarn::ScalarRegistration X##_registration;                                           \
+    TARN_EXPORT int handle_##X(netsnmp_mib_handler * /*handler*/, netsnmp_handler_registration * /*of*/,  \
+                               netsnmp_agent_request_info *reqinfo, netsnmp_request_info *requests) {     \
+        return tarn::handle_scalar(scalar, reqinfo, requests);                                            \
     }
 
 #endif

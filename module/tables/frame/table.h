@@ -43,24 +43,26 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
 }  // namespace tarn
 
 // What the compiler refuses in both styles, and the registration.
-#define MODULE_TABLE(T, table)                                                                               \
-    static_assert((table).name == std::string_view(#T), "a table has the name of its callbacks");            \
-    static_assert(tarn::well_formed::index_fits((table).index), "a table has as many index parts as a row"); \
-    static_assert(tarn::well_formed::ascending((table).columns), "columns ascend without repetition");       \
-    static_assert(tarn::well_formed::types_fit((table).columns),                                             \
-                  "a column's type fits its field and its check");                                           \
-    static_assert(tarn::well_formed::fields_of_one_record((table).columns), "a record has its own fields");  \
-    static_assert(tarn::well_formed::writes_somewhere((table).columns),                                      \
-                  "a writable column has an action or a field");                                             \
-    static_assert(!(table).answers.ignores_set || !tarn::well_formed::any_writable((table).columns),         \
-                  "a table that leaves SETs alone has no writable column");                                  \
-    static_assert((table).rows.find != nullptr || !tarn::well_formed::reads_own_record((table).columns),     \
-                  "a table whose columns lie in its rows' records finds them");                              \
+#define MODULE_TABLE(T, table)                                                                              \
+    TARN_WELL_FORMED((table).name == std::string_view(#T), "a table has the name of its callbacks");        \
+    TARN_WELL_FORMED(tarn::well_formed::index_fits((table).index),                                          \
+                     "a table has as many index parts as a row");                                           \
+    TARN_WELL_FORMED(tarn::well_formed::ascending((table).columns), "columns ascend without repetition");   \
+    TARN_WELL_FORMED(tarn::well_formed::types_fit((table).columns),                                         \
+                     "a column's type fits its field and its check");                                       \
+    TARN_WELL_FORMED(tarn::well_formed::fields_of_one_record((table).columns),                              \
+                     "a record has its own fields");                                                        \
+    TARN_WELL_FORMED(tarn::well_formed::writes_somewhere((table).columns),                                  \
+                     "a writable column has an action or a field");                                         \
+    TARN_WELL_FORMED(!(table).answers.ignores_set || !tarn::well_formed::any_writable((table).columns),     \
+                     "a table that leaves SETs alone has no writable column");                              \
+    TARN_WELL_FORMED((table).rows.find != nullptr || !tarn::well_formed::reads_own_record((table).columns), \
+                     "a table whose columns lie in its rows' records finds them");                          \
     static const tarn::Registered<tarn::Table> T##_registered(table)
 
 #define MODULE_ITERATOR_TABLE(T, table)                                                           \
-    static_assert((table).rows.next != nullptr && (table).rows.successor == nullptr,              \
-                  "an iterator table walks by next");                                             \
+    TARN_WELL_FORMED((table).rows.next != nullptr && (table).rows.successor == nullptr,           \
+                     "an iterator table walks by next");                                          \
     TARN_EXPORT netsnmp_variable_list *T##_next_index(void **loop_context, void **data_context,   \
                                                       netsnmp_variable_list *indexes, int slot) { \
         static std::int64_t cursor = 0;                                                           \
@@ -77,21 +79,21 @@ void append_index(const Table &table, table_entry *result, const oid *name, std:
         return tarn::handle_iterator(table, request, reqinfo, row, table_info);                            \
     }
 
-#define MODULE_NEXTGEN_TABLE(T, table)                                                                 \
-    MODULE_TABLE(T, table);                                                                            \
-    static_assert((table).rows.successor != nullptr && (table).rows.next == nullptr,                   \
-                  "a nextgen table walks by successor");                                               \
-    static_assert((table).rows.index_builder != nullptr, "a nextgen table names its index builder");   \
-    static_assert(!tarn::well_formed::has_part((table).index, tarn::IndexPart::Kind::text),            \
-                  "a text index is an iterator table's");                                              \
-    TARN_EXPORT void init_##T##_handlers(void) {}                                                      \
-    TARN_EXPORT void T##_get_next_entry(table_entry *result, int slot, const oid *name, size_t length, \
-                                        int column) {                                                  \
-        tarn::get_next_entry(table, result, slot, name, length, column, __FILE__, __LINE__);           \
-    }                                                                                                  \
-    TARN_EXPORT int T##_table_handler_nextgen(int mode, netsnmp_request_info *request, int slot,       \
-                                              void * /*row*/) {                                        \
-        return tarn::handle_nextgen(table, mode, request, slot);                                       \
+#define MODULE_NEXTGEN_TABLE(T, table)                                                                  \
+    MODULE_TABLE(T, table);                                                                             \
+    TARN_WELL_FORMED((table).rows.successor != nullptr && (table).rows.next == nullptr,                 \
+                     "a nextgen table walks by successor");                                             \
+    TARN_WELL_FORMED((table).rows.index_builder != nullptr, "a nextgen table names its index builder"); \
+    TARN_WELL_FORMED(!tarn::well_formed::has_part((table).index, tarn::IndexPart::Kind::text),          \
+                     "a text index is an iterator table's");                                            \
+    TARN_EXPORT void init_##T##_handlers(void) {}                                                       \
+    TARN_EXPORT void T##_get_next_entry(table_entry *result, int slot, const oid *name, size_t length,  \
+                                        int column) {                                                   \
+        tarn::get_next_entry(table, result, slot, name, length, column, __FILE__, __LINE__);            \
+    }                                                                                                   \
+    TARN_EXPORT int T##_table_handler_nextgen(int mode, netsnmp_request_info *request, int slot,        \
+                                              void * /*row*/) {                                         \
+        return tarn::handle_nextgen(table, mode, request, slot);                                        \
     }
 
 #endif
