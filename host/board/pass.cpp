@@ -79,7 +79,8 @@ Pass *Pass::current() {
     return current_pass;
 }
 
-// From here on the module stamps sections that it could not fill; some it stamps before it asks.
+// From here on the module stamps sections that it could not fill; some it stamps before it asks. Sections
+// that failed before are read again, too: what the module logs of them would be lost with the pass.
 int Pass::omit() {
     if (omissions_++ == 0) {
         distrust_from_ = last_answer_at_;
@@ -122,8 +123,15 @@ int Pass::request(std::span<const std::uint8_t> bytes, std::uint8_t **answer, in
     if (!exchange->finished) {
         return last_ ? ipc_result::timed_out : omit();
     }
-    last_answer_at_ = monotonic_time();
-    return take_answer(*exchange, answer);
+    const int result = take_answer(*exchange, answer);
+    const auto failed = [answer] {
+        return load_integer(*answer, board_header::status) != board_status::success;
+    };
+    met_failure_ = met_failure_ || result < 0 || failed();
+    if (!met_failure_) {
+        last_answer_at_ = monotonic_time();
+    }
+    return result;
 }
 
 std::uint64_t failed_requests() {

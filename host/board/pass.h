@@ -88,6 +88,7 @@ class Pass {
     Barred barred_;
     bool last_;
     bool met_bar_ = false;
+    bool met_failure_ = false;
     int omissions_ = 0;
     std::int64_t last_answer_at_;
     std::int64_t distrust_from_ = 0;
