@@ -30,7 +30,7 @@ class PassTest : public testing::Test {
                       return;
                   }
                   answers_.acquire();
-                  board.send(message(request[0], 0, 40, 0, ++answered_));
+                  board.send(message(request[0], 0, 40, request[32] == refused ? 5 : 0, ++answered_));
               }
           }}),
           client_(server_.address(), 1s),
@@ -44,6 +44,8 @@ class PassTest : public testing::Test {
         answers_.release(16);
         EXPECT_THAT(outstanding_blocks(), testing::IsEmpty());
     }
+
+    static constexpr std::uint8_t refused = 99;  // with status 5
 
     // As the module asks: byte 32 of the answer, or the failure.
     static int ask(std::uint8_t item = 7) {
@@ -99,6 +101,25 @@ TEST_F(PassTest, WhatIsNotThereYetIsThereInTheNextPassAndItsStampsDoNotCount) {
     EXPECT_EQ(ask(), 1) << "remembered until the request is served";
     EXPECT_EQ(again.omissions(), 0);
     EXPECT_EQ(expired(now()), 0);
+}
+
+// Its error is logged in a pass that counts.
+TEST_F(PassTest, WhatFailedInAPassThatIsThrownAwayIsReadAgainInTheNextOne) {
+    AnswerMemory memory;
+    {
+        const Pass pass(shared_, memory, {});
+        EXPECT_EQ(ask(refused), ipc_result::not_yet);
+    }
+    answers_.release();
+    await(memory);
+    timespec stamped{};
+    {
+        const Pass pass(shared_, memory, {});
+        stamped = now();
+        EXPECT_EQ(ask(refused), 1);
+        EXPECT_EQ(ask(8), ipc_result::not_yet);
+    }
+    EXPECT_EQ(expired(stamped), 1);
 }
 
 TEST_F(PassTest, TwoWhoWantTheSameShareARequestUnlessSomethingChangedInBetween) {
