@@ -2,6 +2,7 @@
 
 #include "module/operations/address_table.h"
 #include "module/operations/sessions.h"
+#include "module/store/address_sections.h"
 #include "module/store/cached_query.h"
 #include "wire/records/address.h"
 #include "wire/records/channel.h"
@@ -28,7 +29,7 @@ void write_sample_address(std::uint8_t *entry, int number) {
 }  // namespace
 
 void fake_global_ont_address_table(int slot) {
-    SlotDatabase *db = slot_database(slot_byte(slot));
+    AddressSections *db = slot_sections<AddressSections>(slot_byte(slot));
     if (db == nullptr || !db->addresses.resize(sample_addresses)) {
         return;
     }
@@ -41,7 +42,7 @@ void fake_global_ont_address_table(int slot) {
 }
 
 void fake_pppoe_sessions(int slot) {
-    SlotDatabase *db = slot_database(slot_byte(slot));
+    SessionSections *db = slot_sections<SessionSections>(slot_byte(slot));
     if (db == nullptr || !db->pppoe_sessions.resize(sample_sessions)) {
         return;
     }

@@ -4,6 +4,7 @@
 #include "module/abi/sample_data.h"
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/store/switch_sections.h"
 #include "module/switch/switch_mac_table.h"
 #include "wire/records/switch.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 // Room for `count` cleared entries in the slot's table; empty without memory.
 MacEntries make_room(int slot, std::size_t count) {
-    SlotDatabase *db = slot_database(slot_byte(slot));
+    SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
     if (db == nullptr || !db->mac_table.resize(count)) {
         return {};
     }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "wire/records/ont.h"
+#include "wire/serial.h"
 
 namespace tarn {
 

@@ -2,6 +2,7 @@
 
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/store/network_sections.h"
 #include "wire/records/network.h"
 
 using namespace tarn;
@@ -38,13 +39,13 @@ bool send_to_slots(const EntryRequest &request, int number, int type, const char
 }  // namespace
 
 void *slot_lib_get_alarms_config(void) {
-    ProfilesDatabase *db = profiles_database();
+    ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
     return db != nullptr ? refresh(db->alarms_config, get_request, __func__, chassis_slot::chassis_network)
                          : nullptr;
 }
 
 int slot_lib_set_alarms_config(void) {
-    ProfilesDatabase *db = profiles_database();
+    ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
     if (db == nullptr) {
         return -1;
     }

@@ -3,6 +3,7 @@
 #include "module/common/log.h"
 #include "module/config/config_buffer.h"
 #include "module/store/cached_query.h"
+#include "module/store/network_sections.h"
 #include "wire/records/config_image.h"
 #include "wire/records/network.h"
 
@@ -47,13 +48,13 @@ void merge_terminal_vlans(const std::uint8_t *chassis, std::uint8_t *slot) {
 
 std::uint8_t *get_gpon_network_cfg(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    NetworkSections *db = slot_sections<NetworkSections>(slot);
     return db != nullptr ? refresh_block(db->network_config, slot) : nullptr;
 }
 
 int set_gpon_network_cfg(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    NetworkSections *db = slot_sections<NetworkSections>(slot);
     if (db == nullptr) {
         log_add(log_error, "%s : skipping slot %d\n", __func__, slot);
         return 0;
@@ -63,12 +64,12 @@ int set_gpon_network_cfg(int slot) {
 }
 
 std::uint8_t *get_common_network_cfg(void) {
-    ProfilesDatabase *db = profiles_database();
+    ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
     return db != nullptr ? refresh_block(db->common_network_config, chassis_slot::chassis_network) : nullptr;
 }
 
 int set_common_network_cfg(void) {
-    ProfilesDatabase *db = profiles_database();
+    ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
     if (db == nullptr) {
         return -1;
     }
@@ -87,7 +88,7 @@ int set_common_network_cfg(void) {
 
 int update_slots_terminal_vlans(int slot) {
     slot = slot_byte(slot);
-    const ProfilesDatabase *db = profiles_database();
+    const ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
     if (db == nullptr) {
         return -1;
     }

@@ -1,6 +1,7 @@
 #include "module/config/olt_channel_config.h"
 
 #include "module/store/cached_query.h"
+#include "module/store/channel_sections.h"
 #include "wire/records/channel.h"
 
 using namespace tarn;
@@ -14,7 +15,7 @@ bool is_channel(int channel) {
 }
 
 ChannelConfig *section_of(int slot, int channel) {
-    SlotDatabase *db = slot_database(slot);
+    ChannelSections *db = slot_sections<ChannelSections>(slot);
     return db != nullptr && is_channel(channel) ? &db->olt_channel_configs[static_cast<std::size_t>(channel)]
                                                 : nullptr;
 }

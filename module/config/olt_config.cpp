@@ -1,6 +1,8 @@
 #include "module/config/olt_config.h"
 
 #include "module/store/cached_query.h"
+#include "module/store/olt_sections.h"
+#include "module/store/profile_sections.h"
 #include "wire/records/olt.h"
 
 using namespace tarn;
@@ -8,9 +10,9 @@ using namespace tarn;
 namespace {
 
 template <std::size_t Size, std::size_t Count>
-std::uint8_t *get_list(Records<Size, Count> ProfilesDatabase::*list, Stamp ProfilesDatabase::*stamp,
+std::uint8_t *get_list(Records<Size, Count> OltProfileSections::*list, Stamp OltProfileSections::*stamp,
                        std::uint16_t code, const char *operation) {
-    ProfilesDatabase *db = profiles_database();
+    OltProfileSections *db = chassis_sections<OltProfileSections>();
     if (db == nullptr) {
         return nullptr;
     }
@@ -24,7 +26,7 @@ std::uint8_t *get_list(Records<Size, Count> ProfilesDatabase::*list, Stamp Profi
 
 std::uint8_t *get_olt_cfg(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    OltSections *db = slot_sections<OltSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -38,7 +40,7 @@ std::uint8_t *get_olt_cfg(int slot) {
 
 int set_olt_cfg(int slot) {
     slot = slot_byte(slot);
-    const SlotDatabase *db = slot_database(slot);
+    const OltSections *db = slot_sections<OltSections>(slot);
     if (db == nullptr) {
         return -1;
     }
@@ -48,11 +50,12 @@ int set_olt_cfg(int slot) {
 }
 
 std::uint8_t *get_olt_address_table_profiles(void) {
-    return get_list(&ProfilesDatabase::olt_address_table_profiles, &ProfilesDatabase::olt_address_table_stamp,
-                    command::get_olt_address_table_profiles, __func__);
+    return get_list(&OltProfileSections::olt_address_table_profiles,
+                    &OltProfileSections::olt_address_table_stamp, command::get_olt_address_table_profiles,
+                    __func__);
 }
 
 std::uint8_t *get_olt_vlan_profiles(void) {
-    return get_list(&ProfilesDatabase::olt_vlan_profiles, &ProfilesDatabase::olt_vlan_stamp,
+    return get_list(&OltProfileSections::olt_vlan_profiles, &OltProfileSections::olt_vlan_stamp,
                     command::get_olt_vlan_profiles, __func__);
 }

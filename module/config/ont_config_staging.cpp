@@ -8,6 +8,7 @@
 #include "module/common/serial.h"
 #include "module/config/ont_config_store.h"
 #include "module/store/cached_query.h"
+#include "module/store/ont_config_sections.h"
 #include "wire/records/ont.h"
 #include "wire/records/ont_config.h"
 
@@ -39,7 +40,7 @@ int init_ont_config_buffer(int slot, const std::uint8_t *serial_bytes, int creat
     ont_cb_id = not_given;
     const int index = get_ont_config_index_by_serial(slot, serial.data());
     if (index != ont_not_found) {
-        ont_cb = slot_database(slot)->ont_configs[static_cast<std::size_t>(index)];
+        ont_cb = slot_sections<OntConfigSections>(slot)->ont_configs[static_cast<std::size_t>(index)];
         ont_cb_tree = index / ont_config::onts_per_channel;
         ont_cb_id = index % ont_config::onts_per_channel;
     } else if (create != 0) {

@@ -7,6 +7,7 @@
 #include "module/common/serial.h"
 #include "module/config/config_buffer.h"
 #include "module/store/cached_query.h"
+#include "module/store/ont_config_sections.h"
 #include "wire/defaults.h"
 #include "wire/records/channel.h"
 #include "wire/records/config_image.h"
@@ -17,17 +18,26 @@ using namespace tarn;
 
 namespace {
 
-const std::uint8_t *serial_of(const SlotDatabase &db, std::uint16_t index) {
+const std::uint8_t *serial_of(const OntConfigSections &db, std::uint16_t index) {
     return db.ont_configs[index].data() + ont_config::serial.offset;
 }
 
-const std::uint8_t *serial_at_position(const SlotDatabase &db, int position) {
+const std::uint8_t *serial_at_position(const OntConfigSections &db, int position) {
     return serial_of(db, db.ont_configs_by_serial[static_cast<std::size_t>(position)]);
 }
 
-bool is_first_not_below(const SlotDatabase &db, int position, const std::uint8_t *serial) {
+bool is_first_not_below(const OntConfigSections &db, int position, const std::uint8_t *serial) {
     return position < ont_config::count && compare_serials(serial_at_position(db, position), serial) >= 0 &&
            (position == 0 || compare_serials(serial_at_position(db, position - 1), serial) < 0);
+}
+
+// A stable sort gives what an insertion sort gives that moves a record only past greater ones.
+void sort_configs(OntConfigSections &db) {
+    auto &view = db.ont_configs_by_serial;
+    std::iota(view.begin(), view.end(), std::uint16_t{0});
+    std::stable_sort(view.begin(), view.end(), [&db](std::uint16_t a, std::uint16_t b) {
+        return compare_serials(serial_of(db, a), serial_of(db, b)) < 0;
+    });
 }
 
 // The first record with this serial that passes, by store index; -1: none.
@@ -37,7 +47,7 @@ int find_ont(int slot, const std::uint8_t *serial_bytes, Passes passes) {
     if (get_all_ont_config(slot) == nullptr) {
         return -1;
     }
-    const SlotDatabase &db = *slot_database(slot_byte(slot));
+    const OntConfigSections &db = *slot_sections<OntConfigSections>(slot_byte(slot));
     const int end = first_ont_above(db, serial.data());
     for (int position = first_ont_not_below(db, serial.data()); position < end; ++position) {
         const std::uint16_t index = db.ont_configs_by_serial[static_cast<std::size_t>(position)];
@@ -52,26 +62,20 @@ int find_ont(int slot, const std::uint8_t *serial_bytes, Passes passes) {
 
 std::uint8_t *get_all_ont_config(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    OntConfigSections *db = slot_sections<OntConfigSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
     std::uint8_t *records = db->ont_configs[0].data();
     if (refresh_from_image(slot, config_image::ont_records, records, sizeof db->ont_configs,
                            db->ont_configs_stamp)) {
-        insert_sort_ont_configs(db);
+        sort_configs(*db);
     }
     return records;
 }
 
-// A stable sort gives what an insertion sort gives that moves a record only past greater ones.
 void insert_sort_ont_configs(void *slot_database) {
-    auto &db = *static_cast<SlotDatabase *>(slot_database);
-    auto &view = db.ont_configs_by_serial;
-    std::iota(view.begin(), view.end(), std::uint16_t{0});
-    std::stable_sort(view.begin(), view.end(), [&db](std::uint16_t a, std::uint16_t b) {
-        return compare_serials(serial_of(db, a), serial_of(db, b)) < 0;
-    });
+    sort_configs(sections_in<OntConfigSections>(slot_database));
 }
 
 int get_ont_config_index_by_serial(int slot, const std::uint8_t *serial) {
@@ -84,7 +88,7 @@ std::uint8_t *get_all_ont_config_by_serial(int slot, const std::uint8_t *serial,
     if (index != nullptr) {
         *index = found;
     }
-    return found >= 0 ? ont_config_at(*slot_database(slot_byte(slot)), found) : nullptr;
+    return found >= 0 ? ont_config_at(*slot_sections<OntConfigSections>(slot_byte(slot)), found) : nullptr;
 }
 
 void init_ont_config(std::uint8_t *record) {
@@ -106,7 +110,7 @@ int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record
         log_add(log_error, "%s : wrong ont id : %d\n", __func__, id);
         return -1;
     }
-    SlotDatabase *db = slot_database(slot);
+    OntConfigSections *db = slot_sections<OntConfigSections>(slot);
     if (db == nullptr) {
         return -1;
     }
@@ -123,7 +127,7 @@ int set_ont_config_new(int slot, int channel, int id, const std::uint8_t *record
     // Until the card's image comes again, the next edit starts from what it was sent.
     std::memcpy(ont_config_at(*db, channel * ont_config::onts_per_channel + id),
                 request.bytes.data() + record_at, ont_config::size);
-    insert_sort_ont_configs(db);
+    sort_configs(*db);
     db->ont_configs_stamp.clear();
     // The configuration holds it now; the card's services follow on their own if they miss this.
     store_integer(request.bytes.data(), board_header::destination, destination::services);
@@ -143,7 +147,7 @@ int delete_ont_config(int slot, const std::uint8_t *serial_bytes) {
                 serial[4], serial[5], serial[6], serial[7]);
         return -1;
     }
-    SlotDatabase &db = *slot_database(slot_byte(slot));
+    OntConfigSections &db = *slot_sections<OntConfigSections>(slot_byte(slot));
     std::uint8_t *record = ont_config_at(db, index);
     const std::int64_t in_use = load_integer(record, ont_config::in_use);
     store_integer(record, ont_config::in_use, 0);
@@ -160,12 +164,13 @@ namespace tarn {
 
 bool may_edit_ont_configs(int slot, const char *operation) {
     return get_all_ont_config(slot) != nullptr &&
-           may_edit(slot_database(slot_byte(slot))->ont_configs_stamp, operation, slot_byte(slot));
+           may_edit(slot_sections<OntConfigSections>(slot_byte(slot))->ont_configs_stamp, operation,
+                    slot_byte(slot));
 }
 
 // Walks ask for the same serial, or the next one, again and again; a search goes through records that lie far
 // apart.
-int first_ont_not_below(const SlotDatabase &db, const std::uint8_t *serial) {
+int first_ont_not_below(const OntConfigSections &db, const std::uint8_t *serial) {
     static int last_found = 0;
     for (const int position : {last_found, last_found + 1}) {
         if (is_first_not_below(db, position, serial)) {
@@ -180,7 +185,7 @@ int first_ont_not_below(const SlotDatabase &db, const std::uint8_t *serial) {
     return last_found = static_cast<int>(found - view.begin());
 }
 
-int first_ont_above(const SlotDatabase &db, const std::uint8_t *serial) {
+int first_ont_above(const OntConfigSections &db, const std::uint8_t *serial) {
     int position = first_ont_not_below(db, serial);
     while (position < ont_config::count && compare_serials(serial_at_position(db, position), serial) == 0) {
         ++position;

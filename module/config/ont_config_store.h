@@ -6,13 +6,13 @@
 #include <cstdint>
 
 #include "module/common/exports.h"
-#include "module/store/slot_database.h"
+#include "module/store/ont_config_sections.h"
 #include "wire/records/ont_config.h"
 
 // The slot's records in store order, refreshed from its image when they have expired. Null for a slot
 // without a database.
 TARN_EXPORT std::uint8_t *get_all_ont_config(int slot);
-// Rebuilds the view of a SlotDatabase's records in the order of their serials; equal serials keep their
+// Rebuilds the view of a slot database's records in the order of their serials; equal serials keep their
 // store order.
 TARN_EXPORT void insert_sort_ont_configs(void *slot_database);
 // Store index of the first record with this serial, in use or not; 65535: none.
@@ -35,7 +35,7 @@ namespace tarn {
 // have come since the last write.
 bool may_edit_ont_configs(int slot, const char *operation);
 
-inline std::uint8_t *ont_config_at(SlotDatabase &db, int index) {
+inline std::uint8_t *ont_config_at(OntConfigSections &db, int index) {
     return db.ont_configs[static_cast<std::size_t>(index)].data();
 }
 inline bool ont_in_use(const std::uint8_t *record) {
@@ -44,8 +44,8 @@ inline bool ont_in_use(const std::uint8_t *record) {
 
 // Positions in the sorted view of refreshed records: the first whose serial is not less, respectively
 // greater; 532 behind the last.
-int first_ont_not_below(const SlotDatabase &db, const std::uint8_t *serial);
-int first_ont_above(const SlotDatabase &db, const std::uint8_t *serial);
+int first_ont_not_below(const OntConfigSections &db, const std::uint8_t *serial);
+int first_ont_above(const OntConfigSections &db, const std::uint8_t *serial);
 
 }  // namespace tarn
 

@@ -2,13 +2,14 @@
 
 #include "module/config/config_buffer.h"
 #include "module/store/cached_query.h"
+#include "module/store/template_sections.h"
 #include "wire/records/config_image.h"
 #include "wire/records/template.h"
 
 using namespace tarn;
 
 std::uint8_t *get_ont_templates(void) {
-    ProfilesDatabase *db = profiles_database();
+    TemplateSections *db = chassis_sections<TemplateSections>();
     if (db == nullptr) {
         return nullptr;
     }
@@ -28,19 +29,19 @@ int set_ont_template(int index, const std::uint8_t *template_record) {
 }
 
 void cleanup_templates_commit_needs(void) {
-    if (ProfilesDatabase *db = profiles_database()) {
+    if (TemplateSections *db = chassis_sections<TemplateSections>()) {
         db->templates_to_commit.reset();
     }
 }
 
 void add_template_to_commit(int index) {
-    if (ProfilesDatabase *db = profiles_database()) {
+    if (TemplateSections *db = chassis_sections<TemplateSections>()) {
         db->templates_to_commit.add(index);
     }
 }
 
 int commit_ont_templates(void) {
-    ProfilesDatabase *db = profiles_database();
+    TemplateSections *db = chassis_sections<TemplateSections>();
     if (db == nullptr) {
         return 0;
     }

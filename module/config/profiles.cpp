@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "module/store/cached_query.h"
+#include "module/store/profile_sections.h"
 #include "wire/defaults.h"
 #include "wire/records/profile.h"
 
@@ -13,26 +14,26 @@ namespace {
 // Where a kind is cached, its four commands and its defaults.
 template <std::size_t Size, std::size_t Count>
 struct Kind {
-    Records<Size, Count> ProfilesDatabase::*records;
-    Stamp ProfilesDatabase::*stamp;
+    Records<Size, Count> ProfileSections::*records;
+    Stamp ProfileSections::*stamp;
     std::uint16_t get, add, set, remove;
     std::span<const Default> defaults;
 };
 template <std::size_t Size, std::size_t Count>
-Kind(Records<Size, Count> ProfilesDatabase::*, Stamp ProfilesDatabase::*, std::uint16_t, std::uint16_t,
+Kind(Records<Size, Count> ProfileSections::*, Stamp ProfileSections::*, std::uint16_t, std::uint16_t,
      std::uint16_t, std::uint16_t, std::span<const Default>) -> Kind<Size, Count>;
 
 // The cached profile; null for a wrong index or without the database.
 template <std::size_t Size, std::size_t Count>
 std::uint8_t *cached(const Kind<Size, Count> &kind, int index) {
-    ProfilesDatabase *db = profiles_database();
+    ProfileSections *db = chassis_sections<ProfileSections>();
     const auto place = static_cast<std::size_t>(index);
     return db != nullptr && place < Count ? (db->*kind.records)[place].data() : nullptr;
 }
 
 template <std::size_t Size, std::size_t Count>
 std::uint8_t *get(const Kind<Size, Count> &kind, const char *operation) {
-    ProfilesDatabase *db = profiles_database();
+    ProfileSections *db = chassis_sections<ProfileSections>();
     if (db == nullptr) {
         return nullptr;
     }
@@ -53,7 +54,7 @@ int send(const Kind<Size, Count> &kind, Request<Length> request, int index, cons
     if (act(request, operation, chassis_slot::profiles) != 0) {
         return -1;
     }
-    (profiles_database()->*kind.stamp).clear();
+    (chassis_sections<ProfileSections>()->*kind.stamp).clear();
     return 0;
 }
 
@@ -92,36 +93,33 @@ int remove(const Kind<Size, Count> &kind, int index, const char *operation) {
              operation) != 0) {
         return -1;
     }
-    (profiles_database()->*kind.stamp).filled = false;  // the cached profile stays
+    (chassis_sections<ProfileSections>()->*kind.stamp).filled = false;  // the cached profile stays
     return 0;
 }
 
 }  // namespace
 
-#define PROFILE_KIND(K)                                      \
-    namespace {                                              \
-    constexpr Kind K##_kind{&ProfilesDatabase::K##_profiles, \
-                            &ProfilesDatabase::K##_stamp,    \
-                            command::get_##K##_profiles,     \
-                            command::add_##K##_profile,      \
-                            command::set_##K##_profile,      \
-                            command::delete_##K##_profile,   \
-                            K##_profile::defaults};          \
-    }                                                        \
-    std::uint8_t *get_##K##_profiles(void) {                 \
-        return get(K##_kind, __func__);                      \
-    }                                                        \
-    int add_##K##_profile(int index) {                       \
-        return add(K##_kind, index, __func__);               \
-    }                                                        \
-    int set_##K##_profile(int index) {                       \
-        return set(K##_kind, index, __func__);               \
-    }                                                        \
-    int delete_##K##_profile(int index) {                    \
-        return remove(K##_kind, index, __func__);            \
-    }                                                        \
-    void init_##K##_profile(std::uint8_t *record) {          \
-        write_defaults(record, K##_profile::defaults);       \
+#define PROFILE_KIND(K)                                                                    \
+    namespace {                                                                            \
+    constexpr Kind K##_kind{&ProfileSections::K##_profiles, &ProfileSections::K##_stamp,   \
+                            command::get_##K##_profiles,    command::add_##K##_profile,    \
+                            command::set_##K##_profile,     command::delete_##K##_profile, \
+                            K##_profile::defaults};                                        \
+    }                                                                                      \
+    std::uint8_t *get_##K##_profiles(void) {                                               \
+        return get(K##_kind, __func__);                                                    \
+    }                                                                                      \
+    int add_##K##_profile(int index) {                                                     \
+        return add(K##_kind, index, __func__);                                             \
+    }                                                                                      \
+    int set_##K##_profile(int index) {                                                     \
+        return set(K##_kind, index, __func__);                                             \
+    }                                                                                      \
+    int delete_##K##_profile(int index) {                                                  \
+        return remove(K##_kind, index, __func__);                                          \
+    }                                                                                      \
+    void init_##K##_profile(std::uint8_t *record) {                                        \
+        write_defaults(record, K##_profile::defaults);                                     \
     }
 
 PROFILE_KIND(management)

@@ -6,6 +6,7 @@
 
 #include "module/common/log.h"
 #include "module/common/serial.h"
+#include "module/store/address_sections.h"
 #include "module/store/cached_query.h"
 #include "wire/records/address.h"
 
@@ -21,11 +22,11 @@ constexpr int text_head = 2;          // "v1"
 constexpr int text_record_size = 56;  // characters
 
 // The sorted positions lie in the database as bytes; they are aligned, as realloc's memory is.
-std::uint32_t *sorted_positions(const SlotDatabase &db) {
+std::uint32_t *sorted_positions(const AddressSections &db) {
     return reinterpret_cast<std::uint32_t *>(static_cast<void *>(db.addresses_by_serial.bytes));
 }
 
-void read_entries(SlotDatabase &db, const Answer &answer, int slot, const char *operation) {
+void read_entries(AddressSections &db, const Answer &answer, int slot, const char *operation) {
     const std::size_t stated = answer.get<std::uint16_t>(answer_count);
     const std::size_t count = answer.records(stated, answer_entries, ont_address::size);
     if (count != stated) {
@@ -62,7 +63,7 @@ void write_text_record(char *to, const std::uint8_t *entry) {
 
 std::uint8_t *get_global_ont_address_table(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    AddressSections *db = slot_sections<AddressSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -83,7 +84,7 @@ std::uint8_t *get_global_ont_address_table(int slot) {
 }
 
 void insert_sort_global_ont_address_table(int slot) {
-    SlotDatabase *db = slot_database(slot_byte(slot));
+    AddressSections *db = slot_sections<AddressSections>(slot_byte(slot));
     if (db == nullptr || db->address_count == 0) {
         return;
     }
@@ -106,7 +107,7 @@ void insert_sort_global_ont_address_table(int slot) {
 
 char *get_global_ont_address_table_raw(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    AddressSections *db = slot_sections<AddressSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -135,28 +136,20 @@ char *get_global_ont_address_table_raw(int slot) {
 
 namespace tarn {
 
-std::size_t address_entries(const SlotDatabase &db) {
+std::size_t address_entries(const AddressSections &db) {
     return std::min<std::size_t>(db.address_count, db.addresses.capacity);
 }
 
-std::size_t sorted_address_entries(const SlotDatabase &db) {
+std::size_t sorted_address_entries(const AddressSections &db) {
     return std::min(address_entries(db), db.addresses_by_serial.capacity);
 }
 
-const std::uint8_t *address_by_serial(const SlotDatabase &db, std::size_t position) {
+const std::uint8_t *address_by_serial(const AddressSections &db, std::size_t position) {
     if (position >= sorted_address_entries(db)) {
         return nullptr;
     }
     const std::uint32_t entry = sorted_positions(db)[position];
     return entry < address_entries(db) ? db.addresses.at(entry) : nullptr;
-}
-
-void release_address_table(SlotDatabase &db) {
-    db.addresses.release();
-    db.addresses_by_serial.release();
-    db.address_count = 0;
-    db.address_text.release();
-    db.address_text_length = 0;
 }
 
 }  // namespace tarn

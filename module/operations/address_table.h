@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "module/common/exports.h"
-#include "module/store/slot_database.h"
+#include "module/store/address_sections.h"
 
 // The entries of 37 bytes (see ont_address) in the card's order, as many as address_entries says; null for a
 // slot without a database.
@@ -19,12 +19,11 @@ namespace tarn {
 
 // The number of entries that are there: the count that the card stated may exceed what memory could be had
 // for.
-std::size_t address_entries(const SlotDatabase &db);
+std::size_t address_entries(const AddressSections &db);
 // The length of the order by serial; shorter than the table when memory was short.
-std::size_t sorted_address_entries(const SlotDatabase &db);
+std::size_t sorted_address_entries(const AddressSections &db);
 // The entry at a position of the order by serial; null beyond the end.
-const std::uint8_t *address_by_serial(const SlotDatabase &db, std::size_t position);
-void release_address_table(SlotDatabase &db);
+const std::uint8_t *address_by_serial(const AddressSections &db, std::size_t position);
 
 }  // namespace tarn
 

@@ -10,6 +10,7 @@
 
 #include "module/common/files.h"
 #include "module/common/log.h"
+#include "module/store/auto_update_sections.h"
 #include "module/store/cached_query.h"
 
 using namespace tarn;
@@ -23,7 +24,7 @@ constexpr const char *mode_words[] = {"disable", "immediate", "postpone", "globa
 constexpr std::uint32_t global_mode = 3;
 constexpr std::uint32_t unknown_mode = 255;
 constexpr ssize_t longest_line = 4096;
-constexpr std::size_t max_entries = std::tuple_size_v<decltype(ProfilesDatabase::auto_update_entries)>;
+constexpr std::size_t max_entries = std::tuple_size_v<decltype(AutoUpdateSections::auto_update_entries)>;
 
 struct CloseFile {
     void operator()(std::FILE *stream) const { static_cast<void>(std::fclose(stream)); }
@@ -74,7 +75,7 @@ std::uint32_t mode_of(std::string_view token) {
                                         : unknown_mode;
 }
 
-std::uint32_t load_entries(std::FILE *stream, ProfilesDatabase &db) {
+std::uint32_t load_entries(std::FILE *stream, AutoUpdateSections &db) {
     constexpr std::size_t first_size = 512;
     std::size_t size = first_size;
     char *line = static_cast<char *>(std::malloc(size));
@@ -105,7 +106,7 @@ std::uint32_t load_entries(std::FILE *stream, ProfilesDatabase &db) {
     return static_cast<std::uint32_t>(n);
 }
 
-std::string file_text(const ProfilesDatabase &db) {
+std::string file_text(const AutoUpdateSections &db) {
     std::string text = "\n" + std::string(header) + "\n\n";
     bool unknown = false;
     for (std::uint32_t i = 0; i < db.auto_update_count; ++i) {
@@ -141,7 +142,7 @@ bool read_switch(int &value) {
 }  // namespace
 
 AutoUpdateEntry **get_ont_auto_update_entries(void) {
-    ProfilesDatabase *db = profiles_database();
+    AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
     if (db == nullptr) {
         return nullptr;
     }
@@ -183,7 +184,7 @@ AutoUpdateEntry *parse_entry(const char *line) {
 }
 
 int add_ont_autoupdate_entry(const AutoUpdateEntry *entry) {
-    ProfilesDatabase *db = profiles_database();
+    AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
     if (db == nullptr || db->auto_update_count >= max_entries) {
         return -1;
     }
@@ -201,7 +202,7 @@ int add_ont_autoupdate_entry(const AutoUpdateEntry *entry) {
 }
 
 int delete_ont_autoupdate_entry(const char *description) {
-    ProfilesDatabase *db = profiles_database();
+    AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
     if (db == nullptr) {
         return -1;
     }
@@ -221,7 +222,7 @@ int delete_ont_autoupdate_entry(const char *description) {
 }
 
 int generate_ont_autoupdate_file(void) {
-    const ProfilesDatabase *db = profiles_database();
+    const AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
     if (db == nullptr || !db->auto_update_stamp.is_set()) {
         log_add(log_error, "%s : data never received\n", __func__);
         return -1;

@@ -1,6 +1,8 @@
 #include "module/operations/channel_queries.h"
 
 #include "module/store/cached_query.h"
+#include "module/store/channel_sections.h"
+#include "module/store/olt_sections.h"
 #include "wire/records/channel.h"
 
 using namespace tarn;
@@ -23,7 +25,7 @@ void copy_field(const std::uint8_t *from, Field field, std::uint8_t *to) {
 
 std::uint8_t *get_olt_channel_state(int slot, int channel) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    ChannelSections *db = slot_sections<ChannelSections>(slot);
     const auto index = static_cast<std::size_t>(channel);
     if (db == nullptr || index >= channels_per_slot) {
         return nullptr;
@@ -43,7 +45,7 @@ std::uint8_t *get_olt_channel_state(int slot, int channel) {
 
 std::uint8_t *get_olt_channels_state_lite(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    ChannelSections *db = slot_sections<ChannelSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -66,7 +68,7 @@ std::uint8_t *get_olt_channels_state_lite(int slot) {
 
 std::uint8_t *get_olt_state(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    OltSections *db = slot_sections<OltSections>(slot);
     return db == nullptr ? nullptr
                          : refresh(db->olt_state, Request<32>(command::get_olt_state, destination::services),
                                    __func__, slot);
@@ -74,7 +76,7 @@ std::uint8_t *get_olt_state(int slot) {
 
 std::uint8_t *get_hardware_information(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    OltSections *db = slot_sections<OltSections>(slot);
     return db == nullptr ? nullptr
                          : refresh(db->hardware_information,
                                    Request<32>(command::get_hardware_information, destination::services),
@@ -83,7 +85,7 @@ std::uint8_t *get_hardware_information(int slot) {
 
 std::uint8_t *get_version_information(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    OltSections *db = slot_sections<OltSections>(slot);
     return db == nullptr ? nullptr
                          : refresh(db->version_information,
                                    Request<32>(command::get_version_information, destination::services),

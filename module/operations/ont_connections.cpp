@@ -4,6 +4,7 @@
 #include "module/common/serial.h"
 #include "module/config/ont_config_store.h"
 #include "module/store/cached_query.h"
+#include "module/store/ont_sections.h"
 #include "wire/records/ont.h"
 #include "wire/records/ont_config.h"
 
@@ -24,7 +25,7 @@ std::uint8_t *get_ont_connections(int slot, const std::uint8_t *serial_bytes) {
         log_add(log_error, "%s : Can't find ont state with this serial\n", __func__);
         return nullptr;
     }
-    SlotDatabase &db = *slot_database(slot);
+    OntSections &db = *slot_sections<OntSections>(slot);
     if (db.connections_serial != serial) {
         db.connections_serial = serial;
         db.connections_count = 0;

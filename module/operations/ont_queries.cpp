@@ -6,6 +6,7 @@
 #include "module/common/log.h"
 #include "module/common/serial.h"
 #include "module/store/cached_query.h"
+#include "module/store/ont_sections.h"
 #include "wire/records/ont.h"
 
 using namespace tarn;
@@ -20,14 +21,23 @@ constexpr std::size_t list_count = payload + 1;
 constexpr std::size_t list_records = list_count + 4;
 
 // What is cached of the ONT at a list position.
-void forget_ont(SlotDatabase &db, std::size_t position) {
+void forget_ont(OntSections &db, std::size_t position) {
     db.ont_states[position] = {};
     db.ont_uni_ports[position] = {};
     db.ont_i2c[position] = {};
     db.ont_downstream_ber[position] = {};
 }
 
-void read_ont_list(SlotDatabase &db, const Answer &answer, const char *operation) {
+// A stable sort gives what an insertion sort gives that moves a record only past greater ones.
+void sort_onts(OntSections &db) {
+    std::iota(db.ont_list_by_serial.begin(), db.ont_list_by_serial.end(), std::uint16_t{0});
+    std::stable_sort(db.ont_list_by_serial.begin(), db.ont_list_by_serial.end(),
+                     [&db](std::uint16_t a, std::uint16_t b) {
+                         return compare_serials(db.ont_list[a].data(), db.ont_list[b].data()) < 0;
+                     });
+}
+
+void read_ont_list(OntSections &db, const Answer &answer, const char *operation) {
     const std::size_t stated = answer.get<std::uint32_t>(list_count);
     const std::size_t count =
         answer.records(std::min<std::size_t>(stated, max_onts), list_records, ont_list::size);
@@ -44,12 +54,12 @@ void read_ont_list(SlotDatabase &db, const Answer &answer, const char *operation
             forget_ont(db, position);
         }
     }
-    insert_sort_ont_states(&db);
+    sort_onts(db);
 }
 
-std::uint8_t *refresh_ont_list(int slot, Stamp SlotDatabase::*stamp, int timeout_ms, const char *operation) {
+std::uint8_t *refresh_ont_list(int slot, Stamp OntSections::*stamp, int timeout_ms, const char *operation) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    OntSections *db = slot_sections<OntSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -79,7 +89,7 @@ enum class StampOn { attempt, answer };
 // cleared first, so a failed request leaves zeros.
 template <std::size_t Size>
 std::uint8_t *refresh_ont_section(int slot, const std::uint8_t *serial_bytes,
-                                  Sections<Size, max_onts> SlotDatabase::*sections, std::uint16_t code,
+                                  Sections<Size, max_onts> OntSections::*sections, std::uint16_t code,
                                   int timeout_ms, StampOn stamp_on, const char *operation) {
     const Serial serial = serial_at(serial_bytes);  // may lie in the list that is refreshed next
     slot = slot_byte(slot);
@@ -87,7 +97,8 @@ std::uint8_t *refresh_ont_section(int slot, const std::uint8_t *serial_bytes,
     if (position == ont_not_found) {
         return nullptr;
     }
-    Section<Size> &section = (slot_database(slot)->*sections)[static_cast<std::size_t>(position)];
+    Section<Size> &section =
+        (slot_sections<OntSections>(slot)->*sections)[static_cast<std::size_t>(position)];
     if (section.stamp.expired()) {
         section.record = {};
         Request<45> request(code, destination::services);
@@ -107,7 +118,7 @@ std::uint8_t *refresh_ont_section(int slot, const std::uint8_t *serial_bytes,
 
 namespace tarn {
 
-OntOrder onts_from(const SlotDatabase &db, const std::uint8_t *serial) {
+OntOrder onts_from(const OntSections &db, const std::uint8_t *serial) {
     const OntOrder order = db.ont_list_by_serial;
     return {std::lower_bound(order.begin(), order.end(), serial,
                              [&db](std::uint16_t position, const std::uint8_t *wanted) {
@@ -116,7 +127,7 @@ OntOrder onts_from(const SlotDatabase &db, const std::uint8_t *serial) {
             order.end()};
 }
 
-OntOrder onts_after(const SlotDatabase &db, const std::uint8_t *serial) {
+OntOrder onts_after(const OntSections &db, const std::uint8_t *serial) {
     const OntOrder order = db.ont_list_by_serial;
     return {std::upper_bound(order.begin(), order.end(), serial,
                              [&db](const std::uint8_t *wanted, std::uint16_t position) {
@@ -125,7 +136,7 @@ OntOrder onts_after(const SlotDatabase &db, const std::uint8_t *serial) {
             order.end()};
 }
 
-int find_ont_position(const SlotDatabase &db, const std::uint8_t *serial) {
+int find_ont_position(const OntSections &db, const std::uint8_t *serial) {
     static std::size_t hint =
         0;  // place in the order that was found last: walks ask for it again or the next
     const OntOrder order = db.ont_list_by_serial;
@@ -150,21 +161,15 @@ int find_ont_position(const SlotDatabase &db, const std::uint8_t *serial) {
 }  // namespace tarn
 
 std::uint8_t *get_ont_list(int slot) {
-    return refresh_ont_list(slot, &SlotDatabase::ont_list_stamp, list_timeout_ms, __func__);
+    return refresh_ont_list(slot, &OntSections::ont_list_stamp, list_timeout_ms, __func__);
 }
 
 std::uint8_t *get_all_ont_list(int slot) {
-    return refresh_ont_list(slot, &SlotDatabase::all_ont_list_stamp, short_timeout_ms, __func__);
+    return refresh_ont_list(slot, &OntSections::all_ont_list_stamp, short_timeout_ms, __func__);
 }
 
-// A stable sort gives what an insertion sort gives that moves a record only past greater ones.
 void insert_sort_ont_states(void *slot_database) {
-    auto &db = *static_cast<SlotDatabase *>(slot_database);
-    std::iota(db.ont_list_by_serial.begin(), db.ont_list_by_serial.end(), std::uint16_t{0});
-    std::stable_sort(db.ont_list_by_serial.begin(), db.ont_list_by_serial.end(),
-                     [&db](std::uint16_t a, std::uint16_t b) {
-                         return compare_serials(db.ont_list[a].data(), db.ont_list[b].data()) < 0;
-                     });
+    sort_onts(sections_in<OntSections>(slot_database));
 }
 
 int get_ont_state_id_by_serial(int slot, const std::uint8_t *serial_bytes) {
@@ -174,7 +179,7 @@ int get_ont_state_id_by_serial(int slot, const std::uint8_t *serial_bytes) {
         return ont_not_found;
     }
     // The first free position ends the list.
-    const SlotDatabase &db = *slot_database(slot);
+    const OntSections &db = *slot_sections<OntSections>(slot);
     const int position = find_ont_position(db, serial.data());
     const int first = db.ont_list_by_serial.front();
     const bool has_end = is_zero_serial(db.ont_list[static_cast<std::size_t>(first)].data());
@@ -187,13 +192,13 @@ std::uint8_t *get_all_ont_state_list_by_serial(int slot, const std::uint8_t *ser
     if (get_all_ont_list(slot) == nullptr) {
         return nullptr;
     }
-    SlotDatabase &db = *slot_database(slot);
+    OntSections &db = *slot_sections<OntSections>(slot);
     const int position = find_ont_position(db, serial.data());
     return position < 0 ? nullptr : db.ont_list[static_cast<std::size_t>(position)].data();
 }
 
 std::uint8_t *get_ont_state(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &SlotDatabase::ont_states, command::get_ont_state,
+    return refresh_ont_section(slot, serial, &OntSections::ont_states, command::get_ont_state,
                                short_timeout_ms, StampOn::attempt, __func__);
 }
 
@@ -207,21 +212,21 @@ std::uint8_t *get_ont_state_check_state(int slot, const std::uint8_t *list_recor
     if (position == ont_not_found) {
         return nullptr;
     }
-    return slot_database(slot)->ont_states[static_cast<std::size_t>(position)].record.data();
+    return slot_sections<OntSections>(slot)->ont_states[static_cast<std::size_t>(position)].record.data();
 }
 
 std::uint8_t *get_ont_i2c(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &SlotDatabase::ont_i2c, command::get_ont_i2c, short_timeout_ms,
+    return refresh_ont_section(slot, serial, &OntSections::ont_i2c, command::get_ont_i2c, short_timeout_ms,
                                StampOn::attempt, __func__);
 }
 
 std::uint8_t *get_ont_uni_ports_state(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &SlotDatabase::ont_uni_ports, command::get_ont_uni_ports_state,
+    return refresh_ont_section(slot, serial, &OntSections::ont_uni_ports, command::get_ont_uni_ports_state,
                                uni_ports_timeout_ms, StampOn::answer, __func__);
 }
 
 std::uint8_t *get_ont_downstream_ber(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &SlotDatabase::ont_downstream_ber,
+    return refresh_ont_section(slot, serial, &OntSections::ont_downstream_ber,
                                command::get_ont_downstream_ber, default_timeout_ms, StampOn::answer,
                                __func__);
 }
@@ -229,7 +234,7 @@ std::uint8_t *get_ont_downstream_ber(int slot, const std::uint8_t *serial) {
 std::uint8_t *get_ont_services_utilization(int slot, const std::uint8_t *serial_bytes) {
     const Serial serial = serial_at(serial_bytes);
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    OntSections *db = slot_sections<OntSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }

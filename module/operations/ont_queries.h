@@ -10,7 +10,7 @@
 #include <span>
 
 #include "module/common/exports.h"
-#include "module/store/slot_database.h"
+#include "module/store/ont_sections.h"
 
 // Both refresh the same 1024 records of 106 bytes (see ont_list), each under its own stamp; they differ in
 // the time-out, 10 s and 3 s.
@@ -42,10 +42,10 @@ namespace tarn {
 using OntOrder = std::span<const std::uint16_t>;
 
 // From the first record whose serial is not less than, respectively greater than, the given one.
-OntOrder onts_from(const SlotDatabase &db, const std::uint8_t *serial);
-OntOrder onts_after(const SlotDatabase &db, const std::uint8_t *serial);
+OntOrder onts_from(const OntSections &db, const std::uint8_t *serial);
+OntOrder onts_after(const OntSections &db, const std::uint8_t *serial);
 // The first position of the list with the serial, or -1. The list is taken as it is.
-int find_ont_position(const SlotDatabase &db, const std::uint8_t *serial);
+int find_ont_position(const OntSections &db, const std::uint8_t *serial);
 
 }  // namespace tarn
 

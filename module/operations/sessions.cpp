@@ -1,6 +1,7 @@
 #include "module/operations/sessions.h"
 
 #include "module/common/log.h"
+#include "module/store/address_sections.h"
 #include "module/store/cached_query.h"
 #include "wire/records/address.h"
 
@@ -11,7 +12,7 @@ namespace {
 constexpr std::uint8_t all_channels = 255;
 constexpr std::size_t answer_sessions = payload + 2;
 
-void read_sessions(SlotDatabase &db, const Answer &answer, const char *operation) {
+void read_sessions(SessionSections &db, const Answer &answer, const char *operation) {
     const std::size_t stated = answer.get<std::uint16_t>(payload);
     const std::size_t count = answer.records(stated, answer_sessions, pppoe_session::size);
     if (count != stated) {
@@ -33,7 +34,7 @@ void read_sessions(SlotDatabase &db, const Answer &answer, const char *operation
 
 std::uint8_t *get_pppoe_sessions(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SessionSections *db = slot_sections<SessionSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -49,7 +50,7 @@ std::uint8_t *get_pppoe_sessions(int slot) {
 }
 
 void cleanup_pppoe_sessions(int slot) {
-    if (SlotDatabase *db = slot_database(slot_byte(slot))) {
+    if (SessionSections *db = slot_sections<SessionSections>(slot_byte(slot))) {
         db->pppoe_sessions.release();
         db->pppoe_session_count = 0;
         db->pppoe_stamp.clear();
@@ -58,7 +59,7 @@ void cleanup_pppoe_sessions(int slot) {
 
 std::uint8_t *get_igmp_stats(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SessionSections *db = slot_sections<SessionSections>(slot);
     if (db != nullptr && db->igmp_stamp.expired()) {
         Request<33> request(command::get_igmp_stats, destination::services);
         request.put(32, all_channels);
@@ -69,7 +70,7 @@ std::uint8_t *get_igmp_stats(int slot) {
 }
 
 void cleanup_igmp_stats(int slot) {
-    if (SlotDatabase *db = slot_database(slot_byte(slot))) {
+    if (SessionSections *db = slot_sections<SessionSections>(slot_byte(slot))) {
         db->igmp_stamp.clear();
     }
 }

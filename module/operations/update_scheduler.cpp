@@ -5,6 +5,7 @@
 
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/store/update_sections.h"
 #include "wire/records/firmware.h"
 #include "wire/records/ont.h"
 
@@ -29,13 +30,13 @@ void address_ont(std::uint8_t *request, const std::uint8_t *serial, int channel,
 
 // Makes the next query ask the card.
 void expire_tasks(int slot) {
-    if (SlotDatabase *db = slot_database(slot)) {
+    if (UpdateSections *db = slot_sections<UpdateSections>(slot)) {
         db->update_tasks_stamp.clear();
     }
 }
 
 // Keeps the old tasks without memory for the new ones.
-void take_tasks(SlotDatabase &db, int slot, const Answer &answer) {
+void take_tasks(UpdateSections &db, int slot, const Answer &answer) {
     const std::size_t stated = std::min<std::size_t>(answer.get<std::uint32_t>(count_at), max_tasks);
     const std::size_t count = answer.records(stated, tasks_at, update_task::size);
     if (!db.update_tasks.resize(count)) {
@@ -52,7 +53,7 @@ void take_tasks(SlotDatabase &db, int slot, const Answer &answer) {
 }  // namespace
 
 int get_update_ont_scheduler(int slot) {
-    SlotDatabase *db = slot_database(slot_byte(slot));
+    UpdateSections *db = slot_sections<UpdateSections>(slot_byte(slot));
     if (db == nullptr) {
         return 0;
     }

@@ -7,6 +7,7 @@
 #include "module/firmware/acs_firmware_operations.h"
 #include "module/firmware/transfers.h"
 #include "module/store/slot_database.h"
+#include "module/store/utilization_sections.h"
 #include "module/tables/scalars.h"
 #include "tarn/module_api.h"
 #include "wire/protocol.h"
@@ -42,7 +43,7 @@ int start_chassis_stores() {
     if (allocate_profiles_mandb() != 0) {
         return -1;
     }
-    tarn::profiles_database()->utilization_interval = default_utilization_interval;
+    tarn::chassis_sections<tarn::UtilizationSections>()->utilization_interval = default_utilization_interval;
     profiles_inited = true;
     return 0;
 }

@@ -4,7 +4,7 @@
 
 #include "module/common/envelope.h"
 #include "module/common/log.h"
-#include "module/store/slot_database.h"
+#include "module/store/sections.h"
 
 namespace tarn {
 

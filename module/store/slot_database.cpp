@@ -1,17 +1,41 @@
 #include "module/store/slot_database.h"
 
 #include <cstdlib>
-#include <span>
+#include <tuple>
 #include <type_traits>
 
 #include "module/common/log.h"
-#include "module/operations/address_table.h"
-#include "module/operations/sessions.h"
+#include "module/store/address_sections.h"
+#include "module/store/auto_update_sections.h"
+#include "module/store/channel_sections.h"
+#include "module/store/counter_sections.h"
+#include "module/store/network_sections.h"
+#include "module/store/olt_sections.h"
+#include "module/store/ont_config_sections.h"
+#include "module/store/ont_sections.h"
+#include "module/store/profile_sections.h"
+#include "module/store/switch_sections.h"
+#include "module/store/template_sections.h"
+#include "module/store/update_sections.h"
+#include "module/store/utilization_sections.h"
 #include "wire/protocol.h"
 
 using namespace tarn;
 
 namespace {
+
+struct SlotDatabase {
+    std::tuple<ChannelSections, OltSections, OntSections, AddressSections, SessionSections, UpdateSections,
+               OntConfigSections, NetworkSections, SwitchSections, CounterSections>
+        topics;
+    timespec ageing;  // allocation time plus 120 s; read by nothing
+};
+
+struct ProfilesDatabase {
+    std::tuple<ProfileSections, OltProfileSections, TemplateSections, AutoUpdateSections,
+               ChassisNetworkSections, UtilizationSections>
+        topics;
+};
 
 std::array<SlotDatabase *, chassis_slot::line_cards> mandb;
 ProfilesDatabase *profiles_mandb;
@@ -21,16 +45,23 @@ constexpr int ageing_seconds = 120;
 // Databases are cleared memory: every section empty, every stamp expired.
 template <class Database>
 Database *allocate_cleared() {
-    static_assert(std::is_trivially_destructible_v<Database> && std::is_standard_layout_v<Database>);
+    static_assert(std::is_trivially_destructible_v<Database>);
     return static_cast<Database *>(std::calloc(1, sizeof(Database)));
 }
 
-void release_vlans(std::span<std::uint8_t *> vlans) {
-    for (std::uint8_t *&vlan : vlans) {
-        if (vlan != nullptr) {
-            bfree(__FILE__, __LINE__, vlan);
-            vlan = nullptr;
-        }
+template <class Topic>
+void release(Topic &topic) {
+    if constexpr (requires { topic.release(); }) {
+        topic.release();
+    }
+}
+
+template <class Database>
+void free_database(Database *&database) {
+    if (database != nullptr) {
+        std::apply([](auto &...topics) { (release(topics), ...); }, database->topics);
+        std::free(database);
+        database = nullptr;
     }
 }
 
@@ -59,20 +90,9 @@ int allocate_slot_mandb(int slot) {
 }
 
 void cleanup_mandb(int slot) {
-    SlotDatabase *db = slot_database(slot);
-    if (db == nullptr) {
-        return;
+    if (get_slot_mandb(slot) != nullptr) {
+        free_database(mandb[static_cast<unsigned>(slot)]);
     }
-    release_address_table(*db);
-    db->update_tasks.release();
-    cleanup_pppoe_sessions(slot);
-    cleanup_igmp_stats(slot);
-    release_vlans(db->vlans);
-    release_vlans(db->operational_vlans);
-    db->mac_table.release();
-    db->mac_text.release();
-    std::free(db);
-    mandb[static_cast<unsigned>(slot)] = nullptr;
 }
 
 int allocate_profiles_mandb(void) {
@@ -88,22 +108,14 @@ int allocate_profiles_mandb(void) {
 }
 
 void cleanup_profiles_mandb(void) {
-    if (profiles_mandb == nullptr) {
-        return;
-    }
-    for (AutoUpdateEntry *entry : profiles_mandb->auto_update_entries) {
-        if (entry != nullptr) {
-            bfree(__FILE__, __LINE__, entry);
-        }
-    }
-    std::free(profiles_mandb);
-    profiles_mandb = nullptr;
+    free_database(profiles_mandb);
 }
 
 void age_slot_mandb(void) {}
 
 void *get_slot_mandb(int slot) {
-    return slot_database(slot);
+    const auto index = static_cast<unsigned>(slot);
+    return index < mandb.size() ? mandb[index] : nullptr;
 }
 
 void *get_profiles_mandb(void) {
@@ -112,13 +124,41 @@ void *get_profiles_mandb(void) {
 
 namespace tarn {
 
-SlotDatabase *slot_database(int slot) {
-    const auto index = static_cast<unsigned>(slot);
-    return index < mandb.size() ? mandb[index] : nullptr;
+template <class Topic>
+Topic &sections_in(void *slot_database) {
+    return std::get<Topic>(static_cast<SlotDatabase *>(slot_database)->topics);
 }
 
-ProfilesDatabase *profiles_database() {
-    return profiles_mandb;
+template <class Topic>
+Topic *slot_sections(int slot) {
+    void *database = get_slot_mandb(slot);
+    return database != nullptr ? &sections_in<Topic>(database) : nullptr;
 }
+
+template <class Topic>
+Topic *chassis_sections() {
+    return profiles_mandb != nullptr ? &std::get<Topic>(profiles_mandb->topics) : nullptr;
+}
+
+#define SLOT_TOPIC(T)                                \
+    template T &sections_in<T>(void *slot_database); \
+    template T *slot_sections<T>(int slot);
+SLOT_TOPIC(ChannelSections)
+SLOT_TOPIC(OltSections)
+SLOT_TOPIC(OntSections)
+SLOT_TOPIC(AddressSections)
+SLOT_TOPIC(SessionSections)
+SLOT_TOPIC(UpdateSections)
+SLOT_TOPIC(OntConfigSections)
+SLOT_TOPIC(NetworkSections)
+SLOT_TOPIC(SwitchSections)
+SLOT_TOPIC(CounterSections)
+
+template ProfileSections *chassis_sections();
+template OltProfileSections *chassis_sections();
+template TemplateSections *chassis_sections();
+template AutoUpdateSections *chassis_sections();
+template ChassisNetworkSections *chassis_sections();
+template UtilizationSections *chassis_sections();
 
 }  // namespace tarn

@@ -5,6 +5,7 @@
 
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/store/switch_sections.h"
 #include "wire/records/switch.h"
 
 using namespace tarn;
@@ -61,12 +62,12 @@ Fetch fetch_parts(Staging &staging, int slot, const char *operation) {
     return Fetch::no_answer;
 }
 
-MacEntries entries_of(const SlotDatabase &db) {
+MacEntries entries_of(const SwitchSections &db) {
     // Entries are bytes throughout, so they may lie anywhere.
     return {reinterpret_cast<switch_mac_list_t *>(db.mac_table.bytes), db.mac_count};
 }
 
-void refresh_mac_table(SlotDatabase &db, int slot, const char *operation) {
+void refresh_mac_table(SwitchSections &db, int slot, const char *operation) {
     constexpr std::size_t staging_bytes = switch_mac::max_entries * switch_mac::size;
     Staging staging;
     staging.bytes.reset(static_cast<std::uint8_t *>(std::malloc(staging_bytes)));
@@ -109,7 +110,7 @@ void write_text_record(char *to, const switch_mac_list_t &entry) {
 
 std::uint8_t *get_switch_mac_table(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -121,7 +122,7 @@ std::uint8_t *get_switch_mac_table(int slot) {
 
 char *get_raw_switch_mac_table(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -158,7 +159,7 @@ namespace tarn {
 
 MacEntries mac_entries(int slot) {
     get_switch_mac_table(slot);
-    const SlotDatabase *db = slot_database(slot_byte(slot));
+    const SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
     return db != nullptr ? entries_of(*db) : MacEntries{};
 }
 

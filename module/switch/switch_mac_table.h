@@ -6,7 +6,6 @@
 #include <span>
 
 #include "module/common/exports.h"
-#include "module/store/slot_database.h"
 #include "wire/records/switch.h"
 
 // An entry as the card sends it (see switch_mac).

@@ -2,6 +2,8 @@
 
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/store/switch_sections.h"
+#include "module/store/utilization_sections.h"
 #include "wire/records/switch.h"
 
 using namespace tarn;
@@ -9,13 +11,13 @@ using namespace tarn;
 namespace {
 
 template <std::size_t Size>
-using SectionOfSlot = Section<Size> SlotDatabase::*;
+using SectionOfSlot = Section<Size> SwitchSections::*;
 
 template <std::size_t Size>
 std::uint8_t *get_section(int slot, SectionOfSlot<Size> section, std::uint16_t command_code,
                           const char *operation) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -48,7 +50,7 @@ void leave_bits_to(std::uint8_t *qos, Field last_queue, Field (*mask)(int queue)
     }
 }
 
-void read_rules(SlotDatabase &db, const Answer &answer, const char *operation) {
+void read_rules(SwitchSections &db, const Answer &answer, const char *operation) {
     constexpr std::size_t first_rule = payload + 4;
     const std::size_t stated = answer.get<std::uint32_t>(payload);
     const std::size_t count = answer.records(stated, first_rule, switch_blacklist::rule_size);
@@ -73,12 +75,12 @@ void read_rules(SlotDatabase &db, const Answer &answer, const char *operation) {
 }  // namespace
 
 std::uint8_t *get_switch_general_cfg(int slot) {
-    return get_section(slot, &SlotDatabase::switch_general, command::get_switch_general_cfg, __func__);
+    return get_section(slot, &SwitchSections::switch_general, command::get_switch_general_cfg, __func__);
 }
 
 int set_switch_general_cfg(int slot) {
     slot = slot_byte(slot);
-    const SlotDatabase *db = slot_database(slot);
+    const SwitchSections *db = slot_sections<SwitchSections>(slot);
     return db == nullptr ? -1
                          : send_section<switch_general::size>(slot, db->switch_general.record.data(),
                                                               command::set_switch_general_cfg, __func__);
@@ -86,7 +88,7 @@ int set_switch_general_cfg(int slot) {
 
 std::uint8_t *get_switch_qos_cfg(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -98,7 +100,7 @@ std::uint8_t *get_switch_qos_cfg(int slot) {
 
 int set_switch_qos_cfg(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return -1;
     }
@@ -109,7 +111,7 @@ int set_switch_qos_cfg(int slot) {
 }
 
 void normalize_qos_queries(int slot) {
-    SlotDatabase *db = slot_database(slot_byte(slot));
+    SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
     if (db != nullptr) {
         std::uint8_t *qos = db->switch_qos.record.data();
         leave_bits_to(qos, switch_qos::last_priority_queue, switch_qos::priority_mask);
@@ -118,12 +120,12 @@ void normalize_qos_queries(int slot) {
 }
 
 std::uint8_t *get_switch_blacklist_cfg(int slot) {
-    return get_section(slot, &SlotDatabase::switch_blacklist, command::get_switch_blacklist_cfg, __func__);
+    return get_section(slot, &SwitchSections::switch_blacklist, command::get_switch_blacklist_cfg, __func__);
 }
 
 int set_switch_blacklist_cfg(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return -1;
     }
@@ -134,7 +136,7 @@ int set_switch_blacklist_cfg(int slot) {
 
 std::uint8_t *get_switch_blacklist_rules(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -153,7 +155,7 @@ int set_switch_blacklist_rules(int slot) {
     constexpr std::size_t most_rules = switch_blacklist::rules_per_list - 1;
     constexpr std::size_t first_rule = payload + 4;
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return -1;
     }
@@ -183,7 +185,7 @@ int set_switch_blacklist_rules(int slot) {
 
 std::uint8_t *get_switch_port_counters(int slot, int port) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr || !is_switch_port(port)) {
         return nullptr;
     }
@@ -194,7 +196,7 @@ std::uint8_t *get_switch_port_counters(int slot, int port) {
 
 int reset_switch_port_counters(int slot, int port) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr || !is_switch_port(port)) {
         return 1;
     }
@@ -209,11 +211,11 @@ int reset_switch_port_counters(int slot, int port) {
 
 std::uint8_t *get_switch_port_utilization(int slot, int port) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr || !is_switch_port(port)) {
         return nullptr;
     }
-    const ProfilesDatabase *profiles = profiles_database();
+    const UtilizationSections *profiles = chassis_sections<UtilizationSections>();
     const std::uint16_t interval = profiles != nullptr ? profiles->utilization_interval : 0;
     Request<payload + 3> request(command::get_switch_port_utilization, destination::services);
     request.put(payload, interval).put(payload + 2, static_cast<std::uint8_t>(port));

@@ -4,6 +4,7 @@
 
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/store/switch_sections.h"
 #include "wire/records/switch.h"
 
 using namespace tarn;
@@ -13,10 +14,10 @@ namespace {
 constexpr int vlans_per_request = 500;
 constexpr int last_request = 4000;  // asks for what remains
 
-std::uint8_t *get_list(int slot, Section<vlan_list::size> SlotDatabase::*list, std::uint8_t unit,
+std::uint8_t *get_list(int slot, Section<vlan_list::size> SwitchSections::*list, std::uint8_t unit,
                        const char *operation) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -82,7 +83,7 @@ void take_vlan(std::uint8_t *&vlan, const Record<vlan_record::size> &received, c
 }
 
 // Asks for the VLANs from `first` on. Returns the number to go on with; no more than `first` at the end.
-int fetch_block(SlotDatabase &db, int slot, int first, const char *operation) {
+int fetch_block(SwitchSections &db, int slot, int first, const char *operation) {
     constexpr std::size_t first_record = payload + 4;
     const int asked = first == last_request ? switch_vlans - last_request : vlans_per_request;
     Request<first_record> request(command::get_switch_vlans_block, destination::ethernet_switch);
@@ -111,16 +112,16 @@ int fetch_block(SlotDatabase &db, int slot, int first, const char *operation) {
 }  // namespace
 
 std::uint8_t *get_switch_vlan_list(int slot) {
-    return get_list(slot, &SlotDatabase::vlan_list, destination::ethernet_switch, __func__);
+    return get_list(slot, &SwitchSections::vlan_list, destination::ethernet_switch, __func__);
 }
 
 std::uint8_t *get_switch_vlan_list_operational(int slot) {
-    return get_list(slot, &SlotDatabase::operational_vlan_list, destination::services, __func__);
+    return get_list(slot, &SwitchSections::operational_vlan_list, destination::services, __func__);
 }
 
 std::uint8_t **get_switch_vlans_block(int slot) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
@@ -140,7 +141,7 @@ std::uint8_t **get_switch_vlans_block(int slot) {
 
 std::uint8_t **get_switch_vlan(int slot, int index) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     const int number = board_number(index);
     if (db == nullptr || number < 0) {
         return nullptr;
@@ -153,7 +154,7 @@ std::uint8_t **get_switch_vlan(int slot, int index) {
 
 std::uint8_t *get_switch_vlan_operational(int slot, int vlan) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     const auto at = static_cast<std::size_t>(vlan);
     if (db == nullptr || at >= operational_vlans_limit) {
         return nullptr;
@@ -164,7 +165,7 @@ std::uint8_t *get_switch_vlan_operational(int slot, int vlan) {
 }
 
 int init_switch_vlan(int slot, int index) {
-    SlotDatabase *db = slot_database(slot_byte(slot));
+    SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
     const int number = board_number(index);
     if (db == nullptr || number < 0) {
         return -1;
@@ -185,7 +186,7 @@ int init_switch_vlan(int slot, int index) {
 
 int set_switch_vlan(int slot, int index) {
     slot = slot_byte(slot);
-    SlotDatabase *db = slot_database(slot);
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     const int number = board_number(index);
     if (db == nullptr || number < 0 || db->vlans[static_cast<std::size_t>(number)] == nullptr) {
         log_add(log_error, "%s : attempt to commit nonexistent config\n", __func__);
@@ -209,14 +210,14 @@ int vlans_listed(const std::uint8_t *list) {
 }
 
 void note_unsent_vlan(int slot, int index) {
-    if (SlotDatabase *db = slot_database(slot)) {
+    if (SwitchSections *db = slot_sections<SwitchSections>(slot)) {
         db->unsent_vlans.add(board_number(index));
     }
 }
 
 void drop_unsent_vlans() {
     for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
-        SlotDatabase *db = slot_database(slot);
+        SwitchSections *db = slot_sections<SwitchSections>(slot);
         if (db == nullptr || db->unsent_vlans.empty()) {
             continue;
         }

@@ -6,7 +6,7 @@
 
 #include "module/operations/auto_update.h"
 #include "module/start/start.h"
-#include "module/store/slot_database.h"
+#include "module/store/auto_update_sections.h"
 #include "support/scripted_board.h"
 
 namespace {
@@ -15,7 +15,7 @@ std::string rules_file;
 
 std::vector<AutoUpdateEntry> load() {
     get_ont_auto_update_entries();
-    const tarn::ProfilesDatabase &db = *tarn::profiles_database();
+    const tarn::AutoUpdateSections &db = *tarn::chassis_sections<tarn::AutoUpdateSections>();
     std::vector<AutoUpdateEntry> entries;
     for (std::uint32_t i = 0; i < db.auto_update_count; ++i) {
         entries.push_back(*db.auto_update_entries[i]);

@@ -2,7 +2,7 @@
 // stay inside their memory and their finders come to an end. The input is the identifier of a GETNEXT (first
 // byte its length, then one byte a sub-identifier) and the payload of every answer.
 #include "module/start/start.h"
-#include "module/store/slot_database.h"
+#include "module/store/ont_config_sections.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
 
@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         call_iterator(tarnOLTStateTable_module_handler, MODE_GET, column, {1}, &row);
     }
     // A configured ONT, without the image that would say so: the log itself is what the card answers.
-    tarn::SlotDatabase &db = *tarn::slot_database(0);
+    tarn::OntConfigSections &db = *tarn::slot_sections<tarn::OntConfigSections>(0);
     db.ont_configs[5][264] = 'T';
     board.everything_stale = false;
     db.ont_configs_stamp.set();

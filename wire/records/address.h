@@ -4,7 +4,7 @@
 #define TARN_WIRE_RECORDS_ADDRESS_H
 
 #include "wire/record.h"
-#include "wire/records/ont.h"
+#include "wire/serial.h"
 
 namespace tarn {
 

@@ -3,7 +3,7 @@
 #define TARN_WIRE_RECORDS_FIRMWARE_H
 
 #include "wire/record.h"
-#include "wire/records/ont.h"
+#include "wire/serial.h"
 
 namespace tarn {
 

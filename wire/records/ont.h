@@ -4,12 +4,12 @@
 #define TARN_WIRE_RECORDS_ONT_H
 
 #include "wire/record.h"
+#include "wire/serial.h"
 
 namespace tarn {
 
 inline constexpr int max_onts = 1024;        // positions of a slot's ONT list
 inline constexpr int ont_not_found = 65535;  // "no such ONT" where a position is asked for
-inline constexpr std::size_t serial_size = 8;
 
 // One position of a slot's ONT list. An all-zero serial marks a free position, and the first one ends the
 // list.

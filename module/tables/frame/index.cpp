@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "wire/records/ont.h"
+#include "wire/serial.h"
 
 namespace tarn {
 

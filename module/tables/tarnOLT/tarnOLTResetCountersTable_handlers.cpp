@@ -1,6 +1,6 @@
 // A trigger to reset the counters of a line card's OLT.
 #include "module/operations/board_actions.h"
-#include "module/store/slot_database.h"
+#include "module/store/sections.h"
 #include "module/tables/frame/table.h"
 
 using namespace tarn;

@@ -55,7 +55,7 @@ bool find_ont_entry(Row &row) {
 template <int Entries, int Stride, bool (*ShownOnt)(const std::uint8_t *ont),
           bool (*ShownEntry)(const std::uint8_t *entry)>
 bool next_ont_entry(std::int64_t &cursor, Row &row) {
-    SlotDatabase *db = slot_database(row.slot);
+    OntConfigSections *db = slot_sections<OntConfigSections>(row.slot);
     if (db == nullptr || get_all_ont_config(row.slot) == nullptr) {
         return false;
     }

@@ -1,4 +1,5 @@
 #include "module/tables/tarnONT/ont_rows.h"
+#include "module/store/ont_sections.h"
 
 #include <algorithm>
 #include <climits>
@@ -8,8 +9,9 @@
 
 namespace tarn {
 
-SlotDatabase *walked_onts(int slot) {
-    return check_slot_link(slot) != 0 && get_all_ont_list(slot) != nullptr ? slot_database(slot) : nullptr;
+OntSections *walked_onts(int slot) {
+    return check_slot_link(slot) != 0 && get_all_ont_list(slot) != nullptr ? slot_sections<OntSections>(slot)
+                                                                           : nullptr;
 }
 
 bool find_ont(Row &row) {
@@ -21,7 +23,7 @@ bool find_ont(Row &row) {
 }
 
 bool next_ont(Row &row) {
-    SlotDatabase *db = walked_onts(row.slot);
+    OntSections *db = walked_onts(row.slot);
     if (db == nullptr) {
         return false;
     }

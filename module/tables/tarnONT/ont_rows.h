@@ -2,13 +2,13 @@
 #ifndef TARN_MODULE_TABLES_TARNONT_ONT_ROWS_H
 #define TARN_MODULE_TABLES_TARNONT_ONT_ROWS_H
 
-#include "module/store/slot_database.h"
+#include "module/store/ont_sections.h"
 #include "module/tables/frame/table.h"
 
 namespace tarn {
 
 // The slot's database with a fresh ONT list; null for a slot without link or database. For walks.
-SlotDatabase *walked_onts(int slot);
+OntSections *walked_onts(int slot);
 
 // The ONT with the row's serial, its list record in row.record. No ONT has the all-zero serial.
 bool find_ont(Row &row);

@@ -4,7 +4,7 @@
 #define TARN_MODULE_TABLES_TARNONT_ONT_TEMPLATE_ROWS_H
 
 #include "module/config/ont_templates.h"
-#include "module/store/slot_database.h"
+#include "module/store/template_sections.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/template.h"
 
@@ -50,7 +50,8 @@ bool next_template(std::int64_t &cursor, Row &row) {
 
 inline int stage_template(Row &row, const Column &column, const Binding & /*value*/) {
     const int index = static_cast<int>(row.number[0]);
-    const bool edited = profiles_database()->templates_to_commit.contains(index);  // as one that it destroys
+    const bool edited =
+        chassis_sections<TemplateSections>()->templates_to_commit.contains(index);  // as one that it destroys
     if (!column.creates && !template_in_use(row) && !edited && !created_templates.contains(index)) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
@@ -65,7 +66,7 @@ inline void foresee_template(const Row &row, const Column &column, const Binding
 }
 
 inline Stamp *templates_stamp(const Row & /*row*/) {
-    ProfilesDatabase *db = profiles_database();
+    TemplateSections *db = chassis_sections<TemplateSections>();
     return db != nullptr ? &db->templates_stamp : nullptr;
 }
 

@@ -4,7 +4,7 @@
 #define TARN_MODULE_TABLES_TARNONT_PROFILE_ROWS_H
 
 #include "module/config/profiles.h"
-#include "module/store/slot_database.h"
+#include "module/store/profile_sections.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/profile.h"
 
@@ -54,7 +54,7 @@ struct ProfileKind {
         return SNMP_ERR_NOERROR;
     }
     static Stamp *edited_stamp(const Row & /*row*/) {
-        ProfilesDatabase *db = profiles_database();
+        ProfileSections *db = chassis_sections<ProfileSections>();
         return db != nullptr ? &(db->*StampOf) : nullptr;
     }
     // 6 deletes, anything else creates; both at once. A deleted profile is not sent again.
@@ -117,10 +117,10 @@ int commit_row(Row &row) {
 // The kinds that several tables edit.
 using ShapingProfiles =
     ProfileKind<get_shaping_profiles, add_shaping_profile, delete_shaping_profile, shaping_profile::size,
-                &ProfilesDatabase::shaping_stamp, shaping_profiles_to_commit>;
+                &ProfileSections::shaping_stamp, shaping_profiles_to_commit>;
 using PortsProfiles =
     ProfileKind<get_ports_profiles, add_ports_profile, delete_ports_profile, ports_profile::size,
-                &ProfilesDatabase::ports_stamp, ports_profiles_to_commit>;
+                &ProfileSections::ports_stamp, ports_profiles_to_commit>;
 
 }  // namespace tarn
 

@@ -39,7 +39,7 @@ bool find_entry(Row &row) {
         return false;
     }
     const std::uint8_t *entry =
-        address_by_serial(*slot_database(row.slot), static_cast<std::size_t>(entry_of(row)));
+        address_by_serial(*slot_sections<AddressSections>(row.slot), static_cast<std::size_t>(entry_of(row)));
     if (entry == nullptr || compare_serials(entry + ont_address::serial.offset, row.serial.data()) != 0) {
         return false;
     }
@@ -48,7 +48,7 @@ bool find_entry(Row &row) {
 }
 
 // The first position whose entry lies behind (serial, entry number).
-std::size_t first_behind(const SlotDatabase &db, const Serial &serial, std::int64_t entry_number) {
+std::size_t first_behind(const AddressSections &db, const Serial &serial, std::int64_t entry_number) {
     std::size_t low = 0;
     std::size_t high = sorted_address_entries(db);
     while (low < high) {
@@ -68,7 +68,7 @@ bool next_entry(Row &row) {
     if (check_slot_link(row.slot) == 0 || get_global_ont_address_table(row.slot) == nullptr) {
         return false;
     }
-    const SlotDatabase &db = *slot_database(row.slot);
+    const AddressSections &db = *slot_sections<AddressSections>(row.slot);
     const std::size_t next = first_behind(db, row.serial, entry_of(row));
     const std::uint8_t *entry = address_by_serial(db, next);
     if (entry == nullptr) {

@@ -1,4 +1,5 @@
 // Alloc profiles.
+#include "module/store/profile_sections.h"
 #include "module/tables/tarnONT/profile_rows.h"
 
 using namespace tarn;
@@ -8,7 +9,7 @@ namespace {
 
 CommitSet<count> profiles_to_commit;
 using Profiles = ProfileKind<get_alloc_profiles, add_alloc_profile, delete_alloc_profile, size,
-                             &ProfilesDatabase::alloc_stamp, profiles_to_commit>;
+                             &ProfileSections::alloc_stamp, profiles_to_commit>;
 
 constexpr Column columns[] = {
     profile_number,

@@ -20,7 +20,7 @@ constexpr Column columns[] = {
 };
 
 bool take(Row &row, std::int64_t index) {
-    SlotDatabase *db = slot_database(row.slot);
+    OntConfigSections *db = slot_sections<OntConfigSections>(row.slot);
     if (db == nullptr || get_all_ont_config(row.slot) == nullptr || index >= ont_config::count) {
         return false;
     }

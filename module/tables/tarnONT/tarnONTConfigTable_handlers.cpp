@@ -1,4 +1,5 @@
 // The configuration of a card's ONTs, with creation (RowStatus, channel and ONT id in one SET) and deletion.
+#include "module/store/ont_config_sections.h"
 #include "module/tables/tarnONT/ont_config_rows.h"
 
 using namespace tarn;
@@ -110,7 +111,7 @@ bool find_with_place(Row &row) {
 }
 
 bool next_ont(Row &row) {
-    SlotDatabase *db = slot_database(row.slot);
+    OntConfigSections *db = slot_sections<OntConfigSections>(row.slot);
     if (db == nullptr || get_all_ont_config(row.slot) == nullptr) {
         return false;
     }

@@ -9,6 +9,8 @@
 #include "module/common/log.h"
 #include "module/config/ont_config_store.h"
 #include "module/operations/ont_connections.h"
+#include "module/store/ont_config_sections.h"
+#include "module/store/ont_sections.h"
 #include "module/tables/tarnONT/ont_rows.h"
 #include "wire/records/ont.h"
 #include "wire/records/ont_config.h"
@@ -107,7 +109,7 @@ TARN_EXPORT char *generate_ont_connections(int slot, const std::uint8_t *serial_
     if (block != nullptr) {
         std::array<char, printed_serial_size> printed;
         SnToString(serial.data(), printed.data(), printed.size());
-        const int count = slot_database(slot & 0xFF)->connections_count;
+        const int count = slot_sections<OntSections>(slot & 0xFF)->connections_count;
         for (int entry = 0; entry < std::min(count, ont_connections::max_entries); ++entry) {
             add_entry(printed.data(), block, entry);
         }
@@ -133,7 +135,7 @@ bool next_configured_ont(std::int64_t &cursor, Row &row) {
     if (get_all_ont_config(row.slot) == nullptr) {
         return false;
     }
-    SlotDatabase &db = *slot_database(row.slot);
+    OntConfigSections &db = *slot_sections<OntConfigSections>(row.slot);
     for (; cursor >= 0 && cursor < ont_config::count; ++cursor) {
         std::uint8_t *record = db.ont_configs[static_cast<std::size_t>(cursor)].data();
         const std::uint8_t *serial = record + ont_config::serial.offset;

@@ -1,4 +1,5 @@
 // Cross-connect profiles.
+#include "module/store/profile_sections.h"
 #include "module/tables/tarnONT/profile_rows.h"
 
 using namespace tarn;
@@ -8,7 +9,7 @@ namespace {
 
 CommitSet<count> profiles_to_commit;
 using Profiles = ProfileKind<get_crossconnect_profiles, add_crossconnect_profile, delete_crossconnect_profile,
-                             size, &ProfilesDatabase::crossconnect_stamp, profiles_to_commit>;
+                             size, &ProfileSections::crossconnect_stamp, profiles_to_commit>;
 
 // Its range is 16 bits, but only the action phase says so.
 int set_value_295(Row &row, const Binding &value) {

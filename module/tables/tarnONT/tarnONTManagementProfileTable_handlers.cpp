@@ -1,4 +1,5 @@
 // Management profiles.
+#include "module/store/profile_sections.h"
 #include "module/tables/tarnONT/profile_rows.h"
 
 using namespace tarn;
@@ -9,7 +10,7 @@ namespace {
 // What a SET edits, less what it deletes.
 CommitSet<count> edited_profiles;
 using Profiles = ProfileKind<get_management_profiles, add_management_profile, delete_management_profile, size,
-                             &ProfilesDatabase::management_stamp, edited_profiles>;
+                             &ProfileSections::management_stamp, edited_profiles>;
 
 constexpr Column columns[] = {
     profile_number,

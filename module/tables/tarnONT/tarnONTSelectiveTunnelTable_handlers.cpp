@@ -1,4 +1,5 @@
 // The VLAN identifiers of an ONT's selective tunnels: 42 places in each of 16 services, all of them rows.
+#include "module/store/ont_config_sections.h"
 #include "module/tables/tarnONT/ont_config_rows.h"
 
 using namespace tarn;
@@ -42,7 +43,7 @@ std::uint8_t *staged_place(Row &row) {
 
 // The walk goes by positions in the sorted view.
 struct Position {
-    const SlotDatabase &db;
+    const OntConfigSections &db;
     int value;
 
     [[nodiscard]] const std::uint8_t *ont() const {
@@ -70,7 +71,7 @@ bool advance_within_ont(Row &row) {
 }
 
 bool next_place(Row &row) {
-    const SlotDatabase *db = slot_database(row.slot);
+    const OntConfigSections *db = slot_sections<OntConfigSections>(row.slot);
     if (db == nullptr || get_all_ont_config(row.slot) == nullptr) {
         return false;
     }

@@ -143,7 +143,7 @@ TARN_EXPORT void get_serial_from_oid_state(const oid *name, std::size_t length, 
 
 // The position, in the order by serial, of the ONT that follows the one in the identifier; -1 at the end.
 TARN_EXPORT int get_first_available_config_index_2_state(int slot, const oid *name, std::size_t length) {
-    const SlotDatabase *db = walked_onts(slot);
+    const OntSections *db = walked_onts(slot);
     Serial serial;
     get_serial_from_oid_state(name, length, serial.data());
     const std::size_t behind = db != nullptr ? onts_after(*db, serial.data()).size() : 0;

@@ -1,5 +1,6 @@
 // State of the four UNI ports of every working ONT.
 #include "module/operations/ont_queries.h"
+#include "module/store/ont_sections.h"
 #include "module/tables/tarnONT/ont_rows.h"
 #include "wire/records/ont.h"
 
@@ -57,7 +58,7 @@ bool find_port(Row &row) {
 }
 
 // The first working ONT of a part of the order by serial, as its position in that part; its size: none.
-std::size_t first_working(const SlotDatabase &db, OntOrder order) {
+std::size_t first_working(const OntSections &db, OntOrder order) {
     std::size_t i = 0;
     while (i < order.size() && is_ont_state_valid_unsafe(db.ont_list[order[i]].data()) == 0) {
         ++i;
@@ -65,14 +66,14 @@ std::size_t first_working(const SlotDatabase &db, OntOrder order) {
     return i;
 }
 
-bool is_working(const SlotDatabase &db, const std::uint8_t *serial) {
+bool is_working(const OntSections &db, const std::uint8_t *serial) {
     const int position = find_ont_position(db, serial);
     return position >= 0 &&
            is_ont_state_valid_unsafe(db.ont_list[static_cast<std::size_t>(position)].data()) != 0;
 }
 
 bool next_port(Row &row) {
-    SlotDatabase *db = walked_onts(row.slot);
+    OntSections *db = walked_onts(row.slot);
     if (db == nullptr) {
         return false;
     }
@@ -115,7 +116,7 @@ TARN_EXPORT int get_port_id_from_oid_oupt(const oid *name, std::size_t length) {
 // Positions, in the order by serial, of the working ONT that the identifier names, respectively of the first
 // one behind its serial; -1 when there is none.
 TARN_EXPORT int get_exact_state_index_2_oupt(int slot, const oid *name, std::size_t length) {
-    const SlotDatabase *db = walked_onts(slot);
+    const OntSections *db = walked_onts(slot);
     Serial serial;
     get_serial_from_oid_oupt(name, length, serial.data());
     return db != nullptr && is_working(*db, serial.data())
@@ -124,7 +125,7 @@ TARN_EXPORT int get_exact_state_index_2_oupt(int slot, const oid *name, std::siz
 }
 
 TARN_EXPORT int get_first_available_state_index_oupt(int slot, const oid *name, std::size_t length) {
-    const SlotDatabase *db = walked_onts(slot);
+    const OntSections *db = walked_onts(slot);
     if (db == nullptr) {
         return -1;
     }

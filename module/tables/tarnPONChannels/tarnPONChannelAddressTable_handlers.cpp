@@ -29,7 +29,7 @@ bool find_entry(Row &row) {
     std::uint8_t *entries = get_global_ont_address_table(row.slot);
     const std::int64_t number = row.number[entry];
     if (entries == nullptr || number < 0 ||
-        number >= static_cast<std::int64_t>(address_entries(*slot_database(row.slot)))) {
+        number >= static_cast<std::int64_t>(address_entries(*slot_sections<AddressSections>(row.slot)))) {
         return false;
     }
     row.record = entries + number * static_cast<std::int64_t>(ont_address::size);
@@ -64,7 +64,7 @@ TARN_EXPORT int tarnPONChannelAddressTable_get_first_available_config_index_2(in
                                                                               std::size_t length) {
     const std::int64_t next = length < 16 ? 1 : std::int64_t{get_int_from_oid(name, length, 15)} + 1;
     get_global_ont_address_table(slot);
-    const SlotDatabase *db = slot_database(slot_byte(slot));
+    const AddressSections *db = slot_sections<AddressSections>(slot_byte(slot));
     return db != nullptr && next >= 1 && static_cast<std::size_t>(next) <= address_entries(*db)
                ? static_cast<int>(next)
                : 0;

@@ -5,6 +5,7 @@
 #include "module/operations/board_actions.h"
 #include "module/operations/channel_queries.h"
 #include "module/store/cached_query.h"
+#include "module/store/channel_sections.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/channel.h"
 
@@ -38,7 +39,7 @@ int set_enabled(Row &row, const Binding &value) {
         return SNMP_NOSUCHINSTANCE;
     }
     const auto channel = static_cast<std::size_t>(channel_of(row));
-    Stamp &stamp = slot_database(row.slot)->olt_channel_configs[channel].stamp;
+    Stamp &stamp = slot_sections<ChannelSections>(row.slot)->olt_channel_configs[channel].stamp;
     if (!may_edit(stamp, __func__, row.slot)) {
         return SNMP_ERR_GENERR;
     }
@@ -76,7 +77,7 @@ constexpr Column columns[] = {
 };
 
 bool next_channel(std::int64_t &cursor, Row &row) {
-    SlotDatabase *db = slot_database(row.slot);
+    ChannelSections *db = slot_sections<ChannelSections>(row.slot);
     if (db == nullptr || cursor >= channels_per_slot) {
         return false;
     }

@@ -5,20 +5,20 @@
 #include <algorithm>
 #include <string_view>
 
-#include "module/store/slot_database.h"
 #include "module/tables/frame/table.h"
 
 namespace tarn {
 
 // `Refresh` is the operation that renders the slot's text, null when there is none yet; `Length` says how
 // long the text is.
-template <char *(*Refresh)(int slot), std::size_t SlotDatabase::*Length>
+template <char *(*Refresh)(int slot), class Topic, std::size_t Topic::*Length>
 struct RawTextTable {
     static constexpr std::int64_t chunk_size = 10240;
 
     static std::string_view text_of(int slot) {
         const char *text = Refresh(slot);
-        return text != nullptr ? std::string_view(text, slot_database(slot)->*Length) : std::string_view();
+        return text != nullptr ? std::string_view(text, slot_sections<Topic>(slot)->*Length)
+                               : std::string_view();
     }
 
     static std::int64_t chunks(std::string_view text) {

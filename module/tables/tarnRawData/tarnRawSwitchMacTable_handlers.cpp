@@ -1,4 +1,5 @@
 // The MAC addresses that a card's switch has learnt, as one text.
+#include "module/store/switch_sections.h"
 #include "module/switch/switch_mac_table.h"
 #include "module/tables/tarnRawData/raw_text_table.h"
 
@@ -6,8 +7,9 @@ using namespace tarn;
 
 namespace {
 
-constexpr Table table = RawTextTable<get_raw_switch_mac_table, &SlotDatabase::mac_text_length>::table(
-    "tarnRawSwitchMacTable", "tarnRawSwitchMacTable_append_index");
+constexpr Table table =
+    RawTextTable<get_raw_switch_mac_table, SwitchSections, &SwitchSections::mac_text_length>::table(
+        "tarnRawSwitchMacTable", "tarnRawSwitchMacTable_append_index");
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 
 #include "module/common/truth_value.h"
 #include "module/store/cached_query.h"
+#include "module/store/switch_sections.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
 #include "module/tables/tarnSwitch/single_row.h"
@@ -23,7 +24,7 @@ struct GeneralOption {
         if (section == nullptr) {
             return SNMP_NOSUCHINSTANCE;
         }
-        Stamp &stamp = slot_database(row.slot)->switch_general.stamp;
+        Stamp &stamp = slot_sections<SwitchSections>(row.slot)->switch_general.stamp;
         if (!may_edit(stamp, "set_switch_general_cfg", row.slot)) {
             return SNMP_ERR_GENERR;
         }

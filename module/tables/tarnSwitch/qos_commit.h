@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "module/store/slot_database.h"
+#include "module/store/switch_sections.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
 #include "wire/protocol.h"
@@ -37,7 +37,7 @@ struct QosCommit {
     static std::uint8_t *edited(Row &row) { return row.record; }
 
     static Stamp *edited_stamp(const Row &row) {
-        SlotDatabase *db = slot_database(row.slot);
+        SwitchSections *db = slot_sections<SwitchSections>(row.slot);
         return db != nullptr ? &db->switch_qos.stamp : nullptr;
     }
 

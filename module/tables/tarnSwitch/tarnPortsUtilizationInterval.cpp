@@ -1,6 +1,6 @@
 // The interval over which the cards measure the traffic of their switch ports, one for the whole chassis. It
 // is held in memory and goes to a card with every request for a port's utilization.
-#include "module/store/slot_database.h"
+#include "module/store/utilization_sections.h"
 #include "module/tables/frame/scalar.h"
 #include "module/tables/scalars.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 // The scalar stays registered when the chassis-wide stores stop; there is no interval then.
 int get_interval(const Reply &reply) {
-    const ProfilesDatabase *db = profiles_database();
+    const UtilizationSections *db = chassis_sections<UtilizationSections>();
     if (db == nullptr) {
         return SNMP_ERR_GENERR;
     }
@@ -18,14 +18,14 @@ int get_interval(const Reply &reply) {
 }
 
 int check_interval(const Binding *value) {
-    if (profiles_database() == nullptr) {
+    if (chassis_sections<UtilizationSections>() == nullptr) {
         return SNMP_ERR_GENERR;
     }
     return check_value(unsigned_within(0, 65535, SNMP_ERR_WRONGVALUE), value);
 }
 
 int set_interval(const Binding &value) {
-    ProfilesDatabase *db = profiles_database();
+    UtilizationSections *db = chassis_sections<UtilizationSections>();
     if (db == nullptr) {
         return SNMP_ERR_GENERR;
     }

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "module/common/log.h"
+#include "module/store/sections.h"
 #include "module/switch/switch_mac_table.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/switch.h"

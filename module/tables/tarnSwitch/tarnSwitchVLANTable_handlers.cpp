@@ -1,5 +1,6 @@
 // The VLANs configured on a card's switch, which a manager creates, edits and destroys. Edits are made in the
 // cached records and sent in the commit phase.
+#include "module/store/switch_sections.h"
 #include "module/switch/switch_ports.h"
 #include "module/switch/switch_vlans.h"
 #include "module/tables/frame/table.h"
@@ -79,7 +80,7 @@ bool find_vlan(Row &row) {
 
 // The record as it is cached: an edit does not wait for the card.
 std::uint8_t *cached_vlan(const Row &row) {
-    const SlotDatabase *db = slot_database(row.slot);
+    const SwitchSections *db = slot_sections<SwitchSections>(row.slot);
     return db != nullptr && is_vlan(vlan_of(row)) ? db->vlans[static_cast<std::size_t>(vlan_of(row) - 1)]
                                                   : nullptr;
 }

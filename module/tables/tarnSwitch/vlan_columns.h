@@ -2,7 +2,6 @@
 #ifndef TARN_MODULE_TABLES_TARNSWITCH_VLAN_COLUMNS_H
 #define TARN_MODULE_TABLES_TARNSWITCH_VLAN_COLUMNS_H
 
-#include "module/store/slot_database.h"
 #include "module/switch/switch_ports.h"
 #include "module/tables/frame/column.h"
 

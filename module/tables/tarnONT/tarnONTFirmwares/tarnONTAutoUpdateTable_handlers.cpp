@@ -8,7 +8,7 @@
 
 #include "module/common/log.h"
 #include "module/operations/auto_update.h"
-#include "module/store/slot_database.h"
+#include "module/store/auto_update_sections.h"
 #include "module/tables/frame/table.h"
 #include "module/tables/tarnONT/tarnONTFirmwares/line_text.h"
 
@@ -175,7 +175,7 @@ bool place_row(Row &row, AutoUpdateEntry &entry) {
 }
 
 bool find_rule(Row &row) {
-    const ProfilesDatabase *db = profiles_database();
+    const AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
     for (std::size_t i = 0; db != nullptr && i < db->auto_update_count; ++i) {
         AutoUpdateEntry &entry = *db->auto_update_entries[i];
         if (row.text == std::string_view(entry.description)) {
@@ -189,7 +189,7 @@ bool next_rule(std::int64_t &cursor, Row &row) {
     if (cursor == 0) {
         get_ont_auto_update_entries();
     }
-    const ProfilesDatabase *db = profiles_database();
+    const AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
     if (db == nullptr || cursor >= db->auto_update_count) {
         return false;
     }

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "module/operations/update_scheduler.h"
-#include "module/store/slot_database.h"
+#include "module/store/update_sections.h"
 #include "module/tables/frame/table.h"
 #include "wire/records/firmware.h"
 
@@ -143,7 +143,7 @@ constexpr Column columns[] = {
 };
 
 bool find_task(Row &row) {
-    const SlotDatabase *db = slot_database(row.slot);
+    const UpdateSections *db = slot_sections<UpdateSections>(row.slot);
     for (std::size_t i = 0; db != nullptr && i < db->update_task_count; ++i) {
         std::uint8_t *task = db->update_tasks.at(i);
         if (load_integer(task, update_task::id) == row.number[0]) {
@@ -158,7 +158,7 @@ bool next_task(std::int64_t &cursor, Row &row) {
     if (cursor >= get_update_ont_scheduler(row.slot)) {
         return false;
     }
-    row.record = slot_database(row.slot)->update_tasks.at(static_cast<std::size_t>(cursor++));
+    row.record = slot_sections<UpdateSections>(row.slot)->update_tasks.at(static_cast<std::size_t>(cursor++));
     row.number[0] = load_integer(row.record, update_task::id);
     return true;
 }

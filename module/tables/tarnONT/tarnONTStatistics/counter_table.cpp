@@ -1,4 +1,5 @@
 #include "module/tables/tarnONT/tarnONTStatistics/counter_table.h"
+#include "module/store/ont_sections.h"
 
 #include <algorithm>
 
@@ -64,7 +65,7 @@ Serial serial_of(const oid *name, std::size_t length) {
 
 std::uint32_t *get_counters(const CounterTable &counters, int slot, const std::uint8_t *ont_entry,
                             int channel, int ont_id, int key) {
-    SlotDatabase *db = slot_database(slot);
+    CounterSections *db = slot_sections<CounterSections>(slot);
     if (db == nullptr || key < 0 || key >= counters.keys) {
         return nullptr;
     }
@@ -99,7 +100,7 @@ const char *counter_name(const CounterTable &counters, int position) {
 
 // ONTs follow each other in list order, which need not be that of their serials.
 bool next_counter(Row &row, const CounterTable &counters) {
-    SlotDatabase *db = walked_onts(row.slot);
+    OntSections *db = walked_onts(row.slot);
     if (db == nullptr) {
         return false;
     }

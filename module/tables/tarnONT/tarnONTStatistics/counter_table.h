@@ -6,8 +6,9 @@
 #include <span>
 
 #include "module/statistics/GStatisticsCommon.h"
+#include "module/store/counter_sections.h"
 #include "module/tables/tarnONT/ont_rows.h"
-#include "wire/records/ont.h"
+#include "wire/serial.h"
 
 namespace tarn {
 
@@ -31,14 +32,14 @@ struct CounterTable {
     // Up or down, or no direction, whose requests have none and whose counters are those of the uplink.
     GTrafficDirection_enum direction;
     std::span<const CounterBlock> blocks;  // together `positions` counters
-    CounterCache (*cache)(SlotDatabase &db);
+    CounterCache (*cache)(CounterSections &db);
 };
 
 // Describes a table whose cache is a section of the slot database, with the section's dimensions.
 template <auto Section, std::size_t Blocks>
 constexpr CounterTable counter_table(GTrafficDirection_enum direction, const CounterBlock (&blocks)[Blocks]) {
-    using Cached = std::remove_reference_t<decltype(std::declval<SlotDatabase &>().*Section)>;
-    return {Cached::keys, Cached::positions, direction, blocks, [](SlotDatabase &db) -> CounterCache {
+    using Cached = std::remove_reference_t<decltype(std::declval<CounterSections &>().*Section)>;
+    return {Cached::keys, Cached::positions, direction, blocks, [](CounterSections &db) -> CounterCache {
                 auto &section = db.*Section;
                 return {&section.serial, &section.stamp, section.values};
             }};

@@ -3,7 +3,7 @@
 
 static constexpr tarn::CounterBlock blocks[] = {{15, 0, 15}};
 static constexpr tarn::CounterTable counters =
-    tarn::counter_table<&tarn::SlotDatabase::ethernet_frame_counters_us>(GPON_DIRECTION_UPLINK, blocks);
+    tarn::counter_table<&tarn::CounterSections::ethernet_frame_counters_us>(GPON_DIRECTION_UPLINK, blocks);
 
 MODULE_COUNTER_TABLE(tarnONTEthFrameExtendedPerformMonitoringUSTable, counters, get_port_id_from_oid)
 MODULE_COUNTERS_FUNCTION(get_ef_ext_us_counters, counters)

@@ -3,7 +3,7 @@
 
 static constexpr tarn::CounterBlock blocks[] = {{9, 0, 6}};
 static constexpr tarn::CounterTable counters =
-    tarn::counter_table<&tarn::SlotDatabase::fec_counters>(GPON_DIRECTION_NO_DIRECTION, blocks);
+    tarn::counter_table<&tarn::CounterSections::fec_counters>(GPON_DIRECTION_NO_DIRECTION, blocks);
 
 MODULE_COUNTER_TABLE(tarnONTFecPerformMonitoringHistDataTable, counters, get_dummy_from_oid)
 

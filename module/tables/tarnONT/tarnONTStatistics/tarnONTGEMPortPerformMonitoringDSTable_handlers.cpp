@@ -3,7 +3,7 @@
 
 static constexpr tarn::CounterBlock blocks[] = {{3, 0, 4}};
 static constexpr tarn::CounterTable counters =
-    tarn::counter_table<&tarn::SlotDatabase::gem_port_counters_ds>(GPON_DIRECTION_DOWNLINK, blocks);
+    tarn::counter_table<&tarn::CounterSections::gem_port_counters_ds>(GPON_DIRECTION_DOWNLINK, blocks);
 
 MODULE_COUNTER_TABLE(tarnONTGEMPortPerformMonitoringDSTable, counters, get_cc_id_from_oid)
 MODULE_COUNTERS_FUNCTION(get_gppmds_counters, counters)

@@ -3,7 +3,7 @@
 
 static constexpr tarn::CounterBlock blocks[] = {{3, 0, 4}};
 static constexpr tarn::CounterTable counters =
-    tarn::counter_table<&tarn::SlotDatabase::gem_port_counters_us>(GPON_DIRECTION_UPLINK, blocks);
+    tarn::counter_table<&tarn::CounterSections::gem_port_counters_us>(GPON_DIRECTION_UPLINK, blocks);
 
 MODULE_COUNTER_TABLE(tarnONTGEMPortPerformMonitoringUSTable, counters, get_cc_id_from_oid)
 MODULE_COUNTERS_FUNCTION(get_gppmus_counters, counters)

@@ -7,6 +7,7 @@
 #include "module/config/ont_config_store.h"
 #include "module/config/ont_templates.h"
 #include "module/start/start.h"
+#include "module/store/ont_config_sections.h"
 #include "support/config_image.h"
 #include "wire/bytes.h"
 
@@ -198,7 +199,7 @@ TEST_F(ConfigStoreTest, SortsBySerialAsUnsignedBytesWithEqualOnesInStoreOrder) {
     image.add_ont(4, "\x7FZZZZZZZ");
     image.serve();
     get_all_ont_config(3);
-    const auto &view = tarn::slot_database(3)->ont_configs_by_serial;
+    const auto &view = tarn::slot_sections<tarn::OntConfigSections>(3)->ont_configs_by_serial;
     EXPECT_EQ(view[0], 0);
     EXPECT_EQ(view[1], 1);
     EXPECT_EQ(view[2], 5);

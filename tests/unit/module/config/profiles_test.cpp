@@ -8,7 +8,6 @@
 #include "module/config/olt_config.h"
 #include "module/config/ont_templates.h"
 #include "module/start/start.h"
-#include "module/store/slot_database.h"
 #include "module/switch/switch_operations.h"
 #include "support/config_image.h"
 #include "wire/bytes.h"

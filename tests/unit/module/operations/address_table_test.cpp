@@ -3,7 +3,6 @@
 
 #include "module/abi/sample_data.h"
 #include "module/operations/sessions.h"
-#include "module/store/slot_database.h"
 #include "support/scripted_board.h"
 
 namespace {
@@ -29,7 +28,10 @@ Bytes answer_of(const std::vector<Bytes> &entries) {
 
 class AddressTableTest : public Started<ModuleTest, 0> {
   protected:
-    static const tarn::SlotDatabase &db() { return *tarn::slot_database(0); }
+    static const tarn::SessionSections &sessions_of_slot() {
+        return *tarn::slot_sections<tarn::SessionSections>(0);
+    }
+    static const tarn::AddressSections &db() { return *tarn::slot_sections<tarn::AddressSections>(0); }
     static std::string sorted_marks() {
         std::string marks;
         for (std::size_t i = 0; tarn::address_by_serial(db(), i) != nullptr; ++i) {
@@ -133,12 +135,12 @@ TEST_F(AddressTableTest, AnAnswerWithoutSessionsEmptiesTheList) {
     board.answer(205, {0, 0});
     board.everything_stale = true;
     EXPECT_EQ(get_pppoe_sessions(0), nullptr);
-    EXPECT_EQ(db().pppoe_session_count, 0);
+    EXPECT_EQ(sessions_of_slot().pppoe_session_count, 0);
     board.answer(205, payload);
     get_pppoe_sessions(0);
     cleanup_pppoe_sessions(0);
-    EXPECT_EQ(db().pppoe_session_count, 0);
-    EXPECT_FALSE(db().pppoe_stamp.is_set());
+    EXPECT_EQ(sessions_of_slot().pppoe_session_count, 0);
+    EXPECT_FALSE(sessions_of_slot().pppoe_stamp.is_set());
 }
 
 TEST_F(AddressTableTest, StatisticsAreAskedForOncePerPeriod) {
@@ -154,7 +156,7 @@ TEST_F(AddressTableTest, SampleDataFillsTheSectionsWithoutACard) {
     fake_pppoe_sessions(0);
     fake_igmp_stats(0);
     EXPECT_EQ(tarn::address_entries(db()), 14U);
-    EXPECT_EQ(db().pppoe_session_count, 10);
+    EXPECT_EQ(sessions_of_slot().pppoe_session_count, 10);
     EXPECT_NE(tarn::address_by_serial(db(), 13), nullptr);
     EXPECT_TRUE(board.sent.empty());
 }

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "module/store/slot_database.h"
+#include "module/store/auto_update_sections.h"
 #include "support/file_tree.h"
 #include "tarn/host_services.h"
 
@@ -16,15 +16,17 @@ class AutoUpdateTest : public Started<FileTest> {
   protected:
     const std::string path = at("/mnt/ram/config/ont_auto_update_entries.txt");
 
-    static std::uint32_t count() { return tarn::profiles_database()->auto_update_count; }
+    static std::uint32_t count() {
+        return tarn::chassis_sections<tarn::AutoUpdateSections>()->auto_update_count;
+    }
     static void reload() {
-        tarn::profiles_database()->auto_update_stamp.clear();
+        tarn::chassis_sections<tarn::AutoUpdateSections>()->auto_update_stamp.clear();
         get_ont_auto_update_entries();
     }
     static std::string keys() {
         std::string all;
         for (std::uint32_t i = 0; i < count(); ++i) {
-            all += tarn::profiles_database()->auto_update_entries[i]->description;
+            all += tarn::chassis_sections<tarn::AutoUpdateSections>()->auto_update_entries[i]->description;
         }
         return all;
     }
@@ -119,8 +121,10 @@ TEST_F(AutoUpdateTest, WritesWhatIsReadBackEqual) {
     AutoUpdateEntry unterminated;
     std::memset(&unterminated, 'u', sizeof unterminated);
     EXPECT_EQ(add_ont_autoupdate_entry(&unterminated), 0);
-    EXPECT_EQ(tarn::profiles_database()->auto_update_entries[5]->description, std::string(31, 'u'));
-    EXPECT_EQ(tarn::profiles_database()->auto_update_entries[5]->file_name, std::string(254, 'u'));
+    EXPECT_EQ(tarn::chassis_sections<tarn::AutoUpdateSections>()->auto_update_entries[5]->description,
+              std::string(31, 'u'));
+    EXPECT_EQ(tarn::chassis_sections<tarn::AutoUpdateSections>()->auto_update_entries[5]->file_name,
+              std::string(254, 'u'));
     EXPECT_EQ(delete_ont_autoupdate_entry(std::string(31, 'u').c_str()), 0);
     EXPECT_EQ(generate_ont_autoupdate_file(), 0);
     const std::string written = header_block +

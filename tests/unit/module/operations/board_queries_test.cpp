@@ -5,7 +5,8 @@
 #include "module/config/olt_channel_config.h"
 #include "module/operations/channel_queries.h"
 #include "module/operations/ont_queries.h"
-#include "module/store/slot_database.h"
+#include "module/store/channel_sections.h"
+#include "module/store/ont_sections.h"
 #include "support/onts.h"
 #include "wire/bytes.h"
 
@@ -31,7 +32,7 @@ TEST_F(BoardQueriesTest, ChannelStateTakesTheAskedChannelOnly) {
     ASSERT_NE(record, nullptr);
     EXPECT_EQ(record[0], 48);
     EXPECT_EQ(record[68], 116);
-    EXPECT_EQ(tarn::slot_database(2)->channel_states[4][0], 0);
+    EXPECT_EQ(tarn::slot_sections<tarn::ChannelSections>(2)->channel_states[4][0], 0);
     ASSERT_EQ(board.sent.size(), 1U);
     EXPECT_EQ(board.sent[0].destination(), 8);
     EXPECT_EQ(board.payload_of(0), (Bytes{3}));
@@ -105,7 +106,7 @@ TEST_F(BoardQueriesTest, BothListQueriesFillOneListUnderTwoStamps) {
     get_ont_list(2);
     EXPECT_EQ(board.payload_of(0), (Bytes{255}));
     EXPECT_EQ(board.sent[0].timeout_ms, 10000);
-    const auto &db = *tarn::slot_database(2);
+    const auto &db = *tarn::slot_sections<tarn::OntSections>(2);
     EXPECT_EQ(db.ont_list[0][0], 'C');
     // The free positions come first, then the ONTs by serial.
     EXPECT_EQ(db.ont_list_by_serial[0], 3);
@@ -127,7 +128,7 @@ TEST_F(BoardQueriesTest, BothListQueriesFillOneListUnderTwoStamps) {
 TEST_F(BoardQueriesTest, EqualSerialsKeepTheirListOrderAndAFailureTheList) {
     board.answer(73, list_of({"BBBB1111", "AAAA1111", "BBBB1111", "AAAA1111"}));
     get_ont_list(2);
-    const auto &sorted = tarn::slot_database(2)->ont_list_by_serial;
+    const auto &sorted = tarn::slot_sections<tarn::OntSections>(2)->ont_list_by_serial;
     EXPECT_EQ(std::vector(sorted.begin() + 1020, sorted.end()), (std::vector<std::uint16_t>{1, 3, 0, 2}));
     board.silence(73);  // which leaves the list for a period
     board.everything_stale = true;
@@ -143,14 +144,14 @@ TEST_F(BoardQueriesTest, TheCountOfAListIsBoundedByTheListAndTheAnswer) {
     board.answer(73, payload);
     get_ont_list(2);
     EXPECT_TRUE(board.logged("3 get_ont_list : 4294967295 ONTs stated, 1024 taken\n"));
-    EXPECT_EQ(tarn::slot_database(2)->ont_list[1023][0], 'A');
+    EXPECT_EQ(tarn::slot_sections<tarn::OntSections>(2)->ont_list[1023][0], 'A');
 
     payload = list_of({"AAAA1111", "BBBB1111", "CCCC1111"});
     payload.resize(5 + 2 * 106 + 50);
     board.answer(73, payload);
     get_all_ont_list(2);
     EXPECT_TRUE(board.logged("3 get_all_ont_list : 3 ONTs stated, 2 taken\n"));
-    EXPECT_EQ(tarn::slot_database(2)->ont_list[2][0], 0);
+    EXPECT_EQ(tarn::slot_sections<tarn::OntSections>(2)->ont_list[2][0], 0);
 }
 
 TEST_F(BoardQueriesTest, LookupsEndAtTheFirstFreePosition) {
@@ -160,7 +161,7 @@ TEST_F(BoardQueriesTest, LookupsEndAtTheFirstFreePosition) {
     EXPECT_EQ(get_ont_state_id_by_serial(2, serial("AAAA1111")), 65535);
     // ... but the record lookup goes on behind it
     const std::uint8_t *record = get_all_ont_state_list_by_serial(2, serial("AAAA1111"));
-    EXPECT_EQ(record, tarn::slot_database(2)->ont_list[2].data());
+    EXPECT_EQ(record, tarn::slot_sections<tarn::OntSections>(2)->ont_list[2].data());
     EXPECT_EQ(get_all_ont_state_list_by_serial(2, serial("ZZZZ1111")), nullptr);
     board.answer(73, list_of({}));
     board.everything_stale = true;
@@ -211,7 +212,8 @@ TEST_F(BoardQueriesTest, ASerialInsideTheListSurvivesTheRefreshThatMovesIt) {
     board.answer(73, list_of({"CCCC3333", "DDDD4444", "BBBB2222"}));
     board.answer(72, Bytes(170, 9));
     board.everything_stale = true;
-    EXPECT_EQ(get_ont_state_check_state(2, record), tarn::slot_database(2)->ont_states[2].record.data());
+    EXPECT_EQ(get_ont_state_check_state(2, record),
+              tarn::slot_sections<tarn::OntSections>(2)->ont_states[2].record.data());
     EXPECT_EQ(board.last_payload()[0], 'B');
 }
 
@@ -222,7 +224,7 @@ TEST_F(BoardQueriesTest, APositionThatChangesHandsShowsNothingOfItsFormerOnt) {
     get_ont_state(2, serial("BBBB2222"));
     board.answer(73, list_of({"AAAA1111", "CCCC3333"}));
     board.silence(72);
-    tarn::slot_database(2)->ont_list_stamp.clear();
+    tarn::slot_sections<tarn::OntSections>(2)->ont_list_stamp.clear();
     EXPECT_EQ(get_ont_state(2, serial("CCCC3333"))[0], 0);
     EXPECT_EQ(board.count(72), 3);
     EXPECT_EQ(get_ont_state(2, serial("AAAA1111"))[0], 9);

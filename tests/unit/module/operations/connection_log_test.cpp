@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "module/operations/ont_connections.h"
-#include "module/store/slot_database.h"
+#include "module/store/ont_sections.h"
 #include "support/config_image.h"
 #include "support/onts.h"
 #include "wire/record.h"
@@ -109,7 +109,7 @@ TEST_F(ConnectionLogTest, KeepsTheEntriesOfOneOntUnderItsOwnNameOnly) {
     board.answer(305, Bytes(14 + 989, 1));  // too short to be a block
     log_of("TARN0001");
     EXPECT_TRUE(board.logged("3 get_ont_connections : short answer, 1035 bytes of 1036\n"));
-    EXPECT_EQ(tarn::slot_database(2)->connections_count, 0);
+    EXPECT_EQ(tarn::slot_sections<tarn::OntSections>(2)->connections_count, 0);
 }
 
 TEST_F(ConnectionLogTest, UnconfiguredOntsHaveAnEmptyLog) {

@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "module/operations/update_scheduler.h"
-#include "module/store/slot_database.h"
+#include "module/store/update_sections.h"
 #include "support/config_image.h"
 #include "support/file_tree.h"
 
@@ -145,7 +145,7 @@ TEST_F(FirmwareUpdateTest, FetchesTheScheduleOnceAndAgainAfterAChange) {
     EXPECT_EQ(last(225, 34), (Bytes{1, 0}));
     EXPECT_EQ(get_update_ont_scheduler(2), 2);
     EXPECT_EQ(board.count(225), 1);
-    EXPECT_EQ(tarn::slot_database(2)->update_tasks.at(1)[2], 2);
+    EXPECT_EQ(tarn::slot_sections<tarn::UpdateSections>(2)->update_tasks.at(1)[2], 2);
     board.answer(225, task_list(0, 0));
     add_update_ont_scheduler(2, serial, "f", 0, 0, 1);
     EXPECT_EQ(get_update_ont_scheduler(2), 0);

@@ -6,7 +6,9 @@
 #include "module/abi/version_text.h"
 #include "module/common/truth_value.h"
 #include "module/operations/channel_queries.h"
+#include "module/store/ont_sections.h"
 #include "module/store/slot_database.h"
+#include "module/store/utilization_sections.h"
 #include "support/scripted_board.h"
 
 namespace {
@@ -54,11 +56,11 @@ TEST_F(CommonTest, SlotsOutsideTheChassisAreRefusedAndStoppedOnesAskNobody) {
 
 TEST_F(CommonTest, StartingTwiceKeepsTheDatabaseAndItsContents) {
     start({3});
-    auto *db = tarn::slot_database(3);
+    auto *db = tarn::slot_sections<tarn::OntSections>(3);
     ASSERT_NE(db, nullptr);
     db->ont_list[9][0] = 'A';
     EXPECT_EQ(slot_initializer(3), 0);
-    EXPECT_EQ(tarn::slot_database(3), db);
+    EXPECT_EQ(tarn::slot_sections<tarn::OntSections>(3), db);
     EXPECT_EQ(db->ont_list[9][0], 'A');
     EXPECT_EQ(get_slot_mandb(16), nullptr);  // though the chassis-wide stores are up
     slot_deinitializer(3);
@@ -68,12 +70,12 @@ TEST_F(CommonTest, StartingTwiceKeepsTheDatabaseAndItsContents) {
 TEST_F(CommonTest, ChassisStoresStartOnceWithTheDefaultInterval) {
     EXPECT_EQ(get_profiles_mandb(), nullptr);
     start({});
-    auto *profiles = tarn::profiles_database();
+    auto *profiles = tarn::chassis_sections<tarn::UtilizationSections>();
     ASSERT_NE(profiles, nullptr);
     EXPECT_EQ(profiles->utilization_interval, 300);
     profiles->utilization_interval = 60;
     EXPECT_EQ(slot_initializer(16), 0);
-    EXPECT_EQ(tarn::profiles_database()->utilization_interval, 60);
+    EXPECT_EQ(tarn::chassis_sections<tarn::UtilizationSections>()->utilization_interval, 60);
     EXPECT_EQ(slot_deinitializer(16), 0);
     EXPECT_EQ(get_profiles_mandb(), nullptr);
     EXPECT_EQ(slot_deinitializer(16), 0);

@@ -1,4 +1,6 @@
 // The MAC table: fetched in parts, sorted, served as rows and as text.
+#include "module/store/address_sections.h"
+#include "module/store/switch_sections.h"
 #include "module/switch/switch_mac_table.h"
 
 #include <algorithm>
@@ -68,7 +70,7 @@ class SwitchMacTest : public Started<ModuleTest, slot> {
   protected:
     void SetUp() override {
         Started::SetUp();
-        db = tarn::slot_database(slot);
+        db = tarn::slot_sections<tarn::SwitchSections>(slot);
     }
     Entries table() const {
         const auto *first = reinterpret_cast<const switch_mac_list_t *>(db->mac_table.bytes);
@@ -81,7 +83,7 @@ class SwitchMacTest : public Started<ModuleTest, slot> {
         }
         return list;
     }
-    tarn::SlotDatabase *db = nullptr;
+    tarn::SwitchSections *db = nullptr;
 };
 
 TEST_F(SwitchMacTest, IsFetchedPartByPart) {
@@ -258,9 +260,9 @@ TEST_F(SwitchMacTest, IsRenderedAsText) {
 struct RawTable {
     get_next_entry_function *next;
     table_handler_nextgen_function *handler;
-    tarn::Growable<1> tarn::SlotDatabase::*text;
-    std::size_t tarn::SlotDatabase::*length;
-    tarn::Stamp tarn::SlotDatabase::*stamp;
+    tarn::Growable<1> &text;
+    std::size_t &length;
+    tarn::Stamp &stamp;
 };
 
 TEST_F(SwitchMacTest, TextsAreServedInChunks) {
@@ -270,23 +272,22 @@ TEST_F(SwitchMacTest, TextsAreServedInChunks) {
         name.insert(name.end(), {1, column, slot + 1, chunk});
         return name;
     };
-    using tarn::SlotDatabase;
+    auto &addresses = *tarn::slot_sections<tarn::AddressSections>(slot);
     for (const RawTable &t :
          {RawTable{tarnRawSwitchMacTable_get_next_entry, tarnRawSwitchMacTable_table_handler_nextgen,
-                   &SlotDatabase::mac_text, &SlotDatabase::mac_text_length, &SlotDatabase::mac_text_stamp},
+                   db->mac_text, db->mac_text_length, db->mac_text_stamp},
           RawTable{tarnRawMacTable_get_next_entry, tarnRawMacTable_table_handler_nextgen,
-                   &SlotDatabase::address_text, &SlotDatabase::address_text_length,
-                   &SlotDatabase::address_text_stamp}}) {
+                   addresses.address_text, addresses.address_text_length, addresses.address_text_stamp}}) {
         const auto get = [&](oid chunk, oid column = 3) {
             return call_nextgen(t.handler, MODE_GET, slot, chunk_name(column, chunk));
         };
         const auto hold = [&](std::size_t length) {
-            ASSERT_TRUE((db->*t.text).resize(length + 1));
-            std::fill_n((db->*t.text).bytes, length, std::uint8_t{'x'});
-            (db->*t.text).bytes[length] = 0;
-            db->*t.length = length;
+            ASSERT_TRUE(t.text.resize(length + 1));
+            std::fill_n(t.text.bytes, length, std::uint8_t{'x'});
+            t.text.bytes[length] = 0;
+            t.length = length;
         };
-        (db->*t.stamp).set();
+        t.stamp.set();
         EXPECT_EQ(get(1).octets, "");  // never fetched: one empty chunk
         EXPECT_EQ(get(1).type, ASN_OCTET_STR);
         hold(10240);

@@ -2,9 +2,11 @@
 #include "module/switch/switch_operations.h"
 
 #include "module/start/start.h"
-#include "module/store/slot_database.h"
+#include "module/store/switch_sections.h"
+#include "module/store/utilization_sections.h"
 #include "module/switch/switch_ports.h"
 #include "support/scripted_board.h"
+#include "wire/bytes.h"
 
 namespace {
 
@@ -22,7 +24,7 @@ class SwitchOperationsTest : public Started<ModuleTest, slot> {
   protected:
     void SetUp() override {
         Started::SetUp();
-        db = tarn::slot_database(slot);
+        db = tarn::slot_sections<tarn::SwitchSections>(slot);
     }
     // What the last request carried, and its head.
     static Bytes last_payload() { return board.last_payload(); }
@@ -33,7 +35,7 @@ class SwitchOperationsTest : public Started<ModuleTest, slot> {
         EXPECT_EQ(board.sent.back().slot(), slot);
         EXPECT_EQ(board.sent.back().bytes.size(), length);
     }
-    tarn::SlotDatabase *db = nullptr;
+    tarn::SwitchSections *db = nullptr;
 };
 
 TEST_F(SwitchOperationsTest, SectionsAreFetchedOncePerPeriodAndSentAsTheyStand) {
@@ -183,7 +185,7 @@ TEST_F(SwitchOperationsTest, CountersAreKeptPerPortAndFetchedAnewAfterAReset) {
 
 TEST_F(SwitchOperationsTest, UtilizationIsAskedForOverTheInterval) {
     board.answer(0x1B2, pattern(64));
-    tarn::profiles_database()->utilization_interval = 0x1234;
+    tarn::chassis_sections<tarn::UtilizationSections>()->utilization_interval = 0x1234;
     const std::uint8_t *values = get_switch_port_utilization(slot, 3);
     expect_last(0x1B2, 8, 35);
     EXPECT_EQ(last_payload(), (Bytes{0x34, 0x12, 3}));

@@ -1,7 +1,7 @@
 // The requests for VLANs.
 #include "module/switch/switch_vlans.h"
 
-#include "module/store/slot_database.h"
+#include "module/store/switch_sections.h"
 #include "support/scripted_board.h"
 
 namespace {
@@ -115,19 +115,19 @@ TEST_F(SwitchVlansTest, ABlockReadEndsWithoutProgressAndReadsNoFurtherThanTheAns
     EXPECT_EQ(board.sent.size(), 2U);  // 500 at most were asked for
     EXPECT_EQ(asked_first(board.sent[1]), 500);
     EXPECT_NE(get_switch_vlans_block(slot)[499], nullptr);
-    EXPECT_EQ(tarn::slot_database(slot)->vlans[500], nullptr);
+    EXPECT_EQ(tarn::slot_sections<tarn::SwitchSections>(slot)->vlans[500], nullptr);
     EXPECT_TRUE(board.logged("3 get_switch_vlans_block : 65535 VLANs stated, 500 taken\n"));
 
     board.scripts[0xB4] = [](const SentRequest &) { return make_answer(block(4093, 500, vlan('f'), 500)); };
     get_switch_vlans_block(slot);  // the card says that it went to the end
-    EXPECT_EQ(tarn::slot_database(slot)->vlans[4093], nullptr);
+    EXPECT_EQ(tarn::slot_sections<tarn::SwitchSections>(slot)->vlans[4093], nullptr);
 }
 
 TEST_F(SwitchVlansTest, SingleReadsSendTheirNumber) {
     board.answer(0xB3, numbered(0, vlan('h')));
     std::uint8_t **place = get_switch_vlan(slot, 0x0102);
     ASSERT_NE(place, nullptr);
-    EXPECT_EQ(place, &tarn::slot_database(slot)->vlans[0x0101]);
+    EXPECT_EQ(place, &tarn::slot_sections<tarn::SwitchSections>(slot)->vlans[0x0101]);
     EXPECT_EQ((*place)[83], 'h');
     EXPECT_EQ(board.payload_of(0), (Bytes{0x01, 0x01}));
     EXPECT_EQ(board.sent[0].destination(), 5);
@@ -161,7 +161,7 @@ TEST_F(SwitchVlansTest, ANewVlanHasItsDefaultsAndIsSentWhole) {
     board.answer(0xAA, Bytes(8190, 0));
     get_switch_vlan_list(slot);
     ASSERT_EQ(init_switch_vlan(256 + slot, 65536 + 4094), 0);
-    tarn::slot_database(slot)->vlans[4093][0] = 'n';
+    tarn::slot_sections<tarn::SwitchSections>(slot)->vlans[4093][0] = 'n';
     ASSERT_EQ(init_switch_vlan(slot, 4094), 0);  // resets
     EXPECT_EQ(set_switch_vlan(slot, 4094), 0);
     EXPECT_EQ(board.sent.back().destination(), 5);

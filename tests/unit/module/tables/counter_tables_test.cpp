@@ -1,5 +1,4 @@
 // The nine tables of ONT performance monitoring.
-#include "module/store/slot_database.h"
 #include "support/onts.h"
 #include "tarn/host_services.h"
 

@@ -4,9 +4,9 @@
 
 #include "module/firmware/acs_firmware_operations.h"
 #include "module/operations/auto_update.h"
-#include "module/store/slot_database.h"
 #include "support/file_tree.h"
 #include "support/snmp_calls.h"
+#include "wire/bytes.h"
 
 #define DECLARE_TABLE(T)                           \
     extern "C" next_index_function T##_next_index; \

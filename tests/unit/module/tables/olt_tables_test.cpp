@@ -1,5 +1,5 @@
 // The tables with one row a line card, and the reset of ONT counters.
-#include "module/store/slot_database.h"
+#include "module/store/ont_sections.h"
 #include "support/onts.h"
 
 extern "C" {
@@ -153,7 +153,7 @@ TEST_F(OltTablesTest, OntResetRowsAreTheListUpToItsFirstFreePosition) {
     ASSERT_EQ(rows.size(), 3U);
     EXPECT_EQ(rows[0].index, (IndexValues{3, "CCCC0001"}));
     EXPECT_EQ(rows[1].index, (IndexValues{3, "AAAA0001"}));
-    EXPECT_EQ(rows[1].row, tarn::slot_database(2)->ont_list[1].data());
+    EXPECT_EQ(rows[1].row, tarn::slot_sections<tarn::OntSections>(2)->ont_list[1].data());
     EXPECT_EQ(board.sent[0].timeout_ms, 10000);
 
     std::fill_n(list.begin() + 5, 8, std::uint8_t{0});

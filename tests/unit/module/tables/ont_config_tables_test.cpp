@@ -3,7 +3,6 @@
 #include <set>
 
 #include "module/config/ont_config_staging.h"
-#include "module/store/slot_database.h"
 #include "support/column_cases.h"
 #include "support/config_image.h"
 #include "wire/bytes.h"

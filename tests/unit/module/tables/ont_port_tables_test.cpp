@@ -1,5 +1,5 @@
 // The UNI ports table and the ONT address table.
-#include "module/store/slot_database.h"
+#include "module/store/ont_sections.h"
 #include "support/onts.h"
 #include "tarn/host_services.h"
 
@@ -124,7 +124,7 @@ TEST_F(OntPortTablesTest, PortIdentifiersAreBuiltAndReadByPosition) {
     const Oid not_working = ont_oid(ports, 5, 3, "BBBB0001", {1});
     EXPECT_EQ(get_exact_state_index_2_oupt(2, not_working.data(), 24), -1);
     EXPECT_EQ(get_first_available_state_index_oupt(2, not_working.data(), 24), 1023);
-    const auto &list = tarn::slot_database(2)->ont_list;
+    const auto &list = tarn::slot_sections<tarn::OntSections>(2)->ont_list;
     EXPECT_EQ(is_ont_state_valid_unsafe(list[0].data()), 1);
     EXPECT_EQ(is_ont_state_valid_unsafe(list[1].data()), 0);
     board.balloc_fails = true;

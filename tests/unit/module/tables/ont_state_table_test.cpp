@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "module/store/slot_database.h"
+#include "module/store/ont_sections.h"
 #include "support/config_image.h"
 #include "support/onts.h"
 #include "tarn/host_services.h"
@@ -38,7 +38,7 @@ class OntStateTableTest : public Started<ModuleTest, 2> {
     // Readings of the optical module, fetched anew.
     static void answer_optics(const Bytes &record) {
         board.answer(250, record);
-        tarn::slot_database(2)->ont_i2c = {};
+        tarn::slot_sections<tarn::OntSections>(2)->ont_i2c = {};
     }
 
     Bytes list;
@@ -96,7 +96,7 @@ TEST_F(OntStateTableTest, PowerOfTheListIsBoundedAndHasASentinel) {
     for (const auto &[power, shown] : cases) {
         tarn::store_double(&list[5 + 106], tarn::f64_at(70), power);
         board.answer(73, list);
-        tarn::slot_database(2)->all_ont_list_stamp = {};
+        tarn::slot_sections<tarn::OntSections>(2)->all_ont_list_stamp = {};
         EXPECT_EQ(get(11).integer, shown) << power;
     }
 }
@@ -121,7 +121,7 @@ TEST_F(OntStateTableTest, StateColumnsComeFromTheStateRecord) {
         tarn::store_le16(&record[68], 2);
         tarn::store_double(record.data(), tarn::f64_at(128), value);
         board.answer(72, record);
-        tarn::slot_database(2)->ont_states = {};
+        tarn::slot_sections<tarn::OntSections>(2)->ont_states = {};
         EXPECT_EQ(get(10).integer, shown) << value;
         EXPECT_EQ(get(7).integer, 2);
     }

@@ -1,5 +1,5 @@
 // The three tables of the PON channels.
-#include "module/store/slot_database.h"
+#include "module/store/channel_sections.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
 #include "tarn/host_services.h"
@@ -47,7 +47,7 @@ TEST_F(PonChannelTablesTest, StateHasEightRowsASlot) {
     ASSERT_EQ(rows.size(), 8U);
     EXPECT_EQ(rows[0].index, (IndexValues{3, 1}));
     EXPECT_EQ(rows[7].index, (IndexValues{3, 8}));
-    EXPECT_EQ(rows[7].row, tarn::slot_database(2)->channel_states[7].data());
+    EXPECT_EQ(rows[7].row, tarn::slot_sections<tarn::ChannelSections>(2)->channel_states[7].data());
     EXPECT_TRUE(walk_iterator(tarnPONChannelStateTable_next_index, 3, {0, 0}).empty());
     EXPECT_EQ(walk_iterator(tarnPONChannelActModeTable_next_index, 2, {0, 0}).size(), 8U);
     EXPECT_TRUE(board.sent.empty());

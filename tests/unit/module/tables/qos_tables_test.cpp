@@ -1,9 +1,9 @@
 // The QoS tables, and the tables of port counters and utilization.
 #include "module/start/start.h"
-#include "module/store/slot_database.h"
 #include "module/switch/switch_operations.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
+#include "wire/bytes.h"
 
 extern "C" {
 next_index_function tarnQOSConfigTable_next_index, tarnQOS8021pMappingTable_next_index,

@@ -1,9 +1,9 @@
 // The tables of configured and operational VLANs, of ports, and of the switch's general options.
 #include "module/start/start.h"
-#include "module/store/slot_database.h"
 #include "module/switch/switch_vlans.h"
 #include "support/scripted_board.h"
 #include "support/snmp_calls.h"
+#include "wire/bytes.h"
 
 extern "C" {
 get_next_entry_function tarnSwitchVLANTable_get_next_entry;

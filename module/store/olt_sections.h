@@ -1,0 +1,20 @@
+// State, configuration and identity of a card as a whole.
+#ifndef TARN_MODULE_STORE_OLT_SECTIONS_H
+#define TARN_MODULE_STORE_OLT_SECTIONS_H
+
+#include "module/store/sections.h"
+#include "wire/records/olt.h"
+
+namespace tarn {
+
+struct OltSections {
+    Section<olt_state::size> olt_state;
+    Section<128> hardware_information;
+    Section<64> version_information;
+    Record<olt_config::size + 2> olt_config;  // with the hold flag at its end
+    Stamp olt_config_stamp;
+};
+
+}  // namespace tarn
+
+#endif
