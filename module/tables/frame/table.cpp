@@ -105,6 +105,12 @@ int section_owner(const Table &table, const Target &target) {
     return of_slot ? target.row.slot : chassis_slot::profiles;
 }
 
+void take_back_edits(Stamp *section) {
+    if (section != nullptr && section->held) {
+        section->drop();
+    }
+}
+
 int act(const Table &table, Target &target, const Binding &value) {
     if (!writable(target.column)) {
         return table.answers.refused_in_action;
@@ -126,8 +132,8 @@ int act(const Table &table, Target &target, const Binding &value) {
     error = edit(table, target, value);
     if (section != nullptr && error == SNMP_ERR_NOERROR) {
         section->held = true;
-    } else if (section != nullptr) {
-        section->drop();  // it may have been edited all the same
+    } else {
+        take_back_edits(section);
     }
     return error;
 }
@@ -143,23 +149,18 @@ int commit(const Table &table, Target &target) {
     return error;
 }
 
-void call(void (*hook)()) {
-    if (hook != nullptr) {
-        hook();
-    }
-}
-
 int undo(const Table &table, const Target &target) {
-    Stamp *section = edited_section(table, target);
-    if (section != nullptr && section->held) {
-        section->drop();
+    take_back_edits(edited_section(table, target));
+    if (table.writes.undo != nullptr) {
+        table.writes.undo();
     }
-    call(table.writes.drop);
+    if (table.writes.transaction.forget != nullptr) {
+        table.writes.transaction.forget();
+    }
     return SNMP_ERR_NOERROR;
 }
 
 int begin(const Table &table, Target &target, const Binding *value) {
-    call(table.writes.reserve1);
     const int error = reserve(table, target, value);
     if (table.writes.foresee != nullptr && target.index_valid && error == SNMP_ERR_NOERROR) {
         table.writes.foresee(target.row, *target.column, *value);
@@ -167,8 +168,7 @@ int begin(const Table &table, Target &target, const Binding *value) {
     return error;
 }
 
-int check_again(const Table &table, const Target &target, const Binding *value) {
-    call(table.writes.reserve2);
+int check_again(const Target &target, const Binding *value) {
     return target.column != nullptr ? check_value(target.column->second_check, value) : SNMP_ERR_NOERROR;
 }
 
@@ -188,13 +188,16 @@ std::optional<int> serve(const Table &table, int mode, Target &target, Binding *
     if (const std::optional<int> answer = answer_outright(table.answers, mode, target)) {
         return answer;
     }
+    if (mode >= MODE_SET_RESERVE1 && mode <= MODE_SET_COMMIT && table.writes.transaction.enter != nullptr) {
+        table.writes.transaction.enter(mode);
+    }
     switch (mode) {
         case MODE_GET:
             return answer_get(table, target, binding);
         case MODE_SET_RESERVE1:
             return begin(table, target, binding);
         case MODE_SET_RESERVE2:
-            return check_again(table, target, binding);
+            return check_again(target, binding);
         case MODE_SET_ACTION:
             return act(table, target, *binding);
         case MODE_SET_COMMIT:

@@ -97,7 +97,7 @@ inline int commit_ont(Row &row) {
 // A SET that stages the record of one ONT, edits the copy at `Record` and sends it once.
 template <RecordOf Record, int (*Commit)(Row &row) = commit_ont, bool (*Find)(Row &row) = any_row>
 inline constexpr Writes stages_one_ont{
-    .find = Find, .stage = stage_ont, .record = Record, .commit = Commit, .drop = invalidate_config_buffer};
+    .find = Find, .stage = stage_ont, .record = Record, .commit = Commit, .undo = invalidate_config_buffer};
 
 // A walk of slots that are configured only.
 template <bool (*Next)(std::int64_t &cursor, Row &row)>

@@ -13,8 +13,17 @@ namespace tarn {
 // Both a service's profiles and their flags lie so far apart; entry 0 of a template is the template.
 inline constexpr int template_stride = ont_template::service_profile_size;
 
-// The templates that the SET under way creates, whichever of its variables come first.
-inline CommitSet<ont_template::count> created_templates;
+// The templates that a SET creates, whichever of its variables come first; those that it edits are noted
+// in the profiles database.
+struct EditedTemplates {
+    CommitSet<ont_template::count> created;
+
+    void forget() {
+        created.reset();
+        cleanup_templates_commit_needs();
+    }
+};
+inline Transaction<EditedTemplates> edited_templates;
 
 inline bool find_template_to_edit(Row &row) {
     std::uint8_t *first = get_ont_templates();
@@ -52,7 +61,8 @@ inline int stage_template(Row &row, const Column &column, const Binding & /*valu
     const int index = static_cast<int>(row.number[0]);
     const bool edited =
         chassis_sections<TemplateSections>()->templates_to_commit.contains(index);  // as one that it destroys
-    if (!column.creates && !template_in_use(row) && !edited && !created_templates.contains(index)) {
+    if (!column.creates && !template_in_use(row) && !edited &&
+        !edited_templates.state.created.contains(index)) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
     add_template_to_commit(index);
@@ -61,7 +71,7 @@ inline int stage_template(Row &row, const Column &column, const Binding & /*valu
 
 inline void foresee_template(const Row &row, const Column &column, const Binding &value) {
     if (column.creates && *value.val.integer == create_and_go) {
-        created_templates.add(static_cast<int>(row.number[0]));
+        edited_templates.state.created.add(static_cast<int>(row.number[0]));
     }
 }
 
@@ -70,13 +80,7 @@ inline Stamp *templates_stamp(const Row & /*row*/) {
     return db != nullptr ? &db->templates_stamp : nullptr;
 }
 
-inline void drop_templates() {
-    cleanup_templates_commit_needs();
-    created_templates.reset();
-}
-
 inline int commit_templates(Row & /*row*/) {
-    created_templates.reset();
     return commit_ont_templates() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
 
@@ -94,12 +98,11 @@ constexpr Table template_table(const char *name, std::span<const Column> columns
         .columns = columns,
         .rows = {.find = find_template, .next = next_template<Entries>},
         .writes = {.find = find_template_to_edit,
-                   .reserve2 = cleanup_templates_commit_needs,
+                   .transaction = transaction_of<edited_templates>,
                    .foresee = foresee_template,
                    .stage = stage_template,
                    .section = templates_stamp,
-                   .commit = commit_templates,
-                   .drop = drop_templates},
+                   .commit = commit_templates},
         .answers = {.row_before_column = true, .refused_in_action = refused, .reserve_needs_row = false},
     };
 }

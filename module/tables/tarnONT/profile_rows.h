@@ -13,11 +13,11 @@ namespace tarn {
 // The index may be any number, so that creation and deletion answer for one that is out of range.
 inline constexpr IndexPart profile_index[] = {number_part(any_unsigned)};
 
-// A kind of profile as its tables use it; `Edited` are the profiles of the SET under way that are to be sent.
-// Number 0 of a row is the profile, number 1 in the tables of its entries the entry.
+// A kind of profile as its tables use it; `Edited` is the transaction whose state are the profiles that a SET
+// has edited. Number 0 of a row is the profile, number 1 in the tables of its entries the entry.
 template <auto Get, auto Add, auto Delete, std::size_t Size, auto StampOf, auto &Edited>
 struct ProfileKind {
-    static constexpr int count = std::tuple_size_v<decltype(Edited.flags)>;
+    static constexpr int count = std::tuple_size_v<decltype(Edited.state.flags)>;
 
     static int index_of(const Row &row) { return static_cast<int>(row.number[0]); }
 
@@ -48,9 +48,8 @@ struct ProfileKind {
         return false;
     }
 
-    static void forget() { Edited.reset(); }
     static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-        Edited.add(index_of(row));
+        Edited.state.add(index_of(row));
         return SNMP_ERR_NOERROR;
     }
     static Stamp *edited_stamp(const Row & /*row*/) {
@@ -63,11 +62,15 @@ struct ProfileKind {
             if (Delete(index_of(row)) != 0) {
                 return SNMP_ERR_GENERR;
             }
-            Edited.remove(index_of(row));
-        } else if (Add(index_of(row)) != 0) {
+            Edited.state.remove(index_of(row));
+            return SNMP_ERR_NOERROR;
+        }
+        const bool absent = row.record != nullptr && load_integer(row.record, profile_head::in_use) == 0;
+        if (!absent) {
             return SNMP_ERR_NOCREATION;
         }
-        return SNMP_ERR_NOERROR;
+        edited_stamp(row)->held = true;  // it is edited, whether or not the card then takes it
+        return Add(index_of(row)) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_NOCREATION;
     }
     static constexpr Column row_status(int number) {
         return {number, integer, constant(1), any_integer, set_row_status, true};
@@ -82,11 +85,10 @@ struct ProfileKind {
             .index = index,
             .columns = columns,
             .rows = {.find = find_entry<Stride>, .next = next_entry<Entries>},
-            .writes = {.reserve2 = forget,
+            .writes = {.transaction = transaction_of<Edited>,
                        .stage = stage,
                        .section = edited_stamp,
-                       .commit = Commit,
-                       .drop = forget},
+                       .commit = Commit},
             .answers = row_when_acting,
         };
     }
@@ -110,17 +112,18 @@ int commit_set(Row & /*row*/) {
 // The commit of the row's own profile, once.
 template <auto &Edited, int (*Set)(int)>
 int commit_row(Row &row) {
-    return Edited.commit_one(static_cast<int>(row.number[0]), Set) == 0 ? SNMP_ERR_NOERROR
-                                                                        : SNMP_ERR_COMMITFAILED;
+    return Edited.state.commit_one(static_cast<int>(row.number[0]), Set) == 0 ? SNMP_ERR_NOERROR
+                                                                              : SNMP_ERR_COMMITFAILED;
 }
 
 // The kinds that several tables edit.
+inline Transaction<CommitSet<shaping_profile::count> &> edited_shaping_profiles{shaping_profiles_to_commit};
+inline Transaction<CommitSet<ports_profile::count> &> edited_ports_profiles{ports_profiles_to_commit};
 using ShapingProfiles =
     ProfileKind<get_shaping_profiles, add_shaping_profile, delete_shaping_profile, shaping_profile::size,
-                &ProfileSections::shaping_stamp, shaping_profiles_to_commit>;
-using PortsProfiles =
-    ProfileKind<get_ports_profiles, add_ports_profile, delete_ports_profile, ports_profile::size,
-                &ProfileSections::ports_stamp, ports_profiles_to_commit>;
+                &ProfileSections::shaping_stamp, edited_shaping_profiles>;
+using PortsProfiles = ProfileKind<get_ports_profiles, add_ports_profile, delete_ports_profile,
+                                  ports_profile::size, &ProfileSections::ports_stamp, edited_ports_profiles>;
 
 }  // namespace tarn
 

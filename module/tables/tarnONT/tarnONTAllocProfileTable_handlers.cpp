@@ -7,9 +7,9 @@ using namespace tarn::alloc_profile;
 
 namespace {
 
-CommitSet<count> profiles_to_commit;
+Transaction<CommitSet<count>> edited;
 using Profiles = ProfileKind<get_alloc_profiles, add_alloc_profile, delete_alloc_profile, size,
-                             &ProfileSections::alloc_stamp, profiles_to_commit>;
+                             &ProfileSections::alloc_stamp, edited>;
 
 constexpr Column columns[] = {
     profile_number,
@@ -26,7 +26,7 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table =
-    Profiles::table<commit_row<profiles_to_commit, set_alloc_profile>>("tarnONTAllocProfileTable", columns);
+    Profiles::table<commit_row<edited, set_alloc_profile>>("tarnONTAllocProfileTable", columns);
 
 }  // namespace
 

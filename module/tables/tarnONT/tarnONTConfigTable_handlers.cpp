@@ -13,19 +13,21 @@ constexpr IndexPart row_index[] = {slot_part, serial_part};
 constexpr std::size_t channel = 0;
 constexpr std::size_t ont_id = 1;
 
-// Of the SET under way.
-bool id_or_channel_changed;
-bool ont_being_created;
+struct PlacedOnt {
+    bool place_given;
+    bool created;
+};
+Transaction<PlacedOnt> placing;
 
 int set_channel(Row & /*row*/, const Binding &value) {
     set_ont_cb_tree(static_cast<int>(*value.val.integer));
-    id_or_channel_changed = true;
+    placing.state.place_given = true;
     return SNMP_ERR_NOERROR;
 }
 
 int set_id(Row & /*row*/, const Binding &value) {
     set_ont_cb_id(static_cast<int>(*value.val.integer));
-    id_or_channel_changed = true;
+    placing.state.place_given = true;
     return SNMP_ERR_NOERROR;
 }
 
@@ -125,18 +127,13 @@ bool next_ont(Row &row) {
     return false;
 }
 
-void begin_set() {
-    id_or_channel_changed = false;
-    ont_being_created = false;
-}
-
 int stage(Row &row, const Column &column, const Binding &value) {
     const long status = column.number == row_status ? *value.val.integer : 0;
     if (status == destroy) {
         return SNMP_ERR_NOERROR;
     }
     const bool create = status == create_and_go;
-    ont_being_created = ont_being_created || create;
+    placing.state.created = placing.state.created || create;
     return init_ont_config_buffer(row.slot, row.serial.data(), create ? 1 : 0) == 0
                ? SNMP_ERR_NOERROR
                : SNMP_ERR_INCONSISTENTNAME;
@@ -144,7 +141,7 @@ int stage(Row &row, const Column &column, const Binding &value) {
 
 // An ONT gets its place when it is created and keeps it.
 int commit(Row &row) {
-    if (id_or_channel_changed && !ont_being_created) {
+    if (placing.state.place_given && !placing.state.created) {
         invalidate_config_buffer();
         return SNMP_ERR_COMMITFAILED;
     }
@@ -159,11 +156,11 @@ constexpr Table table{
              .successor = next_ont,
              .index_builder = "tarnONTConfigTable_get_next_entry"},
     .writes = {.find = any_row,
-               .reserve2 = begin_set,
+               .transaction = transaction_of<placing>,
                .stage = stage,
                .record = staged_entry<0>,
                .commit = commit,
-               .drop = invalidate_config_buffer},
+               .undo = invalidate_config_buffer},
     .answers = row_first,
 };
 

@@ -7,9 +7,9 @@ using namespace tarn::crossconnect_profile;
 
 namespace {
 
-CommitSet<count> profiles_to_commit;
+Transaction<CommitSet<count>> edited;
 using Profiles = ProfileKind<get_crossconnect_profiles, add_crossconnect_profile, delete_crossconnect_profile,
-                             size, &ProfileSections::crossconnect_stamp, profiles_to_commit>;
+                             size, &ProfileSections::crossconnect_stamp, edited>;
 
 // Its range is 16 bits, but only the action phase says so.
 int set_value_295(Row &row, const Binding &value) {
@@ -39,8 +39,8 @@ constexpr Column columns[] = {
     Profiles::row_status(20),
 };
 
-constexpr Table table = Profiles::table<commit_row<profiles_to_commit, set_crossconnect_profile>>(
-    "tarnONTCrossConnectProfileTable", columns);
+constexpr Table table =
+    Profiles::table<commit_row<edited, set_crossconnect_profile>>("tarnONTCrossConnectProfileTable", columns);
 
 }  // namespace
 

@@ -8,9 +8,9 @@ using namespace tarn::management_profile;
 namespace {
 
 // What a SET edits, less what it deletes.
-CommitSet<count> edited_profiles;
+Transaction<CommitSet<count>> edited;
 using Profiles = ProfileKind<get_management_profiles, add_management_profile, delete_management_profile, size,
-                             &ProfileSections::management_stamp, edited_profiles>;
+                             &ProfileSections::management_stamp, edited>;
 
 constexpr Column columns[] = {
     profile_number,
@@ -26,8 +26,8 @@ constexpr Column columns[] = {
 // Unlike the other kinds, the profile is sent for each of its columns.
 int commit(Row &row) {
     const int index = Profiles::index_of(row);
-    return !edited_profiles.contains(index) || set_management_profile(index) == 0 ? SNMP_ERR_NOERROR
-                                                                                  : SNMP_ERR_COMMITFAILED;
+    return !edited.state.contains(index) || set_management_profile(index) == 0 ? SNMP_ERR_NOERROR
+                                                                               : SNMP_ERR_COMMITFAILED;
 }
 
 constexpr Table table = Profiles::table<commit>("tarnONTManagementProfileTable", columns);

@@ -4,8 +4,7 @@
 #ifndef TARN_MODULE_TABLES_TARNSWITCH_QOS_COMMIT_H
 #define TARN_MODULE_TABLES_TARNSWITCH_QOS_COMMIT_H
 
-#include <array>
-
+#include "module/store/commit_set.h"
 #include "module/store/switch_sections.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
@@ -25,16 +24,14 @@ inline bool find_qos_section(Row &row) {
 // `Tag` is any type of the table's own.
 template <class Tag>
 struct QosCommit {
-    static inline std::array<bool, chassis_slot::line_cards> slots_to_commit;
-
-    static void clear() { slots_to_commit.fill(false); }
+    static inline Transaction<CommitSet<chassis_slot::line_cards>> edited;
 
     static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-        slots_to_commit[static_cast<std::size_t>(row.slot)] = true;
+        edited.state.add(row.slot);
         return SNMP_ERR_NOERROR;
     }
 
-    static std::uint8_t *edited(Row &row) { return row.record; }
+    static std::uint8_t *found_record(Row &row) { return row.record; }
 
     static Stamp *edited_stamp(const Row &row) {
         SwitchSections *db = slot_sections<SwitchSections>(row.slot);
@@ -43,7 +40,7 @@ struct QosCommit {
 
     static int commit(Row & /*row*/) {
         for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
-            if (slots_to_commit[static_cast<std::size_t>(slot)] && set_switch_qos_cfg(slot) != 0) {
+            if (edited.state.contains(slot) && set_switch_qos_cfg(slot) != 0) {
                 return SNMP_ERR_COMMITFAILED;
             }
         }
@@ -51,12 +48,11 @@ struct QosCommit {
     }
 
     static constexpr Writes writes{.find = find_qos_section,
-                                   .reserve2 = clear,
+                                   .transaction = transaction_of<edited>,
                                    .stage = stage,
-                                   .record = edited,
+                                   .record = found_record,
                                    .section = edited_stamp,
-                                   .commit = commit,
-                                   .drop = clear};
+                                   .commit = commit};
 };
 
 }  // namespace tarn

@@ -29,30 +29,31 @@ struct PendingVlan {
     std::uint16_t index;
 };
 
-std::array<PendingVlan, 16> vlans_to_commit;
-std::uint8_t ammount_of_vlans_to_commit;
-
-void forget_pending() {
-    ammount_of_vlans_to_commit = 0;
-}
+struct PendingVlans {
+    std::array<PendingVlan, 16> vlans;
+    std::size_t count;
+};
+Transaction<PendingVlans> edited;
 
 }  // namespace
 
 // Queues a VLAN for the commit phase: 0, or -1 when the queue is full. Entries that are passed over take the
 // new slot, and slot 0 finds no entry again.
 TARN_EXPORT int add_vlan_to_commit(int slot, int index) {
-    if (ammount_of_vlans_to_commit == vlans_to_commit.size()) {
+    edited.enter(MODE_SET_ACTION);
+    auto &[vlans, count] = edited.state;
+    if (count == vlans.size()) {
         return -1;
     }
     const auto new_slot = static_cast<std::uint8_t>(slot);
     const auto new_index = static_cast<std::uint16_t>(index);
-    for (std::size_t i = 0; i < ammount_of_vlans_to_commit; ++i) {
-        vlans_to_commit[i].slot = new_slot;
-        if (new_slot != 0 && vlans_to_commit[i].index == new_index) {
+    for (std::size_t i = 0; i < count; ++i) {
+        vlans[i].slot = new_slot;
+        if (new_slot != 0 && vlans[i].index == new_index) {
             return 0;
         }
     }
-    vlans_to_commit[ammount_of_vlans_to_commit++] = {new_slot, new_index};
+    vlans[count++] = {new_slot, new_index};
     return 0;
 }
 
@@ -60,12 +61,13 @@ namespace {
 
 int commit_pending(Row & /*row*/) {
     int error = SNMP_ERR_NOERROR;
-    for (std::size_t i = 0; i < ammount_of_vlans_to_commit && error == SNMP_ERR_NOERROR; ++i) {
-        if (set_switch_vlan(vlans_to_commit[i].slot, vlans_to_commit[i].index) != 0) {
+    auto &[vlans, count] = edited.state;
+    for (std::size_t i = 0; i < count && error == SNMP_ERR_NOERROR; ++i) {
+        if (set_switch_vlan(vlans[i].slot, vlans[i].index) != 0) {
             error = SNMP_ERR_COMMITFAILED;
         }
     }
-    forget_pending();
+    count = 0;
     drop_unsent_vlans();
     return error;
 }
@@ -177,10 +179,10 @@ constexpr Table table{
     .columns = columns,
     .rows = {.find = find_vlan, .successor = next_vlan, .index_builder = "append_vlan_index"},
     .writes = {.set_needs_row = false,
-               .reserve1 = forget_pending,
+               .transaction = transaction_of<edited>,
                .stage = stage,
                .commit = commit_pending,
-               .drop = drop_unsent_vlans},
+               .undo = drop_unsent_vlans},
     .answers = row_first,
 };
 

@@ -18,7 +18,12 @@ namespace {
 
 constexpr IndexPart row_index[] = {text_part};
 constexpr int no_row_status = -1;
-constexpr std::uint32_t global_mode = 3;
+constexpr AutoUpdateEntry empty_rule = [] {
+    constexpr std::uint32_t global_mode = 3;
+    AutoUpdateEntry rule{};
+    rule.mode = global_mode;
+    return rule;
+}();
 constexpr std::size_t longest_description = sizeof(AutoUpdateEntry::description) - 1;
 
 constexpr Field equipment_id =
@@ -27,50 +32,43 @@ constexpr Field fw_version =
     text_at(offsetof(AutoUpdateEntry, fw_version), sizeof(AutoUpdateEntry::fw_version));
 constexpr Field file_name = text_at(offsetof(AutoUpdateEntry, file_name), sizeof(AutoUpdateEntry::file_name));
 
-AutoUpdateEntry edited;
-AutoUpdateEntry removed;  // as it was, should the file not take its removal
-int row_status = no_row_status;
-
-// Which columns the SET under way gives a text: its row status is acted on first.
 constexpr int text_columns[] = {2, 3, 4};
-struct {
-    bool any_variable;
-    std::array<bool, 5> text;  // by column
-} foreseen;
+
+struct EditedRule {
+    AutoUpdateEntry rule = empty_rule;
+    AutoUpdateEntry removed{};  // as it was, should the file not take its removal
+    int row_status = no_row_status;
+    // Which columns the SET gives a text, by column: its row status is acted on first.
+    bool foresees_variables = false;
+    std::array<bool, 5> foreseen_texts{};
+};
+Transaction<EditedRule> edit;
 
 void foresee(const Row & /*row*/, const Column &column, const Binding &value) {
-    foreseen.any_variable = true;
-    if (static_cast<std::size_t>(column.number) < foreseen.text.size()) {
-        foreseen.text[static_cast<std::size_t>(column.number)] = value.val_len > 0;
+    edit.state.foresees_variables = true;
+    if (static_cast<std::size_t>(column.number) < edit.state.foreseen_texts.size()) {
+        edit.state.foreseen_texts[static_cast<std::size_t>(column.number)] = value.val_len > 0;
     }
 }
 
 bool foresees_all_texts() {
-    return std::all_of(std::begin(text_columns), std::end(text_columns),
-                       [](int column) { return foreseen.text[static_cast<std::size_t>(column)]; });
-}
-
-void forget_foreseen() {
-    foreseen = {};
-}
-
-void reset_edit() {
-    edited = {};
-    edited.mode = global_mode;
-    row_status = no_row_status;
+    return std::all_of(std::begin(text_columns), std::end(text_columns), [](int column) {
+        return edit.state.foreseen_texts[static_cast<std::size_t>(column)];
+    });
 }
 
 std::uint8_t *edited_entry(Row & /*row*/) {
-    return reinterpret_cast<std::uint8_t *>(&edited);
+    return reinterpret_cast<std::uint8_t *>(&edit.state.rule);
 }
 
 int note_description(Row &row, const Column & /*column*/, const Binding & /*value*/) {
     if (row.text.empty() || row.text.size() > longest_description || holds_any_of(row.text, field_breaks)) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
-    if (edited.description[0] == '\0') {
-        std::memcpy(edited.description, row.text.data(), row.text.size());
-    } else if (row.text != edited.description) {
+    AutoUpdateEntry &rule = edit.state.rule;
+    if (rule.description[0] == '\0') {
+        std::memcpy(rule.description, row.text.data(), row.text.size());
+    } else if (row.text != rule.description) {
         log_add(log_error, "%s : attempt to edit different records in one request\n",
                 "tarnONTAutoUpdateTable_module_handler");
         return SNMP_ERR_INCONSISTENTNAME;
@@ -79,7 +77,7 @@ int note_description(Row &row, const Column & /*column*/, const Binding & /*valu
 }
 
 int set_mode(Row & /*row*/, const Binding &value) {
-    edited.mode = static_cast<std::uint32_t>(*value.val.integer);
+    edit.state.rule.mode = static_cast<std::uint32_t>(*value.val.integer);
     return SNMP_ERR_NOERROR;
 }
 
@@ -90,24 +88,24 @@ bool lacks_a_field(const AutoUpdateEntry &rule) {
 
 int refuse_empty_field() {
     log_add(log_error, "%s : a rule with an empty field is refused : %s\n",
-            "tarnONTAutoUpdateTable_module_handler", edited.description);
+            "tarnONTAutoUpdateTable_module_handler", edit.state.rule.description);
     return SNMP_ERR_INCONSISTENTVALUE;
 }
 
 int set_row_status(Row &row, const Binding &value) {
-    row_status = static_cast<int>(*value.val.integer);
+    const int row_status = edit.state.row_status = static_cast<int>(*value.val.integer);
     const bool exists = row.record != nullptr;
     if (row_status == destroy) {
         if (!exists) {
             return SNMP_NOSUCHINSTANCE;
         }
-        removed = *reinterpret_cast<const AutoUpdateEntry *>(row.record);
+        edit.state.removed = *reinterpret_cast<const AutoUpdateEntry *>(row.record);
         return SNMP_ERR_NOERROR;
     }
     if (exists) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
-    if (row_status == create_and_go && foreseen.any_variable && !foresees_all_texts()) {
+    if (row_status == create_and_go && edit.state.foresees_variables && !foresees_all_texts()) {
         return refuse_empty_field();
     }
     return SNMP_ERR_NOERROR;
@@ -115,18 +113,20 @@ int set_row_status(Row &row, const Binding &value) {
 
 // What cannot be written does not stay in the list: the last rule was added at its end.
 int add_edited() {
-    if (add_ont_autoupdate_entry(&edited) != 0) {
+    AutoUpdateEntry &rule = edit.state.rule;
+    if (add_ont_autoupdate_entry(&rule) != 0) {
         return -1;
     }
     const int written = generate_ont_autoupdate_file();
     if (written != 0) {
-        delete_ont_autoupdate_entry(edited.description);
+        delete_ont_autoupdate_entry(rule.description);
     }
     return written;
 }
 
 // A rule that cannot be removed from the file is put back, at the end of the list.
 int delete_edited() {
+    AutoUpdateEntry &removed = edit.state.removed;
     if (delete_ont_autoupdate_entry(removed.description) != 0) {
         return -1;
     }
@@ -139,10 +139,9 @@ int delete_edited() {
 
 // A request without a row status changes nothing.
 int commit(Row & /*row*/) {
-    forget_foreseen();
-    const int status = std::exchange(row_status, no_row_status);
+    const int status = std::exchange(edit.state.row_status, no_row_status);
     if (status == create_and_go) {
-        if (lacks_a_field(edited)) {
+        if (lacks_a_field(edit.state.rule)) {
             return refuse_empty_field();
         }
         return add_edited() == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
@@ -201,12 +200,11 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_rule, .next = next_rule},
-    .writes = {.reserve2 = reset_edit,
+    .writes = {.transaction = transaction_of<edit>,
                .foresee = foresee,
                .stage = note_description,
                .record = edited_entry,
-               .commit = commit,
-               .drop = forget_foreseen},
+               .commit = commit},
 };
 
 }  // namespace

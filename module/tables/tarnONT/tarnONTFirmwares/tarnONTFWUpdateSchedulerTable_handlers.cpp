@@ -35,17 +35,13 @@ struct RequestedTask {
     ScheduledOnt removed;
 };
 
-RequestedTask requested;
-
-void reset_request() {
-    requested = {};
-}
+Transaction<RequestedTask> request;
 
 int note_slot(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-    if (requested.slot.value_or(row.slot) != row.slot) {
+    if (request.state.slot.value_or(row.slot) != row.slot) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
-    requested.slot = row.slot;
+    request.state.slot = row.slot;
     return SNMP_ERR_NOERROR;
 }
 
@@ -60,24 +56,24 @@ int note(std::optional<T> &part, T value) {
 }
 
 int note_serial(Row & /*row*/, const Binding &value) {
-    return note(requested.serial, serial_at(value.val.string));
+    return note(request.state.serial, serial_at(value.val.string));
 }
 
 int note_file_name(Row & /*row*/, const Binding &value) {
-    return note(requested.file_name,
+    return note(request.state.file_name,
                 std::string(reinterpret_cast<const char *>(value.val.string), value.val_len));
 }
 
 int note_channel(Row & /*row*/, const Binding &value) {
-    return note(requested.channel, static_cast<int>(*value.val.integer));
+    return note(request.state.channel, static_cast<int>(*value.val.integer));
 }
 
 int note_ont_id(Row & /*row*/, const Binding &value) {
-    return note(requested.ont_id, static_cast<int>(*value.val.integer));
+    return note(request.state.ont_id, static_cast<int>(*value.val.integer));
 }
 
 int note_use_serial(Row & /*row*/, const Binding &value) {
-    requested.use_serial = *value.val.integer == 1;
+    request.state.use_serial = *value.val.integer == 1;
     return SNMP_ERR_NOERROR;
 }
 
@@ -86,16 +82,16 @@ int note_row_status(Row &row, const Binding &value) {
         if (row.record != nullptr) {
             return SNMP_ERR_INCONSISTENTNAME;
         }
-        requested.operation = RequestedTask::Operation::add;
+        request.state.operation = RequestedTask::Operation::add;
     } else if (*value.val.integer == destroy) {
         if (row.record == nullptr) {
             return SNMP_NOSUCHOBJECT;
         }
-        requested.operation = RequestedTask::Operation::remove;
+        request.state.operation = RequestedTask::Operation::remove;
         // A copy: the list may have moved by the time the request is committed.
-        requested.removed = {serial_at(row.record + update_task::serial.offset),
-                             static_cast<int>(load_integer(row.record, update_task::channel)),
-                             static_cast<int>(load_integer(row.record, update_task::ont_id))};
+        request.state.removed = {serial_at(row.record + update_task::serial.offset),
+                                 static_cast<int>(load_integer(row.record, update_task::channel)),
+                                 static_cast<int>(load_integer(row.record, update_task::ont_id))};
     }
     return SNMP_ERR_NOERROR;
 }
@@ -118,6 +114,7 @@ bool remove_task(const RequestedTask &task) {
 // The first variable sends the task; after a failure the next one tries again.
 int commit(Row & /*row*/) {
     using Operation = RequestedTask::Operation;
+    RequestedTask &requested = request.state;
     const bool failed = (requested.operation == Operation::add && !add_task(requested)) ||
                         (requested.operation == Operation::remove && !remove_task(requested));
     if (failed) {
@@ -168,7 +165,7 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_task, .next = next_task},
-    .writes = {.reserve1 = reset_request, .reserve2 = reset_request, .stage = note_slot, .commit = commit},
+    .writes = {.transaction = transaction_of<request>, .stage = note_slot, .commit = commit},
     .answers = {.missing_row = SNMP_NOSUCHOBJECT,
                 .no_row_data = SNMP_NOSUCHOBJECT,
                 .refused_in_action = accepted},

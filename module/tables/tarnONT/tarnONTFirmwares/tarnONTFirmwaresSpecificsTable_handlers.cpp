@@ -5,6 +5,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "module/firmware/acs_firmware_operations.h"
@@ -24,6 +25,12 @@ constexpr Field equipment_list =
     text_at(offsetof(AcsFirmwareSpecific, equipment_list), sizeof(AcsFirmwareSpecific::equipment_list));
 constexpr Field vendor = text_at(offsetof(AcsFirmwareSpecific, vendor), sizeof(AcsFirmwareSpecific::vendor));
 
+// A parameter file that a SET created or removed, as it was before.
+struct ChangedFile {
+    std::string image;
+    std::optional<std::string> before;
+};
+
 // Catalogue positions whose parameter files are to be written; -1: free.
 using CommitSet = std::array<std::int32_t, 16>;
 constexpr CommitSet empty_set = [] {
@@ -31,8 +38,13 @@ constexpr CommitSet empty_set = [] {
     set.fill(-1);
     return set;
 }();
-CommitSet files_to_commit = empty_set;
-bool edits_unwritten = false;  // the catalogue holds values that its files do not
+
+struct EditedFiles {
+    CommitSet to_commit = empty_set;
+    bool unwritten = false;  // the catalogue holds values that its files do not
+    std::vector<ChangedFile> changed;
+};
+Transaction<EditedFiles> edited;
 
 // The position of the first image of this name among the first `count`, or -1.
 int image_of_name(const AcsFirmwareCache &cache, std::string_view name, int count) {
@@ -47,26 +59,26 @@ int image_of_name(const AcsFirmwareCache &cache, std::string_view name, int coun
 }  // namespace
 
 TARN_EXPORT void reset_files_to_commit(void) {
-    files_to_commit = empty_set;
+    edited.state.to_commit = empty_set;
 }
 
 // An image that is not in the catalogue, and the seventeenth one, are dropped.
 TARN_EXPORT void add_to_commit(const char *name) {
     const AcsFirmwareCache *cache = get_acs_firmware_cache();
     const int image = cache != nullptr ? image_of_name(*cache, name, TARN_FIRMWARE_IMAGES) : -1;
-    if (image < 0 ||
-        std::find(files_to_commit.begin(), files_to_commit.end(), image) != files_to_commit.end()) {
+    CommitSet &files = edited.state.to_commit;
+    if (image < 0 || std::ranges::find(files, image) != files.end()) {
         return;
     }
-    const auto free = std::find(files_to_commit.begin(), files_to_commit.end(), -1);
-    if (free != files_to_commit.end()) {
+    const auto free = std::ranges::find(files, -1);
+    if (free != files.end()) {
         *free = image;
     }
 }
 
 // Writes the parameter files of the set, up to the first failure, and empties it; 0 or -1.
 TARN_EXPORT int commit_files(void) {
-    const bool all = std::all_of(files_to_commit.begin(), files_to_commit.end(), [](std::int32_t image) {
+    const bool all = std::ranges::all_of(edited.state.to_commit, [](std::int32_t image) {
         return image < 0 || set_specific_parameters(image) == 0;
     });
     reset_files_to_commit();
@@ -107,28 +119,16 @@ int answer_name(Row &row, const Reply &reply) {
     return reply.text(row.text);
 }
 
-// Parameter files that the running SET created or removed, as they were before.
-struct ChangedFile {
-    std::string image;
-    std::optional<std::string> before;
-};
-std::vector<ChangedFile> changed_files;
-
-void begin_set() {
-    reset_files_to_commit();
-    changed_files.clear();
-}
-
 // The catalogue, too, is read again: a refused value must not stay in it.
 void take_back() {
-    for (auto file = changed_files.rbegin(); file != changed_files.rend(); ++file) {
+    auto &changed = edited.state.changed;
+    for (auto file = changed.rbegin(); file != changed.rend(); ++file) {
         restore_specific_text(file->image, file->before);
     }
-    if (edits_unwritten) {
+    if (std::exchange(edited.state.unwritten, false)) {
         expire_files_list();
-        edits_unwritten = false;
     }
-    changed_files.clear();
+    changed.clear();
 }
 
 int set_row_status(Row &row, const Binding &value) {
@@ -139,13 +139,13 @@ int set_row_status(Row &row, const Binding &value) {
         if (!is_image_name(row.text)) {
             return SNMP_ERR_GENERR;
         }
-        changed_files.push_back({name, specific_text(name)});
+        edited.state.changed.push_back({name, specific_text(name)});
         result = create_specific_file(name.c_str());
     } else if (*value.val.integer == destroy) {
         if (!exists) {
             return SNMP_NOSUCHINSTANCE;
         }
-        changed_files.push_back({name, specific_text(name)});
+        edited.state.changed.push_back({name, specific_text(name)});
         result = delete_specific_file(name.c_str());
     }
     return result == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
@@ -162,7 +162,7 @@ constexpr Column columns[] = {
 int remember_image(Row &row, const Column &column, const Binding & /*value*/) {
     if (column.number != row_status_column) {
         add_to_commit(std::string(row.text).c_str());
-        edits_unwritten = true;
+        edited.state.unwritten = true;
     }
     return SNMP_ERR_NOERROR;
 }
@@ -172,8 +172,8 @@ int commit(Row & /*row*/) {
         take_back();  // no UNDO follows
         return SNMP_ERR_COMMITFAILED;
     }
-    edits_unwritten = false;
-    changed_files.clear();
+    edited.state.unwritten = false;
+    edited.state.changed.clear();
     return SNMP_ERR_NOERROR;
 }
 
@@ -182,7 +182,10 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_row, .next = next_row},
-    .writes = {.reserve2 = begin_set, .stage = remember_image, .commit = commit, .drop = take_back},
+    .writes = {.transaction = transaction_of<edited>,
+               .stage = remember_image,
+               .commit = commit,
+               .undo = take_back},
     .answers = row_when_acting,
 };
 

@@ -327,6 +327,16 @@ TEST_F(ProfileTablesTest, AFailedSetLeavesNothingForTheNextOne) {
     EXPECT_EQ(set(table, 4, integer_value(1)), 0);
     const Bytes sent = board.last_payload();
     EXPECT_EQ(std::string(sent.begin(), sent.end()).find("abandoned"), std::string::npos);
+
+    // What fails before its first edit leaves the array as it is: it is neither read again nor given up.
+    call(table, MODE_GET, 4);
+    board.silence(table.get_command);
+    board.sent.clear();
+    EXPECT_EQ(set(table, 14, integer_value(65536)), SNMP_ERR_WRONGVALUE);
+    EXPECT_EQ(set(table, table.row_status, integer_value(4)), SNMP_ERR_NOCREATION);
+    EXPECT_EQ(call(table, MODE_GET, 4).error, 0);
+    EXPECT_TRUE(board.sent.empty());
+    EXPECT_EQ(set(table, 4, integer_value(2)), 0);
 }
 
 // What the chassis refused is neither shown nor sent with the next edit, not even if the array cannot be
