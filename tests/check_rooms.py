@@ -23,9 +23,9 @@ ARROWS = {
     "module/statistics": "module/store module/common wire",
     "module/configfile": "module/common",
     "module/firmware": "module/configfile module/store module/common include wire",
-    "module/abi": "module/operations module/switch module/store module/common wire",
     "module/tables": "module/operations module/config module/switch module/firmware module/statistics module/store "
                      "module/common include wire",
+    "module/abi": "module/tables module/operations module/switch module/store module/common wire",
     "module/start": "module/tables module/config module/firmware module/store module/common include wire",
     # the host
     "host/services": "include wire",

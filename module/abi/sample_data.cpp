@@ -7,6 +7,7 @@
 #include "wire/records/address.h"
 #include "wire/records/channel.h"
 #include "wire/records/ont.h"
+#include "wire/records/switch.h"
 
 using namespace tarn;
 
@@ -53,4 +54,18 @@ void fake_pppoe_sessions(int slot) {
 
 void fake_igmp_stats(int slot) {
     cleanup_igmp_stats(slot);
+}
+
+std::uint8_t *fake_vlan_list(void) {
+    constexpr int count = 3000;
+    static std::uint8_t fake_list[vlan_list::size];
+    static bool already = false;
+    if (!already) {
+        store_integer(fake_list, vlan_list::count, count);
+        for (int i = 0; i < count; ++i) {
+            store_integer(fake_list, vlan_list::number(i), i + 1);
+        }
+        already = true;
+    }
+    return fake_list;
 }

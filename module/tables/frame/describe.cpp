@@ -1,4 +1,5 @@
-// What the tables' descriptions say of their columns, for a host that compares it with its MIB.
+// The tables by name, and what their descriptions say of their columns, for a host that compares it with its
+// MIB.
 #include <string_view>
 
 #include "module/common/exports.h"
@@ -8,16 +9,25 @@
 
 using namespace tarn;
 
-TARN_EXPORT std::size_t mod_describe_table(const char *name, column_description *columns, std::size_t room) {
+namespace tarn {
+
+const Table *find_table(std::string_view name) {
     const auto *table = Registered<Table>::first;
-    while (table != nullptr && std::string_view(name) != table->description.name) {
+    while (table != nullptr && name != table->description.name) {
         table = table->next;
     }
+    return table != nullptr ? &table->description : nullptr;
+}
+
+}  // namespace tarn
+
+TARN_EXPORT std::size_t mod_describe_table(const char *name, column_description *columns, std::size_t room) {
+    const Table *table = find_table(name);
     if (table == nullptr) {
         return 0;
     }
     std::size_t count = 0;
-    for (const Column &column : table->description.columns) {
+    for (const Column &column : table->columns) {
         if (!is_readable(column)) {
             continue;
         }

@@ -26,6 +26,9 @@ struct Table {
     Answers answers{};
 };
 
+// The table of this name; null for another.
+const Table *find_table(std::string_view name);
+
 // The callbacks' bodies.
 Binding *next_index(const Table &table, std::int64_t &cursor, void **loop_context, void **data_context,
                     Binding *indexes, int slot);

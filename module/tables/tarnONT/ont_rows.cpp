@@ -1,11 +1,16 @@
 #include "module/tables/tarnONT/ont_rows.h"
-#include "module/store/ont_sections.h"
-
-#include <algorithm>
-#include <climits>
 
 #include "module/operations/ont_queries.h"
 #include "wire/records/ont.h"
+
+using namespace tarn;
+
+int is_ont_state_valid_unsafe(const std::uint8_t *list_record) {
+    return !is_zero_serial(list_record) &&
+                   load_integer(list_record, ont_list::state_code) == ont_list::state_working
+               ? 1
+               : 0;
+}
 
 namespace tarn {
 
@@ -34,17 +39,6 @@ bool next_ont(Row &row) {
     row.record = db->ont_list[rest.front()].data();
     row.serial = serial_at(row.record);
     return true;
-}
-
-void serial_from_oid(const oid *name, std::size_t length, std::size_t position, std::uint8_t *serial) {
-    for (std::size_t i = 0; i < serial_size; ++i) {
-        serial[i] = position + i < length ? static_cast<std::uint8_t>(name[position + i]) : std::uint8_t{0};
-    }
-}
-
-int ordinal_from_oid(const oid *name, std::size_t length, std::size_t position) {
-    const oid sub_id = position < length ? name[position] : 0;
-    return static_cast<int>(std::min<oid>(sub_id, INT_MAX)) - 1;
 }
 
 }  // namespace tarn

@@ -47,7 +47,7 @@ bool find_entry(Row &row) {
     return true;
 }
 
-// The first position whose entry lies behind (serial, entry number).
+// The first position whose entry lies after (serial, entry number).
 std::size_t first_behind(const AddressSections &db, const Serial &serial, std::int64_t entry_number) {
     std::size_t low = 0;
     std::size_t high = sorted_address_entries(db);
@@ -92,34 +92,3 @@ constexpr Table table{
 }  // namespace
 
 MODULE_NEXTGEN_TABLE(tarnONTAddressTable, table)
-
-TARN_EXPORT void get_serial_from_oid_tarnONTAddressTable(const oid *name, std::size_t length,
-                                                         std::uint8_t *serial) {
-    serial_from_oid(name, length, 15, serial);
-}
-
-// The entry's position in the order by serial; -1 when the identifier names none.
-TARN_EXPORT int get_record_id_from_oid_tarnONTAddressTable(const oid *name, std::size_t length) {
-    return ordinal_from_oid(name, length, 23);
-}
-
-// The position of the entry that follows the one in the identifier; -1 at the end.
-TARN_EXPORT int get_first_available_config_index_2_tarnONTAddressTable(int slot, const oid *name,
-                                                                       std::size_t length) {
-    Row row;
-    row.slot = slot;
-    get_serial_from_oid_tarnONTAddressTable(name, length, row.serial.data());
-    entry_of(row) = get_record_id_from_oid_tarnONTAddressTable(name, length);
-    return next_entry(row) ? static_cast<int>(entry_of(row)) : -1;
-}
-
-// Builds the identifier of a row: entry number from 0.
-TARN_EXPORT void append_index_tarnONTAddressTable(table_entry *result, const oid *name, std::size_t length,
-                                                  const std::uint8_t *serial, int slot, int column,
-                                                  int entry_number) {
-    Row row;
-    row.slot = slot;
-    row.serial = serial_at(serial);
-    entry_of(row) = entry_number;
-    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
-}

@@ -127,25 +127,3 @@ constexpr Table table{
 }  // namespace
 
 MODULE_NEXTGEN_TABLE(tarnONTStateTable, table)
-
-// Builds the identifier of a row.
-TARN_EXPORT void append_index_state(table_entry *result, const oid *name, std::size_t length,
-                                    const std::uint8_t *serial, int slot, int column) {
-    Row row;
-    row.slot = slot;
-    row.serial = serial_at(serial);
-    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
-}
-
-TARN_EXPORT void get_serial_from_oid_state(const oid *name, std::size_t length, std::uint8_t *serial) {
-    serial_from_oid(name, length, 15, serial);
-}
-
-// The position, in the order by serial, of the ONT that follows the one in the identifier; -1 at the end.
-TARN_EXPORT int get_first_available_config_index_2_state(int slot, const oid *name, std::size_t length) {
-    const OntSections *db = walked_onts(slot);
-    Serial serial;
-    get_serial_from_oid_state(name, length, serial.data());
-    const std::size_t behind = db != nullptr ? onts_after(*db, serial.data()).size() : 0;
-    return behind != 0 ? max_onts - static_cast<int>(behind) : -1;
-}

@@ -6,14 +6,6 @@
 
 using namespace tarn;
 
-// Non-zero for a record of the ONT list that holds a working ONT.
-TARN_EXPORT int is_ont_state_valid_unsafe(const std::uint8_t *list_record) {
-    return !is_zero_serial(list_record) &&
-                   load_integer(list_record, ont_list::state_code) == ont_list::state_working
-               ? 1
-               : 0;
-}
-
 namespace {
 
 constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(ont_uni_ports::ports)};
@@ -103,45 +95,3 @@ constexpr Table table{
 }  // namespace
 
 MODULE_NEXTGEN_TABLE(tarnONTUNIPortsStateTable, table)
-
-TARN_EXPORT void get_serial_from_oid_oupt(const oid *name, std::size_t length, std::uint8_t *serial) {
-    serial_from_oid(name, length, 15, serial);
-}
-
-// The port 0-3; -1 when the identifier names none.
-TARN_EXPORT int get_port_id_from_oid_oupt(const oid *name, std::size_t length) {
-    return ordinal_from_oid(name, length, 23);
-}
-
-// Positions, in the order by serial, of the working ONT that the identifier names, respectively of the first
-// one behind its serial; -1 when there is none.
-TARN_EXPORT int get_exact_state_index_2_oupt(int slot, const oid *name, std::size_t length) {
-    const OntSections *db = walked_onts(slot);
-    Serial serial;
-    get_serial_from_oid_oupt(name, length, serial.data());
-    return db != nullptr && is_working(*db, serial.data())
-               ? max_onts - static_cast<int>(onts_from(*db, serial.data()).size())
-               : -1;
-}
-
-TARN_EXPORT int get_first_available_state_index_oupt(int slot, const oid *name, std::size_t length) {
-    const OntSections *db = walked_onts(slot);
-    if (db == nullptr) {
-        return -1;
-    }
-    Serial serial;
-    get_serial_from_oid_oupt(name, length, serial.data());
-    const OntOrder rest = onts_after(*db, serial.data());
-    const std::size_t next = first_working(*db, rest);
-    return next < rest.size() ? max_onts - static_cast<int>(rest.size() - next) : -1;
-}
-
-// Builds the identifier of a row: port 0-3.
-TARN_EXPORT void append_index_oupt(table_entry *result, const oid *name, std::size_t length,
-                                   const std::uint8_t *serial, int slot, int column, int port) {
-    Row row;
-    row.slot = slot;
-    row.serial = serial_at(serial);
-    port_of(row) = port;
-    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
-}

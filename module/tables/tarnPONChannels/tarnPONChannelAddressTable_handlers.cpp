@@ -58,35 +58,3 @@ constexpr Table table{
 }  // namespace
 
 MODULE_NEXTGEN_TABLE(tarnPONChannelAddressTable, table)
-
-// The entry number (from 1) that follows the one in the identifier; 1 when it names none. 0: there is none.
-TARN_EXPORT int tarnPONChannelAddressTable_get_first_available_config_index_2(int slot, const oid *name,
-                                                                              std::size_t length) {
-    const std::int64_t next = length < 16 ? 1 : std::int64_t{get_int_from_oid(name, length, 15)} + 1;
-    get_global_ont_address_table(slot);
-    const AddressSections *db = slot_sections<AddressSections>(slot_byte(slot));
-    return db != nullptr && next >= 1 && static_cast<std::size_t>(next) <= address_entries(*db)
-               ? static_cast<int>(next)
-               : 0;
-}
-
-// Builds the identifier of a row: channel 0-7, entry number from 1.
-TARN_EXPORT void tarnPONChannelAddressTable_append_index(table_entry *result, const oid *name,
-                                                         std::size_t length, int slot, int channel_number,
-                                                         int entry_number, int column) {
-    Row row;
-    row.slot = slot;
-    row.number[channel] = channel_number;
-    row.number[entry] = entry_number - 1;
-    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
-}
-
-// The entry that an identifier names, or null.
-TARN_EXPORT std::uint8_t *get_entry_by_oid(int slot, const oid *name, std::size_t length) {
-    Row row;
-    row.slot = slot_byte(slot);
-    if (length < 16 || !parse_exact_index(row_index, name + 13, length - 13, row) || !find_entry(row)) {
-        return nullptr;
-    }
-    return row.record;
-}

@@ -111,23 +111,3 @@ constexpr Table table{
 }  // namespace
 
 MODULE_NEXTGEN_TABLE(tarnSwitchMacListTable, table)
-
-// Builds the identifier of a row; `entry` is the row's record.
-TARN_EXPORT void tarnSwitchMacListTable_append_index(table_entry *result, const oid *name, std::size_t length,
-                                                     int slot, switch_mac_list_t *entry, int column) {
-    Row row;
-    row.slot = slot;
-    enter(row, *entry);
-    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
-}
-
-// The entry that an identifier names, or null.
-TARN_EXPORT std::uint8_t *get_switch_mac_list_entry_by_oid(int slot, const oid *name, std::size_t length) {
-    Row row;
-    row.slot = slot_byte(slot);
-    trace_lookup(row.slot);
-    if (length <= 20 || !parse_exact_index(row_index, name + 13, length - 13, row) || !find_entry(row)) {
-        return nullptr;
-    }
-    return row.record;
-}

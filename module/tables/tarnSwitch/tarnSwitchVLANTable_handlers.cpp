@@ -189,27 +189,3 @@ constexpr Table table{
 }  // namespace
 
 MODULE_NEXTGEN_TABLE(tarnSwitchVLANTable, table)
-
-// Builds the identifier of a row.
-TARN_EXPORT void append_vlan_index(table_entry *result, const oid *name, std::size_t length, int slot,
-                                   int index, int column) {
-    Row row;
-    row.slot = slot;
-    row.number[0] = index;
-    append_index(table, result, name, length, row, column, __FILE__, __LINE__);
-}
-
-// A list of the VLANs 1 to 3000 for trials; called by nothing.
-TARN_EXPORT std::uint8_t *fake_vlan_list(void) {
-    constexpr int count = 3000;
-    static std::uint8_t fake_list[vlan_list::size];
-    static bool already = false;
-    if (!already) {
-        store_integer(fake_list, vlan_list::count, count);
-        for (int i = 0; i < count; ++i) {
-            store_integer(fake_list, vlan_list::number(i), i + 1);
-        }
-        already = true;
-    }
-    return fake_list;
-}

@@ -55,12 +55,6 @@ int first_greater(const std::uint8_t *ont_list, const Serial &serial) {
     return -1;
 }
 
-Serial serial_of(const oid *name, std::size_t length) {
-    Serial serial;
-    serial_from_oid(name, length, counter_serial_position, serial.data());
-    return serial;
-}
-
 }  // namespace
 
 std::uint32_t *get_counters(const CounterTable &counters, int slot, const std::uint8_t *ont_entry,
@@ -129,20 +123,6 @@ bool next_counter(Row &row, const CounterTable &counters) {
     row.record = db->ont_list[static_cast<std::size_t>(ont)].data();
     row.serial = serial_at(row.record);
     return true;
-}
-
-int exact_ont(const oid *name, std::size_t length, const std::uint8_t *ont_list) {
-    const Serial serial = serial_of(name, length);
-    for (int position = 0; position < max_onts && !is_zero_serial(serial.data()); ++position) {
-        if (compare_serials(list_record(ont_list, position), serial.data()) == 0) {
-            return position;
-        }
-    }
-    return -1;
-}
-
-int first_greater_ont(const oid *name, std::size_t length, const std::uint8_t *ont_list) {
-    return first_greater(ont_list, serial_of(name, length));
 }
 
 int answer_counter_name(const Row &row, const Reply &reply, const CounterTable &counters) {

@@ -58,17 +58,8 @@ bool next_counter(Row &row, const CounterTable &counters);
 int answer_counter_name(const Row &row, const Reply &reply, const CounterTable &counters);
 int answer_counter_value(const Row &row, const Reply &reply, const CounterTable &counters);
 
-// Positions in the list: of the identifier's ONT, respectively of the first one with a greater serial; -1
-// when there is none. `ont_list` is the slot's list.
-int exact_ont(const oid *name, std::size_t length, const std::uint8_t *ont_list);
-int first_greater_ont(const oid *name, std::size_t length, const std::uint8_t *ont_list);
-
 // The identifiers are one sub-identifier longer than other tables'.
 inline constexpr std::size_t counter_table_prefix = 12;
-inline constexpr std::size_t counter_column_position = counter_table_prefix + 1;
-inline constexpr std::size_t counter_serial_position = counter_table_prefix + 4;
-inline constexpr std::size_t counter_key_position = counter_serial_position + serial_size;
-inline constexpr std::size_t counter_position_position = counter_key_position + 1;
 
 template <const CounterTable &Counters>
 struct CounterTableParts {
@@ -105,39 +96,10 @@ struct CounterTableParts {
         return tarn::get_counters(counters, slot, ont_entry, channel, ont_id, key);                       \
     }
 
-// The callbacks and readers of the table T; `key_reader` is the name of the reader of its key.
-#define MODULE_COUNTER_TABLE(T, counters, key_reader)                                                     \
-    static constexpr tarn::Table T##_table =                                                              \
-        tarn::CounterTableParts<counters>::table(#T, "append_index_" #T);                                 \
-    MODULE_NEXTGEN_TABLE(T, T##_table)                                                                    \
-    TARN_EXPORT int get_colnum_from_oid_##T(const oid *name, std::size_t length) {                        \
-        return get_int_from_oid(name, length, tarn::counter_column_position);                             \
-    }                                                                                                     \
-    TARN_EXPORT void get_serial_from_oid_##T(const oid *name, std::size_t length, std::uint8_t *serial) { \
-        tarn::serial_from_oid(name, length, tarn::counter_serial_position, serial);                       \
-    }                                                                                                     \
-    TARN_EXPORT int key_reader##_##T(const oid *name, std::size_t length) {                               \
-        return tarn::ordinal_from_oid(name, length, tarn::counter_key_position);                          \
-    }                                                                                                     \
-    TARN_EXPORT int get_counter_id_from_oid_##T(const oid *name, std::size_t length) {                    \
-        return tarn::ordinal_from_oid(name, length, tarn::counter_position_position);                     \
-    }                                                                                                     \
-    TARN_EXPORT int get_exact_state_index_2_##T(const oid *name, std::size_t length,                      \
-                                                const std::uint8_t *ont_list) {                           \
-        return tarn::exact_ont(name, length, ont_list);                                                   \
-    }                                                                                                     \
-    TARN_EXPORT int get_first_available_state_index_##T(const oid *name, std::size_t length,              \
-                                                        const std::uint8_t *ont_list) {                   \
-        return tarn::first_greater_ont(name, length, ont_list);                                           \
-    }                                                                                                     \
-    TARN_EXPORT void append_index_##T(table_entry *result, const oid *name, std::size_t length,           \
-                                      const std::uint8_t *serial, int slot, int column, int key,          \
-                                      int position) {                                                     \
-        tarn::Row row;                                                                                    \
-        row.slot = slot;                                                                                  \
-        row.serial = tarn::serial_at(serial);                                                             \
-        row.number = {key, position};                                                                     \
-        tarn::append_index(T##_table, result, name, length, row, column, __FILE__, __LINE__);             \
-    }
+// The callbacks of the table T.
+#define MODULE_COUNTER_TABLE(T, counters)                                 \
+    static constexpr tarn::Table T##_table =                              \
+        tarn::CounterTableParts<counters>::table(#T, "append_index_" #T); \
+    MODULE_NEXTGEN_TABLE(T, T##_table)
 
 #endif

@@ -5,5 +5,5 @@ static constexpr tarn::CounterBlock blocks[] = {{2, 0, 6}};
 static constexpr tarn::CounterTable counters =
     tarn::counter_table<&tarn::CounterSections::crossconnect_counters_us>(GPON_DIRECTION_UPLINK, blocks);
 
-MODULE_COUNTER_TABLE(tarnONTCrossConnectUSTable, counters, get_cc_id_from_oid)
+MODULE_COUNTER_TABLE(tarnONTCrossConnectUSTable, counters)
 MODULE_COUNTERS_FUNCTION(get_ccus_counters, counters)

@@ -5,7 +5,7 @@ static constexpr tarn::CounterBlock blocks[] = {{9, 0, 6}};
 static constexpr tarn::CounterTable counters =
     tarn::counter_table<&tarn::CounterSections::fec_counters>(GPON_DIRECTION_NO_DIRECTION, blocks);
 
-MODULE_COUNTER_TABLE(tarnONTFecPerformMonitoringHistDataTable, counters, get_dummy_from_oid)
+MODULE_COUNTER_TABLE(tarnONTFecPerformMonitoringHistDataTable, counters)
 
 TARN_EXPORT std::uint32_t *get_fpmhd_counters(int slot, const std::uint8_t *ont_entry, int channel,
                                               int ont_id) {

@@ -5,5 +5,5 @@ static constexpr tarn::CounterBlock blocks[] = {{8, 0, 2}};
 static constexpr tarn::CounterTable counters =
     tarn::counter_table<&tarn::CounterSections::gal_ethernet_counters>(GPON_DIRECTION_NO_DIRECTION, blocks);
 
-MODULE_COUNTER_TABLE(tarnONTGalEthPerformMonitoringHistDataTable, counters, get_cc_id_from_oid)
+MODULE_COUNTER_TABLE(tarnONTGalEthPerformMonitoringHistDataTable, counters)
 MODULE_COUNTERS_FUNCTION(get_gepmhd_counters, counters)
