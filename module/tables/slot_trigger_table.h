@@ -6,8 +6,6 @@
 
 namespace tarn {
 
-inline constexpr IndexPart slot_trigger_index[] = {slot_part};
-
 template <int (*Act)(int slot)>
 int act_on_slot(const Row &row) {
     return Act(row.slot);
@@ -24,10 +22,10 @@ template <int (*Act)(int slot)>
 constexpr Table slot_trigger_table(const char *name, int refused) {
     return {
         .name = name,
-        .index = slot_trigger_index,
+        .index = slot_index,
         .columns = slot_trigger_columns<Act>,
         .rows = row_of_slot,
-        .answers = {.refused_column = refused},
+        .answers = usual.with(reserving, no_column, refused),
     };
 }
 

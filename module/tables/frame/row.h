@@ -42,6 +42,10 @@ constexpr IndexPart number_part(std::int64_t limit) {
 
 inline constexpr std::int64_t any_unsigned = std::int64_t{1} << 32;
 
+// Common indices.
+inline constexpr IndexPart slot_index[] = {slot_part};
+inline constexpr IndexPart ont_index[] = {slot_part, serial_part};
+
 // The parts between slot and end, apart from a serial, are numbers counted from 0.
 struct Row {
     static constexpr int max_numbers = 7;

@@ -29,19 +29,18 @@ bool find_row(bool (*find)(Row &row), Target &target) {
 }
 
 int answer_get(const Table &table, Target &target, Binding *binding) {
+    const auto lacks = [&table](Lack missing) { return table.answers.in(MODE_GET, missing); };
     if (target.column == nullptr && !table.answers.row_before_column) {
-        return table.answers.unknown_column;
+        return lacks(no_column);
     }
     if (!target.has_row_data) {
-        return table.answers.no_row_data;
+        return lacks(no_row_data);
     }
     if (!find_row(table.rows.find, target)) {
-        return table.answers.missing_row;
+        return lacks(no_row);
     }
-    if (target.column == nullptr) {
-        return table.answers.unknown_column;
-    }
-    return read_column(*target.column, target.row, binding, table.answers.missing_row);
+    return target.column != nullptr ? read_column(*target.column, target.row, binding, lacks(no_row))
+                                    : lacks(no_column);
 }
 
 bool writable(const Column *column) {
@@ -49,28 +48,26 @@ bool writable(const Column *column) {
 }
 
 // The row that a SET works on. A column that creates rows does with a valid index.
-int locate_for_set(const Table &table, Target &target) {
-    if (!table.writes.set_needs_row) {
+int locate_for_set(const Table &table, Target &target, int mode) {
+    const int missing = table.answers.in(mode, no_row);
+    if (!table.writes.set_needs_row || missing == accepted) {
         return SNMP_ERR_NOERROR;
     }
     const bool found = find_row(table.writes.find != nullptr ? table.writes.find : table.rows.find, target);
     const bool created = target.column != nullptr && target.column->creates && target.index_valid;
-    if (found || created) {
-        return SNMP_ERR_NOERROR;
-    }
-    return table.answers.set_missing_row != 0 ? table.answers.set_missing_row : table.answers.missing_row;
+    return found || created ? SNMP_ERR_NOERROR : missing;
 }
 
 int reserve(const Table &table, Target &target, const Binding *value) {
-    if (table.answers.row_before_column && table.answers.reserve_needs_row) {
-        if (const int error = locate_for_set(table, target); error != SNMP_ERR_NOERROR) {
+    if (table.answers.row_before_column) {
+        if (const int error = locate_for_set(table, target, MODE_SET_RESERVE1); error != SNMP_ERR_NOERROR) {
             return error;
         }
     }
     if (!writable(target.column)) {
-        return table.answers.refused_column;
+        return table.answers.in(MODE_SET_RESERVE1, no_column);
     }
-    const int error = table.answers.reserve_needs_row ? locate_for_set(table, target) : SNMP_ERR_NOERROR;
+    const int error = locate_for_set(table, target, MODE_SET_RESERVE1);
     return error != SNMP_ERR_NOERROR ? error : check_value(target.column->check, value);
 }
 
@@ -88,7 +85,7 @@ int edit(const Table &table, Target &target, const Binding &value) {
     }
     std::uint8_t *record = edited_record(table, target);
     if (record == nullptr) {
-        return table.answers.missing_row;
+        return table.answers.in(MODE_SET_ACTION, no_row);
     }
     store_value(*target.column, record, value);
     return SNMP_ERR_NOERROR;
@@ -113,9 +110,9 @@ void take_back_edits(Stamp *section) {
 
 int act(const Table &table, Target &target, const Binding &value) {
     if (!writable(target.column)) {
-        return table.answers.refused_in_action;
+        return table.answers.in(MODE_SET_ACTION, no_column);
     }
-    int error = locate_for_set(table, target);
+    int error = locate_for_set(table, target, MODE_SET_ACTION);
     if (error != SNMP_ERR_NOERROR) {
         return error;
     }
@@ -177,10 +174,9 @@ std::optional<int> answer_outright(const Answers &answers, int mode, const Targe
     if (mode != MODE_GET && answers.ignores_set) {
         return SNMP_ERR_NOERROR;
     }
-    const int without_row_data =
-        mode == MODE_SET_ACTION ? answers.act_without_row_data : answers.set_without_row_data;
-    return mode != MODE_GET && !target.has_row_data && without_row_data != 0 ? std::optional(without_row_data)
-                                                                             : std::nullopt;
+    const int error = answers.in(mode, no_row_data);
+    return mode != MODE_GET && !target.has_row_data && error != accepted ? std::optional(error)
+                                                                         : std::nullopt;
 }
 
 // The error of one mode; none for a mode that the frame does not know.
@@ -245,11 +241,12 @@ int handle_iterator(const Table &table, netsnmp_request_info *request, netsnmp_a
     if (error == SNMP_ERR_NOERROR) {
         return SNMP_ERR_NOERROR;
     }
-    if (row_data == nullptr && reqinfo->mode == MODE_GET && table.answers.no_row_data_is_result) {
+    const bool returned = table.answers.returns_errors;
+    if (row_data == nullptr && reqinfo->mode == MODE_GET && returned) {
         return error;
     }
     netsnmp_set_request_error(reqinfo, request, error);
-    return table.answers.failure_is_result && error == SNMP_ERR_GENERR ? error : SNMP_ERR_NOERROR;
+    return returned && error == SNMP_ERR_GENERR ? error : SNMP_ERR_NOERROR;
 }
 
 void append_index(const Table &table, table_entry *result, const oid *name, std::size_t length,

@@ -10,8 +10,6 @@ TARN_EXPORT_DATA std::uint32_t dummy = 0;
 
 namespace {
 
-constexpr IndexPart row_index[] = {slot_part};
-
 int reset_counters(const Row &row) {
     return reset_olt_counters(row.slot);
 }
@@ -23,7 +21,7 @@ constexpr Column columns[] = {
 
 constexpr Table table{
     .name = "tarnOLTResetCountersTable",
-    .index = row_index,
+    .index = slot_index,
     .columns = columns,
     .answers = trigger_answers,
 };
@@ -40,7 +38,7 @@ TARN_EXPORT netsnmp_variable_list *tarnOLTResetCountersTable_next_index(void **l
     }
     Row row;
     row.slot = slot_byte(slot);
-    fill_index_list(row_index, row, indexes);
+    fill_index_list(slot_index, row, indexes);
     *loop_context = &dummy;
     *data_context = &dummy;
     return indexes;

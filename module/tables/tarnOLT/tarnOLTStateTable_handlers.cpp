@@ -12,8 +12,6 @@ using namespace tarn;
 
 namespace {
 
-constexpr IndexPart row_index[] = {slot_part};
-
 // A word keeps its sign: from 32768 on it prints as a 32-bit number near the end of its range. The texts of
 // two values lie side by side in the record, word by word.
 template <char Conversion, int... Words>
@@ -67,10 +65,10 @@ constexpr Column columns[] = {
 
 constexpr Table table{
     .name = "tarnOLTStateTable",
-    .index = row_index,
+    .index = slot_index,
     .columns = columns,
     .rows = row_of_slot,
-    .answers = {.no_row_data = SNMP_NOSUCHOBJECT},
+    .answers = usual.with(reading, no_row_data, SNMP_NOSUCHOBJECT),
 };
 
 }  // namespace

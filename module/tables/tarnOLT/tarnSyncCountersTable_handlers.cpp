@@ -6,8 +6,6 @@ using namespace tarn;
 
 namespace {
 
-constexpr IndexPart row_index[] = {slot_part};
-
 constexpr Column columns[] = {
     {1, unsigned32, slot_plus(1)},
     {2, unsigned32, reads_zero},
@@ -16,7 +14,7 @@ constexpr Column columns[] = {
 
 constexpr Table table{
     .name = "tarnSyncCountersTable",
-    .index = row_index,
+    .index = slot_index,
     .columns = columns,
     .rows = row_of_slot,
     .answers = deaf_to_sets,

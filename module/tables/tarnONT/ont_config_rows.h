@@ -31,52 +31,46 @@ inline bool find_ont_config(Row &row) {
     return row.record != nullptr;
 }
 
-// A SET works on the staged copy, so every row that can be named will do.
-inline bool any_row(Row & /*row*/) {
-    return true;
-}
-
 inline bool has_serial(const std::uint8_t *ont) {
     return !is_zero_serial(ont + ont_config::serial.offset);
 }
 
-// Entry row.number[0] of an ONT, `Stride` bytes behind the ONT's entry 0, is the row's record.
-template <int Stride>
-bool find_ont_entry(Row &row) {
-    if (!find_ont_config(row)) {
-        return false;
-    }
-    row.record += row.number[0] * Stride;
+inline bool any_record(const std::uint8_t * /*record*/) {
     return true;
 }
 
-// The ONTs in use in store order, each with those of its `Entries` entries that are shown. `Shown` looks at
-// the record from the entry's place, so that the fields of entry 0 are the entry's.
-template <int Entries, int Stride, bool (*ShownOnt)(const std::uint8_t *ont),
-          bool (*ShownEntry)(const std::uint8_t *entry)>
-bool next_ont_entry(std::int64_t &cursor, Row &row) {
-    OntConfigSections *db = slot_sections<OntConfigSections>(row.slot);
-    if (db == nullptr || get_all_ont_config(row.slot) == nullptr) {
-        return false;
+// The slot's refreshed records; null without a database.
+inline OntConfigSections *ont_configs_of(const Row &row) {
+    return get_all_ont_config(row.slot) != nullptr ? slot_sections<OntConfigSections>(row.slot) : nullptr;
+}
+
+// The ONTs in use in store order, each with those of its `Entries` entries that are shown: number 0 of a row.
+// Entry 0 is where the record's fields say, the others follow `Stride` bytes apart; `Shown` looks at an entry
+// through the fields of entry 0.
+template <int Entries, int Stride, bool ConfiguredSlots = false,
+          bool (*ShownOnt)(const std::uint8_t *ont) = has_serial,
+          bool (*Shown)(const std::uint8_t *entry) = any_record>
+struct OntEntries {
+    static bool may_walk(const Row &row) { return !ConfiguredSlots || slot_isconfigured(row.slot) != 0; }
+    static OntConfigSections *read(const Row &row) { return ont_configs_of(row); }
+    static std::int64_t count(const OntConfigSections * /*db*/) {
+        return std::int64_t{ont_config::count} * Entries;
     }
-    while (cursor < std::int64_t{ont_config::count} * Entries) {
-        std::uint8_t *ont = ont_config_at(*db, static_cast<int>(cursor / Entries));
-        if (!ont_in_use(ont) || !ShownOnt(ont)) {
-            cursor = (cursor / Entries + 1) * Entries;
-            continue;
-        }
-        row.number[0] = cursor++ % Entries;
+    static bool enter(OntConfigSections *db, Row &row, std::int64_t position) {
+        std::uint8_t *ont = ont_config_at(*db, static_cast<int>(position / Entries));
+        row.serial = serial_at(ont + ont_config::serial.offset);
+        row.number[0] = position % Entries;
         row.record = ont + row.number[0] * Stride;
-        if (ShownEntry(row.record)) {
-            row.serial = serial_at(ont + ont_config::serial.offset);
-            return true;
-        }
+        return ont_in_use(ont) && ShownOnt(ont) && Shown(row.record);
     }
-    return false;
-}
-inline bool always(const std::uint8_t * /*record*/) {
-    return true;
-}
+    static bool find(Row &row) {
+        if (!find_ont_config(row)) {
+            return false;
+        }
+        row.record += row.number[0] * Stride;
+        return Shown(row.record);
+    }
+};
 
 // ---- SET ----
 
@@ -94,29 +88,23 @@ inline int commit_ont(Row &row) {
     return commit_ont_config(row.slot) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
 
-// A SET that stages the record of one ONT, edits the copy at `Record` and sends it once.
-template <RecordOf Record, int (*Commit)(Row &row) = commit_ont, bool (*Find)(Row &row) = any_row>
-inline constexpr Writes stages_one_ont{
-    .find = Find, .stage = stage_ont, .record = Record, .commit = Commit, .undo = invalidate_config_buffer};
-
-// A walk of slots that are configured only.
-template <bool (*Next)(std::int64_t &cursor, Row &row)>
-bool next_in_configured_slot(std::int64_t &cursor, Row &row) {
-    return slot_isconfigured(row.slot) != 0 && Next(cursor, row);
+// Any row that can be named will do: the SET works on a staged copy.
+inline bool any_row(Row & /*row*/) {
+    return true;
 }
-
-// The ONTs in use that have a serial, each with all of its entries.
-template <int Entries, int Stride>
-inline constexpr auto next_entry_of_ont = next_ont_entry<Entries, Stride, has_serial, always>;
+// Stages the record of one ONT and edits the copy at `Record`.
+template <RecordOf Record, int (*Commit)(Row &row) = commit_ont>
+inline constexpr Writes stages_one_ont =
+    stages_one<stage_ont, Record, Commit, invalidate_config_buffer>.found_by(any_row);
 
 // A table of entries in each ONT, `Stride` bytes apart.
-template <int Stride, bool (*Next)(std::int64_t &cursor, Row &row)>
+template <int Entries, int Stride, bool ConfiguredSlots = false>
 constexpr Table ont_entries_table(const char *name, Index index, std::span<const Column> columns) {
     return {
         .name = name,
         .index = index,
         .columns = columns,
-        .rows = {.find = find_ont_entry<Stride>, .next = Next},
+        .rows = rows_of<OntEntries<Entries, Stride, ConfiguredSlots>>,
         .writes = stages_one_ont<staged_entry<Stride>>,
     };
 }

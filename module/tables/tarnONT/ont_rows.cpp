@@ -27,18 +27,4 @@ bool find_ont(Row &row) {
     return row.record != nullptr;
 }
 
-bool next_ont(Row &row) {
-    OntSections *db = walked_onts(row.slot);
-    if (db == nullptr) {
-        return false;
-    }
-    const OntOrder rest = onts_after(*db, row.serial.data());
-    if (rest.empty()) {
-        return false;
-    }
-    row.record = db->ont_list[rest.front()].data();
-    row.serial = serial_at(row.record);
-    return true;
-}
-
 }  // namespace tarn

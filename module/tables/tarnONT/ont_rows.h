@@ -2,8 +2,12 @@
 #ifndef TARN_MODULE_TABLES_TARNONT_ONT_ROWS_H
 #define TARN_MODULE_TABLES_TARNONT_ONT_ROWS_H
 
+#include <iterator>
+
+#include "module/operations/ont_queries.h"
 #include "module/store/ont_sections.h"
 #include "module/tables/frame/table.h"
+#include "wire/records/ont.h"
 
 // Non-zero for a record of the ONT list that holds a working ONT.
 TARN_EXPORT int is_ont_state_valid_unsafe(const std::uint8_t *list_record);
@@ -15,8 +19,24 @@ OntSections *walked_onts(int slot);
 
 // The ONT with the row's serial, its list record in row.record. No ONT has the all-zero serial.
 bool find_ont(Row &row);
-// The first ONT in serial order after the row's serial.
-bool next_ont(Row &row);
+
+// The ONTs of a slot's list in the order of their serials.
+struct ListedOnts {
+    static bool may_walk(const Row &row) { return check_slot_link(row.slot) != 0; }
+    static OntSections *read(const Row &row) {
+        return get_all_ont_list(row.slot) != nullptr ? slot_sections<OntSections>(row.slot) : nullptr;
+    }
+    static std::int64_t count(const OntSections * /*db*/) { return max_onts; }
+    static bool find(Row &row) { return find_ont(row); }
+    static std::int64_t after(const OntSections *db, const Row &row) {
+        return max_onts - std::ssize(onts_after(*db, row.serial.data()));
+    }
+    static bool enter(OntSections *db, Row &row, std::int64_t position) {
+        row.record = db->ont_list[db->ont_list_by_serial[static_cast<std::size_t>(position)]].data();
+        row.serial = serial_at(row.record);
+        return true;
+    }
+};
 
 }  // namespace tarn
 

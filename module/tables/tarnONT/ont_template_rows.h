@@ -25,40 +25,16 @@ struct EditedTemplates {
 };
 inline Transaction<EditedTemplates> edited_templates;
 
-inline bool find_template_to_edit(Row &row) {
-    std::uint8_t *first = get_ont_templates();
-    if (first == nullptr) {
-        return false;
-    }
-    row.record = first + row.number[0] * static_cast<std::int64_t>(ont_template::size) +
-                 row.number[1] * template_stride;
-    return true;
-}
+template <int Entries>
+using Templates = RecordsInUse<get_ont_templates, ont_template::size, ont_template::count,
+                               ont_template::in_use, Entries, template_stride>;
 
 inline bool template_in_use(const Row &row) {
     return load_integer(row.record - row.number[1] * template_stride, ont_template::in_use) != 0;
 }
 
-inline bool find_template(Row &row) {
-    return find_template_to_edit(row) && template_in_use(row);
-}
-
-// The templates in use in the order of their indices, each `Entries` times.
-template <int Entries>
-bool next_template(std::int64_t &cursor, Row &row) {
-    for (; cursor < std::int64_t{ont_template::count} * Entries; cursor = (cursor / Entries + 1) * Entries) {
-        row.number[0] = cursor / Entries;
-        row.number[1] = cursor % Entries;
-        if (find_template(row)) {
-            ++cursor;
-            return true;
-        }
-    }
-    return false;
-}
-
 inline int stage_template(Row &row, const Column &column, const Binding & /*value*/) {
-    const int index = static_cast<int>(row.number[0]);
+    const int index = item_of_number(row);
     const bool edited =
         chassis_sections<TemplateSections>()->templates_to_commit.contains(index);  // as one that it destroys
     if (!column.creates && !template_in_use(row) && !edited &&
@@ -71,7 +47,7 @@ inline int stage_template(Row &row, const Column &column, const Binding & /*valu
 
 inline void foresee_template(const Row &row, const Column &column, const Binding &value) {
     if (column.creates && *value.val.integer == create_and_go) {
-        edited_templates.state.created.add(static_cast<int>(row.number[0]));
+        edited_templates.state.created.add(item_of_number(row));
     }
 }
 
@@ -96,14 +72,14 @@ constexpr Table template_table(const char *name, std::span<const Column> columns
         .name = name,
         .index = Entries == 1 ? Index{template_index} : Index{template_service_index},
         .columns = columns,
-        .rows = {.find = find_template, .next = next_template<Entries>},
-        .writes = {.find = find_template_to_edit,
+        .rows = rows_of<Templates<Entries>>,
+        .writes = {.find = find_place_in<Templates<Entries>>,
                    .transaction = transaction_of<edited_templates>,
                    .foresee = foresee_template,
                    .stage = stage_template,
                    .section = templates_stamp,
                    .commit = commit_templates},
-        .answers = {.row_before_column = true, .refused_in_action = refused, .reserve_needs_row = false},
+        .answers = row_first.with(reserving, no_row, accepted).with(acting, no_column, refused),
     };
 }
 

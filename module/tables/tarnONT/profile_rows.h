@@ -19,39 +19,9 @@ template <auto Get, auto Add, auto Delete, std::size_t Size, auto StampOf, auto 
 struct ProfileKind {
     static constexpr int count = std::tuple_size_v<decltype(Edited.state.flags)>;
 
-    static int index_of(const Row &row) { return static_cast<int>(row.number[0]); }
+    template <int Entries, int Stride>
+    using Rows = RecordsInUse<Get, Size, count, profile_head::in_use, Entries, Stride>;
 
-    // The profile if it is in use.
-    static bool find(Row &row) { return find_entry<0>(row); }
-    // Its entry, `Stride` bytes behind entry 0, is the row's record.
-    template <int Stride>
-    static bool find_entry(Row &row) {
-        std::uint8_t *first = Get();
-        if (first == nullptr || row.number[0] >= count) {
-            return false;
-        }
-        std::uint8_t *profile = first + row.number[0] * static_cast<std::int64_t>(Size);
-        row.record = profile + row.number[1] * Stride;
-        return load_integer(profile, profile_head::in_use) != 0;
-    }
-    // The profiles in use in the order of their indices, each `Entries` times.
-    template <int Entries>
-    static bool next_entry(std::int64_t &cursor, Row &row) {
-        for (; cursor < std::int64_t{count} * Entries; cursor = (cursor / Entries + 1) * Entries) {
-            row.number[0] = cursor / Entries;
-            row.number[1] = 0;
-            if (find(row)) {
-                row.number[1] = cursor++ % Entries;
-                return true;
-            }
-        }
-        return false;
-    }
-
-    static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-        Edited.state.add(index_of(row));
-        return SNMP_ERR_NOERROR;
-    }
     static Stamp *edited_stamp(const Row & /*row*/) {
         ProfileSections *db = chassis_sections<ProfileSections>();
         return db != nullptr ? &(db->*StampOf) : nullptr;
@@ -59,10 +29,10 @@ struct ProfileKind {
     // 6 deletes, anything else creates; both at once. A deleted profile is not sent again.
     static int set_row_status(Row &row, const Binding &value) {
         if (*value.val.integer == destroy) {
-            if (Delete(index_of(row)) != 0) {
+            if (Delete(item_of_number(row)) != 0) {
                 return SNMP_ERR_GENERR;
             }
-            Edited.state.remove(index_of(row));
+            Edited.state.remove(item_of_number(row));
             return SNMP_ERR_NOERROR;
         }
         const bool absent = row.record != nullptr && load_integer(row.record, profile_head::in_use) == 0;
@@ -70,7 +40,7 @@ struct ProfileKind {
             return SNMP_ERR_NOCREATION;
         }
         edited_stamp(row)->held = true;  // it is edited, whether or not the card then takes it
-        return Add(index_of(row)) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_NOCREATION;
+        return Add(item_of_number(row)) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_NOCREATION;
     }
     static constexpr Column row_status(int number) {
         return {number, integer, constant(1), any_integer, set_row_status, true};
@@ -84,11 +54,8 @@ struct ProfileKind {
             .name = name,
             .index = index,
             .columns = columns,
-            .rows = {.find = find_entry<Stride>, .next = next_entry<Entries>},
-            .writes = {.transaction = transaction_of<Edited>,
-                       .stage = stage,
-                       .section = edited_stamp,
-                       .commit = Commit},
+            .rows = rows_of<Rows<Entries, Stride>>,
+            .writes = edits_section<Edited, edited_stamp, Commit>,
             .answers = row_when_acting,
         };
     }
@@ -112,8 +79,7 @@ int commit_set(Row & /*row*/) {
 // The commit of the row's own profile, once.
 template <auto &Edited, int (*Set)(int)>
 int commit_row(Row &row) {
-    return Edited.state.commit_one(static_cast<int>(row.number[0]), Set) == 0 ? SNMP_ERR_NOERROR
-                                                                              : SNMP_ERR_COMMITFAILED;
+    return Edited.state.commit_one(item_of_number(row), Set) == 0 ? SNMP_ERR_NOERROR : SNMP_ERR_COMMITFAILED;
 }
 
 // The kinds that several tables edit.

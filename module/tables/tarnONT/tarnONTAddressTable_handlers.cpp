@@ -12,10 +12,6 @@ namespace {
 
 constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(any_unsigned)};
 
-std::int64_t &entry_of(Row &row) {
-    return row.number[0];
-}
-
 constexpr Column columns[] = {
     {1, unsigned32, slot_plus(1)},
     {2, octet_string, field(ont_address::serial)},
@@ -33,22 +29,8 @@ constexpr Column columns[] = {
     {14, integer, field(ont_address::value_2)},
 };
 
-bool find_entry(Row &row) {
-    std::uint8_t *entries = get_global_ont_address_table(row.slot);
-    if (entries == nullptr) {
-        return false;
-    }
-    const std::uint8_t *entry =
-        address_by_serial(*slot_sections<AddressSections>(row.slot), static_cast<std::size_t>(entry_of(row)));
-    if (entry == nullptr || compare_serials(entry + ont_address::serial.offset, row.serial.data()) != 0) {
-        return false;
-    }
-    row.record = entries + (entry - entries);
-    return true;
-}
-
 // The first position whose entry lies after (serial, entry number).
-std::size_t first_behind(const AddressSections &db, const Serial &serial, std::int64_t entry_number) {
+std::size_t first_after(const AddressSections &db, const Serial &serial, std::int64_t entry_number) {
     std::size_t low = 0;
     std::size_t high = sorted_address_entries(db);
     while (low < high) {
@@ -64,28 +46,38 @@ std::size_t first_behind(const AddressSections &db, const Serial &serial, std::i
     return low;
 }
 
-bool next_entry(Row &row) {
-    if (check_slot_link(row.slot) == 0 || get_global_ont_address_table(row.slot) == nullptr) {
-        return false;
+struct AddressesBySerial {
+    static bool may_walk(const Row &row) { return check_slot_link(row.slot) != 0; }
+    static AddressSections *read(const Row &row) {
+        return get_global_ont_address_table(row.slot) != nullptr ? slot_sections<AddressSections>(row.slot)
+                                                                 : nullptr;
     }
-    const AddressSections &db = *slot_sections<AddressSections>(row.slot);
-    const std::size_t next = first_behind(db, row.serial, entry_of(row));
-    const std::uint8_t *entry = address_by_serial(db, next);
-    if (entry == nullptr) {
-        return false;
+    static std::int64_t count(const AddressSections *db) {
+        return static_cast<std::int64_t>(sorted_address_entries(*db));
     }
-    row.serial = serial_at(entry + ont_address::serial.offset);
-    entry_of(row) = static_cast<std::int64_t>(next);
-    return find_entry(row);
-}
+    static std::int64_t position(const AddressSections *db, const Row &row) {
+        const std::uint8_t *entry = address_by_serial(*db, static_cast<std::size_t>(row.number[0]));
+        const bool of_ont =
+            entry != nullptr && compare_serials(entry + ont_address::serial.offset, row.serial.data()) == 0;
+        return of_ont ? row.number[0] : -1;
+    }
+    static std::int64_t after(const AddressSections *db, const Row &row) {
+        return static_cast<std::int64_t>(first_after(*db, row.serial, row.number[0]));
+    }
+    static bool enter(AddressSections *db, Row &row, std::int64_t position) {
+        const std::uint8_t *entry = address_by_serial(*db, static_cast<std::size_t>(position));
+        row.serial = serial_at(entry + ont_address::serial.offset);
+        row.number[0] = position;
+        row.record = db->addresses.bytes + (entry - db->addresses.bytes);
+        return true;
+    }
+};
 
 constexpr Table table{
     .name = "tarnONTAddressTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_entry,
-             .successor = next_entry,
-             .index_builder = "append_index_tarnONTAddressTable"},
+    .rows = sorted_rows_of<AddressesBySerial>("append_index_tarnONTAddressTable"),
     .answers = row_first,
 };
 

@@ -7,7 +7,7 @@ using namespace tarn;
 
 namespace {
 
-// The records go on behind the eighth channel, so places of a ninth can be taken.
+// The records go on after the eighth channel, so places of a ninth can be taken.
 constexpr int channels =
     (ont_config::count + ont_config::onts_per_channel - 1) / ont_config::onts_per_channel;
 constexpr IndexPart row_index[] = {slot_part, number_part(channels),
@@ -19,40 +19,29 @@ constexpr Column columns[] = {
     {4, octet_string, field(ont_config::serial)},
 };
 
-bool take(Row &row, std::int64_t index) {
-    OntConfigSections *db = slot_sections<OntConfigSections>(row.slot);
-    if (db == nullptr || get_all_ont_config(row.slot) == nullptr || index >= ont_config::count) {
-        return false;
+struct TakenPlaces {
+    static OntConfigSections *read(const Row &row) { return ont_configs_of(row); }
+    static std::int64_t count(const OntConfigSections * /*db*/) { return ont_config::count; }
+    static std::int64_t position(const OntConfigSections * /*db*/, const Row &row) {
+        return row.number[channel] * ont_config::onts_per_channel + row.number[ont_id];
     }
-    row.record = ont_config_at(*db, static_cast<int>(index));
-    return ont_in_use(row.record);
-}
-
-bool find_place(Row &row) {
-    return take(row, row.number[channel] * ont_config::onts_per_channel + row.number[ont_id]);
-}
-
-bool next_place(Row &row) {
-    const std::int64_t first_channel = std::max<std::int64_t>(row.number[channel], 0);
-    for (std::int64_t index = first_channel * ont_config::onts_per_channel + row.number[ont_id] + 1;
-         index < ont_config::count; ++index) {
-        if (take(row, index)) {
-            row.number[channel] = index / ont_config::onts_per_channel;
-            row.number[ont_id] = index % ont_config::onts_per_channel;
-            return true;
-        }
+    static std::int64_t after(const OntConfigSections * /*db*/, const Row &row) {
+        const std::int64_t from_channel = std::max<std::int64_t>(row.number[channel], 0);
+        return from_channel * ont_config::onts_per_channel + row.number[ont_id] + 1;
     }
-    return false;
-}
+    static bool enter(OntConfigSections *db, Row &row, std::int64_t position) {
+        row.number = {position / ont_config::onts_per_channel, position % ont_config::onts_per_channel};
+        row.record = ont_config_at(*db, static_cast<int>(position));
+        return ont_in_use(row.record);
+    }
+};
 
 constexpr Table table{
     .name = "tarnONTConfigFreenessTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_place,
-             .successor = next_place,
-             .index_builder = "tarnONTConfigFreenessTable_get_next_entry"},
-    .answers = {.unknown_column = accepted, .ignores_set = true},
+    .rows = sorted_rows_of<TakenPlaces>("tarnONTConfigFreenessTable_get_next_entry"),
+    .answers = deaf_to_sets.with(reading, no_column, accepted),
 };
 
 }  // namespace

@@ -7,8 +7,6 @@ using namespace tarn::ont_config;
 
 namespace {
 
-constexpr IndexPart row_index[] = {slot_part, serial_part};
-
 // Where the record is stored stands in the numbers that the index leaves free.
 constexpr std::size_t channel = 0;
 constexpr std::size_t ont_id = 1;
@@ -104,28 +102,24 @@ constexpr Column columns[] = {
     {43, unsigned32, profile(profile_1826), any_unsigned32},
 };
 
-bool find_with_place(Row &row) {
-    int index = 0;
-    row.record = get_all_ont_config_by_serial(row.slot, row.serial.data(), &index);
-    row.number[channel] = index / onts_per_channel;
-    row.number[ont_id] = index % onts_per_channel;
-    return row.record != nullptr;
-}
-
-bool next_ont(Row &row) {
-    OntConfigSections *db = slot_sections<OntConfigSections>(row.slot);
-    if (db == nullptr || get_all_ont_config(row.slot) == nullptr) {
-        return false;
+struct OntsBySerial {
+    static OntConfigSections *read(const Row &row) { return ont_configs_of(row); }
+    static std::int64_t count(const OntConfigSections * /*db*/) { return ont_config::count; }
+    static std::int64_t after(const OntConfigSections *db, const Row &row) {
+        return first_ont_above(*db, row.serial.data());
     }
-    for (int position = first_ont_above(*db, row.serial.data()); position < count; ++position) {
+    static bool enter(OntConfigSections *db, Row &row, std::int64_t position) {
         row.record = ont_config_at(*db, db->ont_configs_by_serial[static_cast<std::size_t>(position)]);
-        if (ont_in_use(row.record)) {
-            row.serial = serial_at(row.record + serial.offset);
-            return true;
-        }
+        row.serial = serial_at(row.record + serial.offset);
+        return ont_in_use(row.record);
     }
-    return false;
-}
+    static bool find(Row &row) {
+        int index = 0;
+        row.record = get_all_ont_config_by_serial(row.slot, row.serial.data(), &index);
+        row.number = {index / onts_per_channel, index % onts_per_channel};
+        return row.record != nullptr;
+    }
+};
 
 int stage(Row &row, const Column &column, const Binding &value) {
     const long status = column.number == row_status ? *value.val.integer : 0;
@@ -150,17 +144,10 @@ int commit(Row &row) {
 
 constexpr Table table{
     .name = "tarnONTConfigTable",
-    .index = row_index,
+    .index = ont_index,
     .columns = columns,
-    .rows = {.find = find_with_place,
-             .successor = next_ont,
-             .index_builder = "tarnONTConfigTable_get_next_entry"},
-    .writes = {.find = any_row,
-               .transaction = transaction_of<placing>,
-               .stage = stage,
-               .record = staged_entry<0>,
-               .commit = commit,
-               .undo = invalidate_config_buffer},
+    .rows = sorted_rows_of<OntsBySerial>("tarnONTConfigTable_get_next_entry"),
+    .writes = stages_one_ont<staged_entry<0>, commit>.staged_by(stage).remembering(transaction_of<placing>),
     .answers = row_first,
 };
 

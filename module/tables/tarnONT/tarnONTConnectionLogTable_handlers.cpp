@@ -9,8 +9,6 @@ using namespace tarn;
 
 namespace {
 
-constexpr IndexPart row_index[] = {slot_part, serial_part};
-
 int answer_log(Row &row, const Reply &reply) {
     return reply.text(ont_connection_log(row.slot, row.serial.data()));
 }
@@ -40,7 +38,7 @@ bool next_configured_ont(std::int64_t &cursor, Row &row) {
 
 constexpr Table table{
     .name = "tarnONTConnectionLogTable",
-    .index = row_index,
+    .index = ont_index,
     .columns = columns,
     .rows = {.next = next_configured_ont},
     .answers = deaf_to_sets,

@@ -19,8 +19,7 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table =
-    ont_entries_table<crossconnect_size, next_entry_of_ont<crossconnects, crossconnect_size>>(
-        "tarnONTCustomCrossConnectTable", row_index, columns);
+    ont_entries_table<crossconnects, crossconnect_size>("tarnONTCustomCrossConnectTable", row_index, columns);
 
 }  // namespace
 

@@ -13,10 +13,8 @@ constexpr Column columns[] = {
     {5, unsigned32, profile(service_profile_1788), any_unsigned32},
 };
 
-constexpr Table table =
-    ont_entries_table<service_profile_size,
-                      next_in_configured_slot<next_entry_of_ont<services, service_profile_size>>>(
-        "tarnONTFullServicesConfigTable", row_index, columns);
+constexpr Table table = ont_entries_table<services, service_profile_size, true>(
+    "tarnONTFullServicesConfigTable", row_index, columns);
 
 }  // namespace
 

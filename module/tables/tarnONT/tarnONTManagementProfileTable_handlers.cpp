@@ -25,7 +25,7 @@ constexpr Column columns[] = {
 
 // Unlike the other kinds, the profile is sent for each of its columns.
 int commit(Row &row) {
-    const int index = Profiles::index_of(row);
+    const int index = item_of_number(row);
     return !edited.state.contains(index) || set_management_profile(index) == 0 ? SNMP_ERR_NOERROR
                                                                                : SNMP_ERR_COMMITFAILED;
 }

@@ -9,8 +9,6 @@ using namespace tarn;
 
 namespace {
 
-constexpr IndexPart row_index[] = {slot_part, serial_part};
-
 int reset_counters(const Row &row) {
     return reset_ont_counters(row.slot, row.serial.data());
 }
@@ -38,7 +36,7 @@ bool next_listed_ont(std::int64_t &cursor, Row &row) {
 
 constexpr Table table{
     .name = "tarnONTResetCountersTable",
-    .index = row_index,
+    .index = ont_index,
     .columns = columns,
     .rows = {.next = next_listed_ont},
     .answers = trigger_answers,

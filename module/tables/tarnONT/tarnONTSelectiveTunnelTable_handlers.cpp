@@ -107,7 +107,8 @@ constexpr Table table{
              .successor = next_place,
              .index_builder = "tarnONTSelectiveTunnelTable_get_next_entry"},
     .writes = stages_one_ont<staged_place, commit>,
-    .answers = {.refused_column = SNMP_NOSUCHOBJECT, .set_missing_row = SNMP_ERR_INCONSISTENTNAME},
+    .answers =
+        usual.with(reserving, no_column, SNMP_NOSUCHOBJECT).with(setting, no_row, SNMP_ERR_INCONSISTENTNAME),
 };
 
 }  // namespace

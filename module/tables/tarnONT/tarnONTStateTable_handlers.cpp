@@ -14,8 +14,6 @@ using namespace tarn;
 
 namespace {
 
-constexpr IndexPart row_index[] = {slot_part, serial_part};
-
 std::uint8_t *state(Row &row) {
     return get_ont_state_check_state(row.slot, row.record);
 }
@@ -118,9 +116,9 @@ constexpr Column columns[] = {
 
 constexpr Table table{
     .name = "tarnONTStateTable",
-    .index = row_index,
+    .index = ont_index,
     .columns = columns,
-    .rows = {.find = find_ont, .successor = next_ont, .index_builder = "append_index_state"},
+    .rows = sorted_rows_of<ListedOnts>("append_index_state"),
     .answers = row_first,
 };
 

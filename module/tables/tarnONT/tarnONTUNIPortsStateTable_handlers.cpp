@@ -10,14 +10,10 @@ namespace {
 
 constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(ont_uni_ports::ports)};
 
-std::int64_t &port_of(Row &row) {
-    return row.number[0];
-}
-
 // The ports' record, moved so that the fields of port 0 are those of the row's port.
 std::uint8_t *port_block(Row &row) {
     std::uint8_t *record = get_ont_uni_ports_state(row.slot, row.serial.data());
-    return record != nullptr ? record + port_of(row) * ont_uni_ports::block_size : nullptr;
+    return record != nullptr ? record + row.number[0] * ont_uni_ports::block_size : nullptr;
 }
 
 int is_present(Row &row, const Reply &reply) {
@@ -25,7 +21,7 @@ int is_present(Row &row, const Reply &reply) {
     if (record == nullptr) {
         return SNMP_NOSUCHINSTANCE;
     }
-    const bool present = load_integer(record, ont_uni_ports::port_count) > port_of(row);
+    const bool present = load_integer(record, ont_uni_ports::port_count) > row.number[0];
     return reply.number(present ? 1 : 2);
 }
 
@@ -45,51 +41,37 @@ constexpr Column columns[] = {
     {13, unsigned32, field_of(port_block, ont_uni_ports::value_12)},
 };
 
-bool find_port(Row &row) {
-    return find_ont(row) && is_ont_state_valid_unsafe(row.record) != 0;
+bool is_working(const Row &ont) {
+    return is_ont_state_valid_unsafe(ont.record) != 0;
 }
 
-// The first working ONT of a part of the order by serial, as its position in that part; its size: none.
-std::size_t first_working(const OntSections &db, OntOrder order) {
-    std::size_t i = 0;
-    while (i < order.size() && is_ont_state_valid_unsafe(db.ont_list[order[i]].data()) == 0) {
-        ++i;
-    }
-    return i;
-}
+// The ports of the working ONTs of the list.
+struct WorkingPorts {
+    static constexpr std::int64_t ports = ont_uni_ports::ports;
 
-bool is_working(const OntSections &db, const std::uint8_t *serial) {
-    const int position = find_ont_position(db, serial);
-    return position >= 0 &&
-           is_ont_state_valid_unsafe(db.ont_list[static_cast<std::size_t>(position)].data()) != 0;
-}
-
-bool next_port(Row &row) {
-    OntSections *db = walked_onts(row.slot);
-    if (db == nullptr) {
-        return false;
+    static bool may_walk(const Row &row) { return ListedOnts::may_walk(row); }
+    static OntSections *read(const Row &row) { return ListedOnts::read(row); }
+    static std::int64_t count(const OntSections *db) { return ListedOnts::count(db) * ports; }
+    static bool find(Row &row) { return find_ont(row) && is_working(row); }
+    static std::int64_t after(const OntSections *db, const Row &row) {
+        const OntOrder rest = onts_from(*db, row.serial.data());
+        const bool listed =
+            !rest.empty() && compare_serials(db->ont_list[rest.front()].data(), row.serial.data()) == 0;
+        return (max_onts - std::ssize(rest)) * ports + (listed ? row.number[0] + 1 : 0);
     }
-    if (port_of(row) + 1 < ont_uni_ports::ports && is_working(*db, row.serial.data())) {
-        ++port_of(row);
-        return find_port(row);
+    static bool enter(OntSections *db, Row &row, std::int64_t position) {
+        ListedOnts::enter(db, row, position / ports);
+        row.number[0] = position % ports;
+        return is_working(row);
     }
-    const OntOrder rest = onts_after(*db, row.serial.data());
-    const std::size_t next = first_working(*db, rest);
-    if (next == rest.size()) {
-        return false;
-    }
-    row.record = db->ont_list[rest[next]].data();
-    row.serial = serial_at(row.record);
-    port_of(row) = 0;
-    return true;
-}
+};
 
 constexpr Table table{
     .name = "tarnONTUNIPortsStateTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_port, .successor = next_port, .index_builder = "append_index_oupt"},
-    .answers = {.row_before_column = true, .ignores_set = true},
+    .rows = sorted_rows_of<WorkingPorts>("append_index_oupt"),
+    .answers = row_first.with(&Answers::ignores_set),
 };
 
 }  // namespace

@@ -19,9 +19,7 @@ bool enabled(const std::uint8_t *port) {
     return load_integer(port, uni_enabled) != 0;
 }
 
-bool find_port(Row &row) {
-    return find_ont_entry<uni_port_size>(row) && enabled(row.record);
-}
+using Ports = OntEntries<uni_ports, uni_port_size, true, any_record, enabled>;
 
 bool may_be_set(Row &row) {
     return slot_isconfigured(row.slot) != 0 && !is_zero_serial(row.serial.data());
@@ -31,9 +29,8 @@ constexpr Table table{
     .name = "tarnOntConfigUniPortTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_port,
-             .next = next_in_configured_slot<next_ont_entry<uni_ports, uni_port_size, always, enabled>>},
-    .writes = stages_one_ont<staged_entry<uni_port_size>, commit_ont, may_be_set>,
+    .rows = rows_of<Ports>,
+    .writes = stages_one_ont<staged_entry<uni_port_size>>.found_by(may_be_set),
     .answers = row_first,
 };
 

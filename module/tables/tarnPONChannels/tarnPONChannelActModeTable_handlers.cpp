@@ -34,7 +34,7 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = numbers_up_to<channels_per_slot>,
-    .answers = {.set_without_row_data = SNMP_NOSUCHINSTANCE},
+    .answers = usual.with(setting, no_row_data, SNMP_NOSUCHINSTANCE),
 };
 
 }  // namespace

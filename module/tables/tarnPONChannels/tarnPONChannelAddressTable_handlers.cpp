@@ -25,34 +25,31 @@ constexpr Column columns[] = {
     {16, integer, field(ont_address::value_2)},
 };
 
-bool find_entry(Row &row) {
-    std::uint8_t *entries = get_global_ont_address_table(row.slot);
-    const std::int64_t number = row.number[entry];
-    if (entries == nullptr || number < 0 ||
-        number >= static_cast<std::int64_t>(address_entries(*slot_sections<AddressSections>(row.slot)))) {
-        return false;
+struct Addresses {
+    static AddressSections *read(const Row &row) {
+        return get_global_ont_address_table(row.slot) != nullptr ? slot_sections<AddressSections>(row.slot)
+                                                                 : nullptr;
     }
-    row.record = entries + number * static_cast<std::int64_t>(ont_address::size);
-    return true;
-}
-
-bool next_entry(Row &row) {
-    ++row.number[entry];
-    if (!find_entry(row)) {
-        return false;
+    static std::int64_t count(const AddressSections *db) {
+        return static_cast<std::int64_t>(address_entries(*db));
     }
-    row.number[channel] = load_integer(row.record, ont_address::channel);
-    return true;
-}
+    static std::int64_t position(const AddressSections * /*db*/, const Row &row) { return row.number[entry]; }
+    static std::int64_t after(const AddressSections * /*db*/, const Row &row) {
+        return row.number[entry] + 1;
+    }
+    static bool enter(AddressSections *db, Row &row, std::int64_t position) {
+        row.record = db->addresses.at(static_cast<std::size_t>(position));
+        row.number = {load_integer(row.record, ont_address::channel), position};
+        return true;
+    }
+};
 
 constexpr Table table{
     .name = "tarnPONChannelAddressTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_entry,
-             .successor = next_entry,
-             .index_builder = "tarnPONChannelAddressTable_append_index"},
-    .answers = {.missing_row = SNMP_NOSUCHOBJECT, .ignores_set = true},
+    .rows = sorted_rows_of<Addresses>("tarnPONChannelAddressTable_append_index"),
+    .answers = no_row_no_object.with(&Answers::ignores_set),
 };
 
 }  // namespace

@@ -91,7 +91,7 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = {.next = next_channel},
-    .answers = {.no_row_data = SNMP_NOSUCHOBJECT, .no_row_data_is_result = true, .failure_is_result = true},
+    .answers = usual.with(reading, no_row_data, SNMP_NOSUCHOBJECT).with(&Answers::returns_errors),
 };
 
 }  // namespace

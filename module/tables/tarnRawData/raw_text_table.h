@@ -51,7 +51,7 @@ struct RawTextTable {
             .index = row_index,
             .columns = columns,
             .rows = {.find = find_chunk, .successor = next_chunk, .index_builder = index_builder},
-            .answers = {.row_before_column = true, .reserve_needs_row = false},
+            .answers = row_first.with(reserving, no_row, accepted),
         };
     }
 };

@@ -8,7 +8,6 @@
 #include "module/store/switch_sections.h"
 #include "module/switch/switch_operations.h"
 #include "module/tables/frame/table.h"
-#include "module/tables/tarnSwitch/single_row.h"
 
 namespace tarn {
 

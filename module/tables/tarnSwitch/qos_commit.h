@@ -16,44 +16,26 @@ inline std::uint8_t *qos_section(Row &row) {
     return get_switch_qos_cfg(row.slot);
 }
 
-inline bool find_qos_section(Row &row) {
-    row.record = qos_section(row);
-    return row.record != nullptr;
+inline Stamp *qos_stamp(const Row &row) {
+    SwitchSections *db = slot_sections<SwitchSections>(row.slot);
+    return db != nullptr ? &db->switch_qos.stamp : nullptr;
 }
 
-// `Tag` is any type of the table's own.
-template <class Tag>
-struct QosCommit {
-    static inline Transaction<CommitSet<chassis_slot::line_cards>> edited;
+// The slots that a SET edits. They stay edited, so that each variable of a SET sends them.
+using EditedSlots = Transaction<CommitSet<chassis_slot::line_cards>>;
 
-    static int stage(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-        edited.state.add(row.slot);
-        return SNMP_ERR_NOERROR;
-    }
-
-    static std::uint8_t *found_record(Row &row) { return row.record; }
-
-    static Stamp *edited_stamp(const Row &row) {
-        SwitchSections *db = slot_sections<SwitchSections>(row.slot);
-        return db != nullptr ? &db->switch_qos.stamp : nullptr;
-    }
-
-    static int commit(Row & /*row*/) {
-        for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
-            if (edited.state.contains(slot) && set_switch_qos_cfg(slot) != 0) {
-                return SNMP_ERR_COMMITFAILED;
-            }
+template <EditedSlots &Edited>
+int commit_qos(Row & /*row*/) {
+    for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
+        if (Edited.state.contains(slot) && set_switch_qos_cfg(slot) != 0) {
+            return SNMP_ERR_COMMITFAILED;
         }
-        return SNMP_ERR_NOERROR;
     }
+    return SNMP_ERR_NOERROR;
+}
 
-    static constexpr Writes writes{.find = find_qos_section,
-                                   .transaction = transaction_of<edited>,
-                                   .stage = stage,
-                                   .record = found_record,
-                                   .section = edited_stamp,
-                                   .commit = commit};
-};
+template <EditedSlots &Edited>
+inline constexpr Writes edits_qos = edits_section<Edited, qos_stamp, commit_qos<Edited>, item_of_slot>;
 
 }  // namespace tarn
 

@@ -13,18 +13,14 @@ namespace tarn {
 // the queue that was written last.
 template <Field (*Mask)(int queue), auto Convert, Field LastQueue>
 struct QosMapping {
-    using Commit = QosCommit<QosMapping>;
+    static inline EditedSlots edited;
     static constexpr std::uint16_t octets = Mask(0).size;
 
     static int queue_of(const Row &row) { return static_cast<int>(row.number[0]); }
 
     static int answer(Row &row, const Reply &reply) {
-        const std::uint8_t *section = qos_section(row);
-        if (section == nullptr) {
-            return SNMP_NOSUCHINSTANCE;
-        }
         std::uint8_t list[8];
-        store_le64(list, convert(load_integer(section, Mask(queue_of(row)))));
+        store_le64(list, convert(load_integer(row.record, Mask(queue_of(row)))));
         return reply.octets(list, octets);
     }
 
@@ -42,22 +38,26 @@ struct QosMapping {
         {3, octet_string, answered_by(answer), octets_of(octets), set},
     };
 
-    static bool next(std::int64_t &cursor, Row &row) {
-        if (cursor >= switch_qos::queues) {
-            return false;
+    struct Queues {
+        static std::uint8_t *read(Row &row) { return qos_section(row); }
+        static std::int64_t count(const std::uint8_t * /*section*/) { return switch_qos::queues; }
+        static std::int64_t position(const std::uint8_t * /*section*/, const Row &row) {
+            return row.number[0];
         }
-        row.number[0] = cursor++;
-        row.record = qos_section(row);
-        return row.record != nullptr;
-    }
+        static bool enter(std::uint8_t *section, Row &row, std::int64_t position) {
+            row.number[0] = position;
+            row.record = section;
+            return true;
+        }
+    };
 
     static constexpr Table table(const char *name) {
         return {
             .name = name,
             .index = row_index,
             .columns = columns,
-            .rows = {.next = next},
-            .writes = Commit::writes,
+            .rows = rows_of<Queues>,
+            .writes = edits_qos<edited>,
             .answers = row_when_acting,
         };
     }

@@ -1,6 +1,5 @@
 // General settings of how a card's switch queues traffic.
 #include "module/tables/tarnSwitch/qos_commit.h"
-#include "module/tables/tarnSwitch/single_row.h"
 #include "wire/records/switch.h"
 
 using namespace tarn;
@@ -18,23 +17,21 @@ int check_value_0(const Binding *value) {
 }
 
 constexpr Column columns[] = {
-    {2, unsigned32, field_of(qos_section, switch_qos::value_0), checked_by(check_value_0)},
-    {3, integer, field_of(qos_section, switch_qos::value_64), integer_in(0, 3)},
-    {4, integer, truth_of(qos_section, switch_qos::flag_65), integer_in(1, 2)},
+    {2, unsigned32, field(switch_qos::value_0), checked_by(check_value_0)},
+    {3, integer, field(switch_qos::value_64), integer_in(0, 3)},
+    {4, integer, truth(switch_qos::flag_65), integer_in(1, 2)},
 };
 
-struct ConfigTable;
-using Commit = QosCommit<ConfigTable>;
+EditedSlots edited;
 
 constexpr Table table{
     .name = "tarnQOSConfigTable",
     .index = slot_index,
     .columns = columns,
-    .rows = record_of_slot<qos_section>,
-    .writes = Commit::writes,
-    .answers = {.set_without_row_data = SNMP_NOSUCHOBJECT,
-                .act_without_row_data = SNMP_NOSUCHINSTANCE,
-                .reserve_needs_row = false},
+    .rows = found_record_of_slot<qos_section>,
+    .writes = edits_qos<edited>,
+    .answers = row_when_acting.with(reserving, no_row_data, SNMP_NOSUCHOBJECT)
+                   .with(acting, no_row_data, SNMP_NOSUCHINSTANCE),
 };
 
 }  // namespace

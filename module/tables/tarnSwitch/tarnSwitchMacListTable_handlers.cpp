@@ -105,7 +105,7 @@ constexpr Table table{
              .successor = next_entry,
              .asked = trace_lookup,
              .index_builder = "tarnSwitchMacListTable_append_index"},
-    .answers = {.missing_row = SNMP_NOSUCHOBJECT, .reserve_needs_row = false},
+    .answers = no_row_no_object.with(reserving, no_row, accepted),
 };
 
 }  // namespace

@@ -39,7 +39,7 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_vlan, .next = next_vlan},
-    .answers = {.missing_row = SNMP_NOSUCHOBJECT},
+    .answers = no_row_no_object,
 };
 
 }  // namespace

@@ -28,7 +28,7 @@ constexpr Table table{
     .index = switch_port_index,
     .columns = columns,
     .rows = numbers_up_to<switch_ports>,
-    .answers = {.refused_column = accepted, .refused_in_action = accepted},
+    .answers = usual.with(setting, no_column, accepted),
 };
 
 }  // namespace

@@ -178,11 +178,7 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_vlan, .successor = next_vlan, .index_builder = "append_vlan_index"},
-    .writes = {.set_needs_row = false,
-               .transaction = transaction_of<edited>,
-               .stage = stage,
-               .commit = commit_pending,
-               .undo = drop_unsent_vlans},
+    .writes = collects_request<edited, stage, commit_pending>.undone_by(drop_unsent_vlans).for_any_index(),
     .answers = row_first,
 };
 

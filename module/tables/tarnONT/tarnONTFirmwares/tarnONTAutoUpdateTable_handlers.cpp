@@ -167,44 +167,34 @@ constexpr Column columns[] = {
     {10, integer, constant(1), any_integer, set_row_status, true},
 };
 
-bool place_row(Row &row, AutoUpdateEntry &entry) {
-    row.text = {entry.description, strnlen(entry.description, sizeof entry.description)};
-    row.record = reinterpret_cast<std::uint8_t *>(&entry);
-    return true;
+std::string_view name_of(const AutoUpdateEntry &rule) {
+    return {rule.description, strnlen(rule.description, sizeof rule.description)};
 }
 
-bool find_rule(Row &row) {
-    const AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
-    for (std::size_t i = 0; db != nullptr && i < db->auto_update_count; ++i) {
-        AutoUpdateEntry &entry = *db->auto_update_entries[i];
-        if (row.text == std::string_view(entry.description)) {
-            return place_row(row, entry);
-        }
+struct Rules {
+    static void begin() { get_ont_auto_update_entries(); }
+    static AutoUpdateSections *read(const Row & /*row*/) { return chassis_sections<AutoUpdateSections>(); }
+    static std::int64_t count(const AutoUpdateSections *db) { return db->auto_update_count; }
+    static std::int64_t position(const AutoUpdateSections *db, const Row &row) {
+        const auto *first = db->auto_update_entries.data();
+        return std::find_if(first, first + db->auto_update_count,
+                            [&row](const AutoUpdateEntry *rule) { return name_of(*rule) == row.text; }) -
+               first;
     }
-    return false;
-}
-
-bool next_rule(std::int64_t &cursor, Row &row) {
-    if (cursor == 0) {
-        get_ont_auto_update_entries();
+    static bool enter(AutoUpdateSections *db, Row &row, std::int64_t position) {
+        AutoUpdateEntry &rule = *db->auto_update_entries[static_cast<std::size_t>(position)];
+        row.text = name_of(rule);
+        row.record = reinterpret_cast<std::uint8_t *>(&rule);
+        return true;
     }
-    const AutoUpdateSections *db = chassis_sections<AutoUpdateSections>();
-    if (db == nullptr || cursor >= db->auto_update_count) {
-        return false;
-    }
-    return place_row(row, *db->auto_update_entries[static_cast<std::size_t>(cursor++)]);
-}
+};
 
 constexpr Table table{
     .name = "tarnONTAutoUpdateTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_rule, .next = next_rule},
-    .writes = {.transaction = transaction_of<edit>,
-               .foresee = foresee,
-               .stage = note_description,
-               .record = edited_entry,
-               .commit = commit},
+    .rows = rows_of<Rules>,
+    .writes = collects_request<edit, note_description, commit, edited_entry>.foreseen_by(foresee),
 };
 
 }  // namespace

@@ -139,36 +139,33 @@ constexpr Column columns[] = {
     {10, integer, constant(1), any_integer, note_row_status, true},
 };
 
-bool find_task(Row &row) {
-    const UpdateSections *db = slot_sections<UpdateSections>(row.slot);
-    for (std::size_t i = 0; db != nullptr && i < db->update_task_count; ++i) {
-        std::uint8_t *task = db->update_tasks.at(i);
-        if (load_integer(task, update_task::id) == row.number[0]) {
-            row.record = task;
-            return true;
+struct Tasks {
+    static bool may_walk(const Row &row) { return get_update_ont_scheduler(row.slot) != 0; }  // fetches them
+    static UpdateSections *read(const Row &row) { return slot_sections<UpdateSections>(row.slot); }
+    static std::int64_t count(const UpdateSections *db) { return db->update_task_count; }
+    static std::int64_t position(const UpdateSections *db, const Row &row) {
+        std::int64_t place = 0;
+        while (place < count(db) && load_integer(db->update_tasks.at(static_cast<std::size_t>(place)),
+                                                 update_task::id) != row.number[0]) {
+            ++place;
         }
+        return place;
     }
-    return false;
-}
-
-bool next_task(std::int64_t &cursor, Row &row) {
-    if (cursor >= get_update_ont_scheduler(row.slot)) {
-        return false;
+    static bool enter(UpdateSections *db, Row &row, std::int64_t position) {
+        row.record = db->update_tasks.at(static_cast<std::size_t>(position));
+        row.number[0] = load_integer(row.record, update_task::id);
+        return true;
     }
-    row.record = slot_sections<UpdateSections>(row.slot)->update_tasks.at(static_cast<std::size_t>(cursor++));
-    row.number[0] = load_integer(row.record, update_task::id);
-    return true;
-}
+};
 
 constexpr Table table{
     .name = "tarnONTFWUpdateSchedulerTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_task, .next = next_task},
-    .writes = {.transaction = transaction_of<request>, .stage = note_slot, .commit = commit},
-    .answers = {.missing_row = SNMP_NOSUCHOBJECT,
-                .no_row_data = SNMP_NOSUCHOBJECT,
-                .refused_in_action = accepted},
+    .rows = rows_of<Tasks>,
+    .writes = collects_request<request, note_slot, commit>,
+    .answers =
+        no_row_no_object.with(reading, no_row_data, SNMP_NOSUCHOBJECT).with(acting, no_column, accepted),
 };
 
 }  // namespace

@@ -40,28 +40,23 @@ constexpr Column columns[] = {
     {10, unsigned32, reads_zero, any_unsigned32, remove_image},
 };
 
-bool find_image(Row &row) {
-    AcsFirmwareCache *cache = get_acs_firmware_cache();
-    if (cache == nullptr || row.number[0] >= cache->files_count) {
-        return false;
+struct Images {
+    static void begin() { get_files_list(); }
+    static AcsFirmwareCache *read(const Row & /*row*/) { return get_acs_firmware_cache(); }
+    static std::int64_t count(const AcsFirmwareCache *cache) { return cache->files_count; }
+    static std::int64_t position(const AcsFirmwareCache * /*cache*/, const Row &row) { return row.number[0]; }
+    static bool enter(AcsFirmwareCache *cache, Row &row, std::int64_t position) {
+        row.number[0] = position;
+        row.record = reinterpret_cast<std::uint8_t *>(&cache->files[position]);
+        return true;
     }
-    row.record = reinterpret_cast<std::uint8_t *>(&cache->files[row.number[0]]);
-    return true;
-}
-
-bool next_image(std::int64_t &cursor, Row &row) {
-    if (cursor == 0) {
-        get_files_list();
-    }
-    row.number[0] = cursor++;
-    return find_image(row);
-}
+};
 
 constexpr Table table{
     .name = "tarnONTFirmwaresFilesTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_image, .next = next_image},
+    .rows = rows_of<Images>,
     .answers = row_when_acting,
 };
 

@@ -87,33 +87,22 @@ TARN_EXPORT int commit_files(void) {
 
 namespace {
 
-bool place_row(Row &row, AcsFirmwareCache &cache, int image) {
-    if (cache.specifics[image].has_spec != 1) {
-        return false;
+struct ParameterFiles {
+    static void begin() { get_files_list(); }
+    static AcsFirmwareCache *read(const Row & /*row*/) { return get_acs_firmware_cache(); }
+    static std::int64_t count(const AcsFirmwareCache *cache) { return cache->files_count; }
+    static std::int64_t position(const AcsFirmwareCache *cache, const Row &row) {
+        return image_of_name(*cache, row.text, cache->files_count);
     }
-    row.text = cache.files[image].file_name;
-    row.record = reinterpret_cast<std::uint8_t *>(&cache.specifics[image]);
-    return true;
-}
-
-bool find_row(Row &row) {
-    AcsFirmwareCache *cache = get_acs_firmware_cache();
-    const int image = cache != nullptr ? image_of_name(*cache, row.text, cache->files_count) : -1;
-    return image >= 0 && place_row(row, *cache, image);
-}
-
-bool next_row(std::int64_t &cursor, Row &row) {
-    if (cursor == 0) {
-        get_files_list();
-    }
-    AcsFirmwareCache *cache = get_acs_firmware_cache();
-    while (cache != nullptr && cursor < cache->files_count) {
-        if (place_row(row, *cache, static_cast<int>(cursor++))) {
-            return true;
+    static bool enter(AcsFirmwareCache *cache, Row &row, std::int64_t position) {
+        if (cache->specifics[position].has_spec != 1) {
+            return false;
         }
+        row.text = cache->files[position].file_name;
+        row.record = reinterpret_cast<std::uint8_t *>(&cache->specifics[position]);
+        return true;
     }
-    return false;
-}
+};
 
 int answer_name(Row &row, const Reply &reply) {
     return reply.text(row.text);
@@ -181,11 +170,8 @@ constexpr Table table{
     .name = "tarnONTFirmwaresSpecificsTable",
     .index = row_index,
     .columns = columns,
-    .rows = {.find = find_row, .next = next_row},
-    .writes = {.transaction = transaction_of<edited>,
-               .stage = remember_image,
-               .commit = commit,
-               .undo = take_back},
+    .rows = rows_of<ParameterFiles>,
+    .writes = collects_request<edited, remember_image, commit>.undone_by(take_back),
     .answers = row_when_acting,
 };
 

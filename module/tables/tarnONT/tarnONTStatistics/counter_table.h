@@ -82,7 +82,7 @@ struct CounterTableParts {
                      .successor = next,
                      .index_builder = index_builder,
                      .prefix = counter_table_prefix},
-            .answers = {.unknown_column = SNMP_NOSUCHINSTANCE},
+            .answers = usual.with(reading, no_column, SNMP_NOSUCHINSTANCE),
         };
     }
 };
