@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
+#include <thread>
 
 #include "ctl/chassis_options.h"
 #include "ctl/client.h"
@@ -52,6 +53,7 @@ struct Options {
     int entry = 0;
     int first = 0;
     int second = 0;
+    std::optional<int> watch;  // seconds between two answers
 };
 
 // Whether to go on with a command that destroys something. Without a terminal nobody can say yes.
@@ -75,6 +77,18 @@ int finish(const Options &options, const Json &answer) {
         std::cout << answer.dump() << '\n';
     } else {
         (status == exit_done ? std::cout : std::cerr) << describe(answer);
+    }
+    return status;
+}
+
+// Until the agent ends.
+int show_figures(const Options &options) {
+    int status = finish(options, ask(options.agent, {{"do", "stats"}}));
+    while (options.watch && status == exit_done) {
+        std::cout << std::flush;
+        std::this_thread::sleep_for(std::chrono::seconds(*options.watch));
+        std::cout << (options.json ? "" : "\n");
+        status = finish(options, ask(options.agent, {{"do", "stats"}}));
     }
     return status;
 }
@@ -178,10 +192,13 @@ void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
     app.add_subcommand("slots", "list the slots of the agent")->callback([&options, &run] {
         run = [&options] { return finish(options, ask(options.agent, {{"do", "slots"}})); };
     });
-    app.add_subcommand("stats", "what the agent counted of its cards and of managers' requests")
-        ->callback([&options, &run] {
-            run = [&options] { return finish(options, ask(options.agent, {{"do", "stats"}})); };
-        });
+    CLI::App *stats =
+        app.add_subcommand("stats", "what the agent counted of its cards and of managers' requests");
+    stats->add_option("--watch", options.watch, "again every so many seconds, 2 unless given")
+        ->expected(0, 1)
+        ->default_str("2")
+        ->check(CLI::Range(1, 86400));
+    stats->callback([&options, &run] { run = [&options] { return show_figures(options); }; });
     add_firmware_commands(app, options, run);
     add_alarm_commands(app, options, run);
     CLI::App *chassis = app.add_subcommand("chassis", "see and change a simulated chassis");

@@ -92,7 +92,7 @@ bool is_table(const Json &value) {
            std::ranges::all_of(value, [](const Json &row) { return row.is_object(); });
 }
 
-// Any answer: its bytes, its lists as tables, and everything else a line each.
+// Any answer: its bytes, its lists as tables, its objects indented, and everything else a line each.
 std::string describe_plainly(const Json &answer) {
     std::string text;
     for (const auto &[key, value] : answer.items()) {
@@ -100,6 +100,11 @@ std::string describe_plainly(const Json &answer) {
             text += dump(value);
         } else if (is_table(value)) {
             text += table(value);
+        } else if (value.is_object()) {
+            text += key + ":\n";
+            for (const auto &[name, part] : value.items()) {
+                text += "  " + name + ": " + cell(name, part) + '\n';
+            }
         } else if (value.is_array() && value.empty()) {
             text += "no " + key + '\n';
         } else {

@@ -38,12 +38,10 @@ void get_igmp_stats(Exchange &exchange, std::uint8_t /*selector*/) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_global_ont_address_table, destination::services, 47, "get_global_ont_address_table",
-     with_selector<get_addresses>, u16_at(33)},
-    {command::get_pppoe_sessions, destination::services, 33, "get_pppoe_sessions",
-     with_selector<get_sessions>, u16_at(32)},
-    {command::get_igmp_stats, destination::services, 33, "get_igmp_stats", with_selector<get_igmp_stats>,
-     u16_at(32)},
+    {command::get_global_ont_address_table, destination::services, 47, with_selector<get_addresses>,
+     u16_at(33)},
+    {command::get_pppoe_sessions, destination::services, 33, with_selector<get_sessions>, u16_at(32)},
+    {command::get_igmp_stats, destination::services, 33, with_selector<get_igmp_stats>, u16_at(32)},
 };
 
 }  // namespace

@@ -50,20 +50,15 @@ Refusal set_activation_auth(Exchange &exchange) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_olt_channel_state, destination::services, 33, "get_olt_channel_state",
+    {command::get_olt_channel_state, destination::services, 33,
      with_selector<get_channels<full_channel_state>>},
-    {command::get_olt_channels_state_lite, destination::services, 33, "get_olt_channels_state_lite",
+    {command::get_olt_channels_state_lite, destination::services, 33,
      with_selector<get_channels<short_channel_state>>},
-    {command::reconfigure_olt_channel, destination::services, 33, "reconfigure_olt_channel",
-     with_channel<reconfigure>},
-    {command::get_olt_channel_config, destination::services, 33, "get_olt_channel_config",
-     with_channel<get_config>},
-    {command::set_olt_channel_config, destination::services, 130, "set_olt_channel_config",
-     with_channel<set_config>},
-    {command::get_activation_auth_mode, destination::services, 33, "get_activation_auth_mode",
-     with_channel<get_activation_auth>},
-    {command::set_activation_auth_mode, destination::services, 35, "set_activation_auth_mode",
-     set_activation_auth},
+    {command::reconfigure_olt_channel, destination::services, 33, with_channel<reconfigure>},
+    {command::get_olt_channel_config, destination::services, 33, with_channel<get_config>},
+    {command::set_olt_channel_config, destination::services, 130, with_channel<set_config>},
+    {command::get_activation_auth_mode, destination::services, 33, with_channel<get_activation_auth>},
+    {command::set_activation_auth_mode, destination::services, 35, set_activation_auth},
 };
 
 }  // namespace

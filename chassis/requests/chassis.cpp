@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chassis/state/ont_life.h"
+#include "wire/command_names.h"
 
 namespace tarn::chassis {
 namespace {
@@ -24,11 +25,7 @@ RequestEntry make_entry(int slot, std::span<const std::uint8_t> request, Moment 
     entry.slot = slot;
     entry.command = static_cast<std::uint16_t>(load_integer(header, board_header::command));
     entry.destination = static_cast<std::uint8_t>(load_integer(header, board_header::destination));
-    const RequestRule *rule = find_rule(entry.command, entry.destination);
-    if (rule == nullptr) {
-        rule = find_rule(entry.command, std::nullopt);
-    }
-    entry.name = entry.command == command::link ? "link" : rule == nullptr ? "unknown" : rule->name;
+    entry.name = command_name(entry.command, entry.destination);
     entry.length = static_cast<std::uint32_t>(request.size());
     entry.payload.assign(request.begin() + board_header::size, request.end());
     return entry;

@@ -77,8 +77,8 @@ Refusal get(Exchange &exchange) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_counters, destination::services, 50, "get_counters", get, u8_at(32)},
-    {command::reset_counters, destination::services, 50, "reset_counters", reset},
+    {command::get_counters, destination::services, 50, get, u8_at(32)},
+    {command::reset_counters, destination::services, 50, reset},
 };
 
 }  // namespace

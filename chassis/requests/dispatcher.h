@@ -50,7 +50,6 @@ struct RequestRule {
     std::uint16_t command;
     std::uint8_t destination;  // as on the wire: what a caller writes as 9 arrives as 5
     std::uint32_t length;      // of the whole request, exactly
-    std::string_view name;
     Refusal (*handle)(Exchange &exchange);
     std::optional<CountPlace> answer_count = {};
     SlotRange slots = line_cards;

@@ -114,12 +114,12 @@ Refusal read_rules(Exchange &exchange) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::update_olt_firmware, destination::services, 32, "update_olt_firmware", update_card},
-    {command::update_ont_firmware, destination::services, 438, "update_ont_firmware", update_one_ont},
-    {command::add_update_scheduler, destination::services, 175, "add_update_scheduler", add_task},
-    {command::delete_update_scheduler, destination::services, 47, "delete_update_scheduler", delete_task},
-    {command::get_update_scheduler, destination::services, 34, "get_update_scheduler", get_tasks, u32_at(34)},
-    {command::parse_auto_update_entries, destination::services, 32, "parse_auto_update_entries", read_rules},
+    {command::update_olt_firmware, destination::services, 32, update_card},
+    {command::update_ont_firmware, destination::services, 438, update_one_ont},
+    {command::add_update_scheduler, destination::services, 175, add_task},
+    {command::delete_update_scheduler, destination::services, 47, delete_task},
+    {command::get_update_scheduler, destination::services, 34, get_tasks, u32_at(34)},
+    {command::parse_auto_update_entries, destination::services, 32, read_rules},
 };
 
 }  // namespace

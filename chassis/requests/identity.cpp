@@ -47,11 +47,10 @@ void get_utilization(Exchange &exchange, Ont &ont) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_version_information, destination::services, 32, "get_version_information", get_versions},
-    {command::get_hardware_information, destination::services, 32, "get_hardware_information", get_hardware},
-    {command::get_ont_downstream_ber, destination::services, 45, "get_ont_downstream_ber", with_ont<get_ber>},
-    {command::get_ont_services_utilization, destination::services, 45, "get_ont_services_utilization",
-     with_ont<get_utilization>},
+    {command::get_version_information, destination::services, 32, get_versions},
+    {command::get_hardware_information, destination::services, 32, get_hardware},
+    {command::get_ont_downstream_ber, destination::services, 45, with_ont<get_ber>},
+    {command::get_ont_services_utilization, destination::services, 45, with_ont<get_utilization>},
 };
 
 }  // namespace

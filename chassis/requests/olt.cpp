@@ -19,8 +19,8 @@ Refusal reconfigure(Exchange &exchange) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_olt_state, destination::services, 32, "get_olt_state", get_state},
-    {command::reconfigure_olt, destination::services, 33, "reconfigure_olt", reconfigure},
+    {command::get_olt_state, destination::services, 32, get_state},
+    {command::reconfigure_olt, destination::services, 33, reconfigure},
 };
 
 }  // namespace

@@ -86,17 +86,15 @@ Refusal enable(Exchange &exchange) {
 }
 
 constexpr RequestRule rules[] = {
-    {command::get_ont_list, destination::services, 33, "get_ont_list", with_selector<get_list>, u32_at(33)},
-    {command::get_ont_state, destination::services, 45, "get_ont_state", with_ont<get_record<state_record>>},
-    {command::get_ont_i2c, destination::services, 45, "get_ont_i2c", with_ont<get_record<i2c_record>>},
-    {command::get_ont_uni_ports_state, destination::services, 45, "get_ont_uni_ports_state",
-     with_ont<get_record<uni_ports_record>>},
-    {command::get_ont_connections, destination::services, 45, "get_ont_connections", get_connections,
-     u8_at(45)},
-    {command::reconfigure_ont, destination::services, 45, "reconfigure_ont", with_ont<reconfigure>},
-    {command::reboot_ont, destination::services, 45, "reboot_ont", with_ont<reboot>},
-    {command::ont_default_via_omci, destination::services, 45, "ont_default_via_omci", with_ont<to_defaults>},
-    {command::enable_ont, destination::services, 47, "enable_ont", enable},
+    {command::get_ont_list, destination::services, 33, with_selector<get_list>, u32_at(33)},
+    {command::get_ont_state, destination::services, 45, with_ont<get_record<state_record>>},
+    {command::get_ont_i2c, destination::services, 45, with_ont<get_record<i2c_record>>},
+    {command::get_ont_uni_ports_state, destination::services, 45, with_ont<get_record<uni_ports_record>>},
+    {command::get_ont_connections, destination::services, 45, get_connections, u8_at(45)},
+    {command::reconfigure_ont, destination::services, 45, with_ont<reconfigure>},
+    {command::reboot_ont, destination::services, 45, with_ont<reboot>},
+    {command::ont_default_via_omci, destination::services, 45, with_ont<to_defaults>},
+    {command::enable_ont, destination::services, 47, enable},
 };
 
 }  // namespace

@@ -47,18 +47,17 @@ Refusal delete_profile(Exchange &exchange) {
 constexpr SlotRange profiles_only{chassis_slot::profiles, chassis_slot::profiles};
 constexpr std::uint32_t index_length = payload + 2;
 
-constexpr RequestRule rule(std::uint16_t command, std::uint32_t length, std::string_view name,
-                           Refusal (*handle)(Exchange &)) {
-    return {command, destination::configuration, length, name, handle, {}, profiles_only};
+constexpr RequestRule rule(std::uint16_t command, std::uint32_t length, Refusal (*handle)(Exchange &)) {
+    return {command, destination::configuration, length, handle, {}, profiles_only};
 }
 
-#define PROFILE_RULES(K, kind)                                                                          \
-    rule(command::get_##K##_profiles, 32, "get_" #K "_profiles", get_profiles<kind>),                   \
-        rule(command::add_##K##_profile, index_length + profile_kinds[kind].size, "add_" #K "_profile", \
-             store_profile<kind, false>),                                                               \
-        rule(command::set_##K##_profile, index_length + profile_kinds[kind].size, "set_" #K "_profile", \
-             store_profile<kind, true>),                                                                \
-        rule(command::delete_##K##_profile, index_length, "delete_" #K "_profile", delete_profile<kind>)
+#define PROFILE_RULES(K, kind)                                                    \
+    rule(command::get_##K##_profiles, 32, get_profiles<kind>),                    \
+        rule(command::add_##K##_profile, index_length + profile_kinds[kind].size, \
+             store_profile<kind, false>),                                         \
+        rule(command::set_##K##_profile, index_length + profile_kinds[kind].size, \
+             store_profile<kind, true>),                                          \
+        rule(command::delete_##K##_profile, index_length, delete_profile<kind>)
 
 constexpr RequestRule rules[] = {PROFILE_RULES(management, 0), PROFILE_RULES(crossconnect, 1),
                                  PROFILE_RULES(shaping, 2), PROFILE_RULES(alloc, 3), PROFILE_RULES(ports, 4)};

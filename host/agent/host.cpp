@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/agent/figures.h"
 #include "host/services/agent_thread.h"
 #include "host/services/cache_clock.h"
 #include "host/services/logger.h"
@@ -92,10 +93,16 @@ bool Host::open_control(const HostConfig &config, std::string &error) {
         expire_cached_data();
         requests_.forget_answers();
     });
-    commands_->observe(ipc_, [this] { return requests_.figures(); });
+    commands_->observe(ipc_, [this] { return gather_figures(requests_, tables_); });
     control_ = ControlSocket::open(
         config.control, [this](const std::string &line) { return commands_->answer(line); }, error,
-        [this](std::function<void()> work) { requests_.change({}, std::move(work)); });
+        [this](const std::string &lines, std::function<void()> work) {
+            if (ControlCommands::is_question(lines)) {
+                work();
+            } else {
+                requests_.change({}, std::move(work));
+            }
+        });
     return control_ != nullptr;
 }
 

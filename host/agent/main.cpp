@@ -12,6 +12,7 @@
 
 #include "host/agent/configuration.h"
 #include "host/agent/directives.h"
+#include "host/agent/event_loop.h"
 #include "host/agent/host.h"
 #include "host/agent/identity.h"
 #include "host/agent/privileges.h"
@@ -119,7 +120,7 @@ bool serve(Configuration &configuration) {
             reading_asked = 0;
             configuration.read_again();
         }
-        (void)agent_check_and_process(1);
+        take_turn();
     }
     notify_service_manager("STOPPING=1");
     log_add(log_level::information, "stopping\n");

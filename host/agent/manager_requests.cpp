@@ -125,11 +125,11 @@ void ManagerRequests::run_changes() {
     }
 }
 
-std::map<std::string, std::uint64_t> ManagerRequests::figures() const {
-    return {{"passes", figures_.passes},           {"parked_now", parked_.size()},
-            {"parked_in_all", figures_.parked},    {"parked_at_most", figures_.most_at_a_time},
-            {"changes_waiting", changes_.size()},  {"repeated", figures_.repeated},
-            {"turned_away", figures_.turned_away}, {"longest_turn_us", figures_.longest_turn_us}};
+RequestFigures ManagerRequests::figures() const {
+    RequestFigures figures = figures_;
+    figures.parked_now = parked_.size();
+    figures.changes_waiting = changes_.size();
+    return figures;
 }
 
 void ManagerRequests::stop() {
@@ -234,15 +234,15 @@ void ManagerRequests::park(Request request) {
         request.identity = source_of(request.pdu.get()) + identity_of(request.pdu.get());
     }
     parked_.push_back(std::move(request));
-    ++figures_.parked;
-    figures_.most_at_a_time = std::max(figures_.most_at_a_time, parked_.size());
+    ++figures_.parked_in_all;
+    figures_.parked_at_most = std::max<std::uint64_t>(figures_.parked_at_most, parked_.size());
 }
 
 bool ManagerRequests::serve_ready() {
     const auto begin = Clock::now();
     const bool more = serve_for_a_turn(begin + turn);
     const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin).count();
-    figures_.longest_turn_us = std::max(figures_.longest_turn_us, static_cast<std::uint64_t>(taken));
+    figures_.longest_serving_us = std::max(figures_.longest_serving_us, static_cast<std::uint64_t>(taken));
     return more;
 }
 

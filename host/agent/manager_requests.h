@@ -8,13 +8,13 @@
 #include <deque>
 #include <functional>
 #include <list>
-#include <map>
 #include <memory>
 #include <span>
 #include <string>
 
 #include "host/board/pass.h"
 #include "host/board/writer.h"
+#include "host/control/figures.h"
 #include "tarn/module_api.h"
 
 namespace tarn::host {
@@ -28,15 +28,6 @@ class ManagerRequests {
   public:
     // More parked requests than this are not taken: their managers repeat them.
     static constexpr std::size_t most_parked = 256;
-
-    struct Figures {
-        std::uint64_t passes = 0;  // in all, also those that were complete
-        std::uint64_t parked = 0;
-        std::uint64_t repeated = 0;  // requests that came again while they were parked
-        std::uint64_t turned_away = 0;
-        std::size_t most_at_a_time = 0;
-        std::uint64_t longest_turn_us = 0;
-    };
 
     // `slot_of`: the slot that an OID is about; 16 for what is about no line card.
     ManagerRequests(IpcClient &client, std::function<int(std::span<const oid>)> slot_of);
@@ -55,8 +46,7 @@ class ManagerRequests {
     // Serves what waited and need not wait any more, for a few milliseconds at most; true when some is left.
     bool serve_ready();
 
-    // By name.
-    [[nodiscard]] std::map<std::string, std::uint64_t> figures() const;
+    [[nodiscard]] RequestFigures figures() const;
 
   private:
     struct Request {
@@ -89,7 +79,7 @@ class ManagerRequests {
     std::list<Request> parked_;
     std::deque<Change> changes_;                 // the first one is the one that is going on
     netsnmp_agent_session *left_set_ = nullptr;  // net-snmp's, of the SET that waits for a card
-    Figures figures_;
+    RequestFigures figures_;
 };
 
 // Who takes what sessions receive; null: net-snmp itself.

@@ -62,6 +62,12 @@ ExchangePtr BoardConnection::release() {
     return std::exchange(exchange_, nullptr);
 }
 
+ExchangePtr BoardConnection::give_up(Deadline until) {
+    phase_ = Phase::late;
+    deadline_ = until;
+    return release();
+}
+
 bool BoardConnection::is_usable() const {
     std::uint8_t byte = 0;
     return recv(descriptor_, &byte, sizeof byte, MSG_PEEK) < 0 && would_block();
@@ -168,6 +174,9 @@ BoardConnection::Event BoardConnection::take_frame() {
         exchange_->answer = std::move(frame);
         phase_ = Phase::idle;
         return Event::answered;
+    }
+    if (phase_ == Phase::late) {
+        return Event::answered_late;
     }
     if (load_integer(frame.data(), board_header::status) != board_status::success) {
         return Event::no_card;

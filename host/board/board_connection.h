@@ -28,9 +28,11 @@ using ExchangePtr = std::shared_ptr<Exchange>;
 
 class BoardConnection {
   public:
-    enum class Phase { opening, idle, busy };
-    // What serve() came to: nothing yet, the link frame was accepted, the request was answered; or the end.
-    enum class Event { none, opened, answered, no_card, failed };
+    // late: whoever sent the request waits no more, and the connection ends with its answer.
+    enum class Phase { opening, idle, busy, late };
+    // What serve() came to: nothing yet, the link frame was accepted, the request was answered, in time or
+    // too late; or the end.
+    enum class Event { none, opened, answered, answered_late, no_card, failed };
 
     // Starts to connect and to send the slot's link frame. Look at is_open() afterwards.
     BoardConnection(const ChassisAddress &address, int slot, Deadline deadline);
@@ -59,6 +61,8 @@ class BoardConnection {
     Event serve();
     // The exchange that was on its way; the connection has none any more.
     ExchangePtr release();
+    // The same; the answer is counted when it comes until then.
+    ExchangePtr give_up(Deadline until);
     void close();
 
   private:

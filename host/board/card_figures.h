@@ -3,6 +3,7 @@
 #define TARN_HOST_BOARD_CARD_FIGURES_H
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -24,8 +25,14 @@ struct CommandFigures {
 
 struct CardFigures {
     std::map<std::uint16_t, CommandFigures> commands;
+    std::uint64_t late = 0;   // answers that came after their request's time-out, and went to nobody
     std::uint64_t holds = 0;  // how often the card was left alone
     std::uint64_t probes = 0;
+    // Of the agent's own probes, too; no last_answer_at: it has never answered.
+    std::chrono::steady_clock::time_point last_answer_at{};
+    std::chrono::microseconds last_answer_time{0};
+    std::chrono::microseconds longest_answer_time{0};
+    std::chrono::microseconds total_answer_time{0};
 };
 
 }  // namespace tarn::host

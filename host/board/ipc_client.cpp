@@ -69,7 +69,16 @@ int milliseconds_until(Deadline deadline) {
     return static_cast<int>(std::clamp<std::int64_t>(left, 0, 3'600'000));
 }
 
-void count(CommandFigures &figures, const Exchange &exchange, int result, std::chrono::milliseconds taken) {
+bool is_late(const std::unique_ptr<BoardConnection> &connection) {
+    return connection->phase() == BoardConnection::Phase::late;
+}
+
+// Whether no request can go out or is on its way.
+bool all_late(const std::vector<std::unique_ptr<BoardConnection>> &connections) {
+    return std::ranges::all_of(connections, is_late);
+}
+
+void count(CommandFigures &figures, const Exchange &exchange, int result, std::chrono::microseconds taken) {
     if (result == ipc_result::timed_out) {
         ++figures.timed_out;
     } else if (result == ipc_result::connection_lost || result == ipc_result::protocol_error) {
@@ -81,7 +90,9 @@ void count(CommandFigures &figures, const Exchange &exchange, int result, std::c
                ? figures.answered
                : figures.refused);
         const auto &limits = CommandFigures::limits_ms;
-        const auto place = std::lower_bound(limits.begin(), limits.end(), taken.count());
+        const auto place =
+            std::lower_bound(limits.begin(), limits.end(),
+                             std::chrono::duration_cast<std::chrono::milliseconds>(taken).count());
         ++figures.times[static_cast<std::size_t>(place - limits.begin())];
     }
 }
@@ -138,7 +149,7 @@ CardState IpcClient::state(int number) const {
     const bool waits = std::ranges::any_of(slot.connections, [&](const auto &connection) {
         return connection->exchange() != nullptr && connection->exchange()->started < long_ago;
     });
-    return slot.last_answer > quick || waits ? CardState::slow : CardState::ok;
+    return slot.figures.last_answer_time > quick || waits ? CardState::slow : CardState::ok;
 }
 
 ExchangePtr IpcClient::start(std::span<const std::uint8_t> request, int timeout_ms) {
@@ -191,7 +202,8 @@ void IpcClient::dispatch(int number) {
             }));
         const std::size_t room = most_connections + (slot.queue.front()->probe ? 4 : 0);
         // The first connection finds out whether there is a card at all.
-        if (opening >= (slot.link ? slot.queue.size() : 1) || slot.connections.size() >= room ||
+        const auto late = static_cast<std::size_t>(std::ranges::count_if(slot.connections, is_late));
+        if (opening >= (slot.link ? slot.queue.size() : 1) || slot.connections.size() - late >= room ||
             open(number) == nullptr) {
             return;
         }
@@ -206,7 +218,7 @@ BoardConnection *IpcClient::open(int number) {
     event.data.ptr = connection.get();
     if (!connection->is_open() || epoll_ctl(events_, EPOLL_CTL_ADD, connection->descriptor(), &event) != 0) {
         // What is queued can wait for another connection where there is one.
-        if (slot.connections.empty()) {
+        if (all_late(slot.connections)) {
             slot.link = false;
             fail_queue(number, ipc_result::no_connection);
         }
@@ -242,6 +254,10 @@ void IpcClient::serve(BoardConnection &connection) {
                 close(connection);
             }
             break;
+        case BoardConnection::Event::answered_late:
+            ++slot_at(number).figures.late;
+            close(connection);
+            return;
         case BoardConnection::Event::no_card:
             slot_at(number).link = false;
             close(connection);
@@ -261,7 +277,7 @@ void IpcClient::connection_failed(BoardConnection &connection, int result) {
     close(connection);
     if (exchange != nullptr) {
         finish(exchange, result);
-    } else if (opening && slot_at(number).connections.empty()) {
+    } else if (opening && all_late(slot_at(number).connections)) {
         slot_at(number).link = false;
         fail_queue(number, result);
     }
@@ -280,13 +296,17 @@ void IpcClient::finish(const ExchangePtr &exchange, int result) {
     Slot &slot = slot_at(exchange->slot);
     exchange->finished = true;
     exchange->result = result;
-    const auto taken =
-        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - exchange->started);
+    const Deadline now = Clock::now();
+    const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(now - exchange->started);
     if (!exchange->probe) {
         count(slot.figures.commands[command_of(exchange->request)], *exchange, result, taken);
     }
     if (result == 0) {
-        slot.last_answer = taken;
+        CardFigures &figures = slot.figures;
+        figures.last_answer_at = now;
+        figures.last_answer_time = taken;
+        figures.longest_answer_time = std::max(figures.longest_answer_time, taken);
+        figures.total_answer_time += taken;
     }
     note_outcome(slot, *exchange, result);
     if (listener_) {
@@ -360,6 +380,23 @@ void IpcClient::probe(int number, Deadline now) {
     dispatch(number);
 }
 
+// Takes the exchange of a connection whose time is over. A card that is asked by its probes alone is not
+// waited for any longer.
+void IpcClient::give_up(BoardConnection &connection, std::vector<ExchangePtr> &overdue) {
+    Slot &slot = slot_at(connection.slot());
+    const bool waits_on =
+        connection.exchange() != nullptr && !connection.exchange()->probe &&
+        std::ranges::count_if(slot.connections, is_late) < static_cast<std::ptrdiff_t>(most_connections);
+    const ExchangePtr exchange =
+        waits_on ? connection.give_up(Clock::now() + late_patience) : connection.release();
+    if (exchange != nullptr) {
+        overdue.push_back(exchange);
+    }
+    if (!waits_on) {
+        close(connection);
+    }
+}
+
 // Ends what is overdue and sends the probes that are due.
 void IpcClient::expire(Deadline now) {
     if (now < next_deadline_) {
@@ -379,13 +416,10 @@ void IpcClient::expire(Deadline now) {
         for (std::size_t i = slot.connections.size(); i-- > 0;) {
             BoardConnection &connection = *slot.connections[i];
             if (connection.phase() != BoardConnection::Phase::idle && connection.deadline() <= now) {
-                if (const ExchangePtr exchange = connection.release()) {
-                    overdue.push_back(exchange);
-                }
-                close(connection);
+                give_up(connection, overdue);
             }
         }
-        const bool nothing_open = slot.connections.empty();
+        const bool nothing_open = all_late(slot.connections);
         for (const ExchangePtr &exchange : overdue) {
             finish(exchange, ipc_result::timed_out);
         }
@@ -502,7 +536,7 @@ void IpcClient::refresh_links() {
     process();
     for (int number = 0; number < slots; ++number) {
         // A card that is left alone is asked by its probes.
-        if (slot_at(number).connections.empty() && !slot_at(number).held) {
+        if (all_late(slot_at(number).connections) && !slot_at(number).held) {
             (void)open(number);
         }
     }
@@ -524,7 +558,7 @@ void IpcClient::wait_for_links(Deadline until) {
 bool IpcClient::check_link(int number, int timeout_ms) {
     process();
     Slot &slot = slot_at(number);
-    if (slot.connections.empty() && open(number) == nullptr) {
+    if (all_late(slot.connections) && open(number) == nullptr) {
         return false;
     }
     const Deadline until = Clock::now() + std::chrono::milliseconds(timeout_ms);

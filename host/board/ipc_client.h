@@ -39,6 +39,8 @@ class IpcClient {
     static constexpr int slots = 19;
     // Each request has a connection to itself, so that a late answer dies with its connection.
     static constexpr std::size_t most_connections = 16;  // a slot
+    // For how long a request's connection is kept after its time-out, to see whether an answer comes late.
+    static constexpr std::chrono::seconds late_patience{30};
     // What a card may take for an answer without being slow.
     static constexpr std::chrono::milliseconds quick{20};
 
@@ -91,7 +93,6 @@ class IpcClient {
         bool held = false;
         Deadline last_failure{};
         Deadline next_probe{};
-        std::chrono::milliseconds last_answer{0};
         CardFigures figures;
     };
 
@@ -99,6 +100,7 @@ class IpcClient {
     [[nodiscard]] const Slot &slot_at(int number) const { return slots_[static_cast<std::size_t>(number)]; }
     void dispatch(int number);
     BoardConnection *open(int number);
+    void give_up(BoardConnection &connection, std::vector<ExchangePtr> &overdue);
     void close(BoardConnection &connection);
     void serve(BoardConnection &connection);
     void connection_failed(BoardConnection &connection, int result);

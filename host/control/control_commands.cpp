@@ -6,6 +6,7 @@
 
 #include "host/control/alarms.h"
 #include "host/control/download.h"
+#include "host/control/figures_report.h"
 #include "host/services/logger.h"
 
 namespace tarn::host {
@@ -123,42 +124,6 @@ Json list_slots(const Slots &slots, const IpcClient *cards) {
     return {{"slots", list}};
 }
 
-// The time in ms within which half of the answers came; 0: above all limits, or none came.
-int median_ms(const CommandFigures &figures) {
-    std::uint64_t rest = (figures.answered + figures.refused + 1) / 2;
-    for (std::size_t i = 0; i < CommandFigures::limits_ms.size(); ++i) {
-        if (rest <= figures.times[i]) {
-            return rest == 0 ? 0 : CommandFigures::limits_ms[i];
-        }
-        rest -= figures.times[i];
-    }
-    return 0;
-}
-
-Json list_figures(const IpcClient &cards, const std::map<std::string, std::uint64_t> &requests) {
-    Json slots = Json::array();
-    Json commands_of_slots = Json::array();
-    for (int slot = 0; slot < IpcClient::slots; ++slot) {
-        const CardFigures &figures = cards.figures(slot);
-        slots.push_back({{"slot", slot + 1},
-                         {"card", name_of(cards.state(slot))},
-                         {"holds", figures.holds},
-                         {"probes", figures.probes}});
-        for (const auto &[command, counts] : figures.commands) {
-            commands_of_slots.push_back({{"slot", slot + 1},
-                                         {"command", command},
-                                         {"answered", counts.answered},
-                                         {"refused", counts.refused},
-                                         {"timed_out", counts.timed_out},
-                                         {"lost", counts.lost},
-                                         {"failed_at_once", counts.other},
-                                         {"median_ms", median_ms(counts)},
-                                         {"times", counts.times}});
-        }
-    }
-    return {{"requests", requests}, {"cards", slots}, {"commands", commands_of_slots}};
-}
-
 std::string text_of(const Json &request, const char *key) {
     if (!request.contains(key) || !request[key].is_string()) {
         throw ControlError(std::string(key) + " must be a text");
@@ -209,12 +174,19 @@ Json set_alarm(const Json &request, const Module &module) {
     return {{"result", outcome}};
 }
 
+constexpr std::string_view questions[] = {"slots", "stats", "version"};
 constexpr std::string_view profiles_suffix = "-profiles";
 
 }  // namespace
 
 std::string ControlCommands::error_line(const std::string &text) {
     return Json{{"error", text}}.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+bool ControlCommands::is_question(const std::string &line) {
+    const Json request = Json::parse(line, nullptr, false);
+    return request.is_object() && request.contains("do") &&
+           std::ranges::find(questions, request["do"]) != std::end(questions);
 }
 
 std::string ControlCommands::answer(const std::string &line) try {
@@ -231,7 +203,7 @@ std::string ControlCommands::answer(const std::string &line) try {
     }
     if (name == "stats" && cards_ != nullptr) {
         need_keys(request, {});
-        return list_figures(*cards_, requests_()).dump() + '\n';
+        return report_figures(*cards_, figures_()).dump() + '\n';
     }
     if (name == "firmware-state") {
         need_keys(request, {});

@@ -4,11 +4,11 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <string>
 
 #include "host/board/ipc_client.h"
 #include "host/board/slots.h"
+#include "host/control/figures.h"
 #include "host/control/unconfirmed_commits.h"
 #include "host/loader/module_loader.h"
 
@@ -22,11 +22,14 @@ class ControlCommands {
                     std::function<void()> changed)
         : module_(module), slots_(slots), unconfirmed_(confirm_time), changed_(std::move(changed)) {}
 
-    // What "slots" and "stats" tell of cards and of requests; `cards` must outlive the commands.
-    void observe(const IpcClient &cards, std::function<std::map<std::string, std::uint64_t>()> requests) {
+    // What "slots" and "stats" tell of cards and of the agent; `cards` must outlive the commands.
+    void observe(const IpcClient &cards, std::function<AgentFigures()> figures) {
         cards_ = &cards;
-        requests_ = std::move(requests);
+        figures_ = std::move(figures);
     }
+
+    // Whether a line asks for what is known without a card: it need not wait for what is going on.
+    static bool is_question(const std::string &line);
 
     // The answer to one line, with its newline. A request that is not understood changes nothing and is
     // answered {"error": "what is wrong"}.
@@ -39,7 +42,7 @@ class ControlCommands {
 
   private:
     const IpcClient *cards_ = nullptr;
-    std::function<std::map<std::string, std::uint64_t>()> requests_;
+    std::function<AgentFigures()> figures_;
     const Module &module_;
     Slots &slots_;
     UnconfirmedCommits unconfirmed_;

@@ -65,10 +65,9 @@ bool send_all(int connection, const std::string &line) {
 
 }  // namespace
 
-std::unique_ptr<ControlSocket> ControlSocket::open(const std::string &path,
-                                                   std::function<std::string(const std::string &)> answer,
-                                                   std::string &error,
-                                                   std::function<void(std::function<void()>)> run) {
+std::unique_ptr<ControlSocket> ControlSocket::open(
+    const std::string &path, std::function<std::string(const std::string &)> answer, std::string &error,
+    std::function<void(const std::string &, std::function<void()>)> run) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {
@@ -139,7 +138,7 @@ void ControlSocket::take(int connection) {
     pending.append(buffer.data(), static_cast<std::size_t>(count));
     // The next lines are read when these are answered.
     (void)unregister_readfd(connection);
-    run_([this, connection] { answer(connection); });
+    run_(pending, [this, connection] { answer(connection); });
 }
 
 void ControlSocket::answer(int connection) {

@@ -17,12 +17,11 @@ class ControlSocket {
 
     // Answers each line with what `answer` makes of it; both lines have their newlines. A socket file that
     // nobody listens on any more is replaced. Null, and the reason in `error`, when it cannot listen. `run`
-    // runs what answers lines, at once or later.
+    // runs what answers these lines, at once or later.
     static std::unique_ptr<ControlSocket> open(
         const std::string &path, std::function<std::string(const std::string &)> answer, std::string &error,
-        std::function<void(std::function<void()> work)> run = [](const std::function<void()> &work) {
-            work();
-        });
+        std::function<void(const std::string &lines, std::function<void()> work)> run =
+            [](const std::string & /*lines*/, const std::function<void()> &work) { work(); });
     ~ControlSocket();
     ControlSocket(const ControlSocket &) = delete;
     ControlSocket &operator=(const ControlSocket &) = delete;
@@ -39,7 +38,7 @@ class ControlSocket {
     int listener_;
     std::string path_;
     std::function<std::string(const std::string &)> answer_;
-    std::function<void(std::function<void()>)> run_;
+    std::function<void(const std::string &, std::function<void()>)> run_;
     std::map<int, std::string> pending_;  // what came of a line so far, by connection
 };
 

@@ -29,6 +29,9 @@ thread_local bool any_transaction = false;
 thread_local long last_transaction = 0;
 thread_local std::int64_t stopped_at = 0;
 
+thread_local CacheUse rest;
+thread_local CacheUse *use = &rest;
+
 // Spans of time in ascending order. A few thousand are kept apart; beyond, neighbours are joined: a section
 // that is distrusted without need is only read again.
 std::vector<std::pair<std::int64_t, std::int64_t>> distrusted;
@@ -38,6 +41,13 @@ bool is_distrusted(std::int64_t stamp) {
     const auto next =
         std::ranges::upper_bound(distrusted, stamp, {}, [](const auto &span) { return span.first; });
     return next != distrusted.begin() && stamp <= std::prev(next)->second;
+}
+
+bool is_expired(std::int64_t stamp, int period_seconds) {
+    if (period_seconds <= 0 || stamp <= expired_at || is_distrusted(stamp)) {  // a zero stamp is always stale
+        return true;
+    }
+    return agent_time() - stamp >= period_seconds * nanoseconds_per_second;
 }
 
 }  // namespace
@@ -88,7 +98,21 @@ PduClock::~PduClock() {
     stopped = false;
 }
 
-ClockPause::ClockPause() : stopped_(stopped), transaction_(last_transaction), stopped_at_(stopped_at) {
+CacheUseCount::CacheUseCount(CacheUse &counted) : outer_(std::exchange(use, &counted)) {}
+
+CacheUseCount::~CacheUseCount() {
+    use = outer_;
+}
+
+CacheUse uncounted_cache_use() {
+    return rest;
+}
+
+ClockPause::ClockPause()
+    : stopped_(stopped),
+      transaction_(last_transaction),
+      stopped_at_(stopped_at),
+      use_(std::exchange(use, &rest)) {
     stopped = false;
 }
 
@@ -96,6 +120,7 @@ ClockPause::~ClockPause() {
     stopped = stopped_;
     last_transaction = transaction_;
     stopped_at = stopped_at_;
+    use = use_;
 }
 
 }  // namespace tarn::host
@@ -103,14 +128,9 @@ ClockPause::~ClockPause() {
 using namespace tarn::host;
 
 int check_cache_custom_period(long seconds, long nanoseconds, int period_seconds) {
-    const std::int64_t stamp = seconds * nanoseconds_per_second + nanoseconds;
-    if (period_seconds <= 0 || stamp <= expired_at) {  // a zero stamp is always stale
-        return 1;
-    }
-    if (is_distrusted(stamp)) {
-        return 1;
-    }
-    return agent_time() - stamp >= period_seconds * nanoseconds_per_second ? 1 : 0;
+    const bool expired = is_expired(seconds * nanoseconds_per_second + nanoseconds, period_seconds);
+    ++(expired ? use->misses : use->hits);
+    return expired ? 1 : 0;
 }
 
 int check_cache(long seconds, long nanoseconds) {

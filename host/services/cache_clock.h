@@ -23,6 +23,32 @@ std::int64_t monotonic_time();
 // Sections that were stamped between the two times count as expired: what they should hold was not there.
 void distrust_stamps(std::int64_t from, std::int64_t to);
 
+// How often what was asked about with check_cache was fresh, and how often it was not.
+struct CacheUse {
+    std::uint64_t hits = 0;
+    std::uint64_t misses = 0;
+    CacheUse &operator+=(const CacheUse &other) {
+        hits += other.hits;
+        misses += other.misses;
+        return *this;
+    }
+};
+
+// From now to its end what this thread asks is counted in `use`, which must outlive it.
+class CacheUseCount {
+  public:
+    explicit CacheUseCount(CacheUse &use);
+    ~CacheUseCount();
+    CacheUseCount(const CacheUseCount &) = delete;
+    CacheUseCount &operator=(const CacheUseCount &) = delete;
+
+  private:
+    CacheUse *outer_;
+};
+
+// What is counted nowhere else.
+CacheUse uncounted_cache_use();
+
 // Stops the clock for the time that part of a PDU is served. Parts of one PDU (its phases, its tables) have
 // the same transaction number and see the same time.
 class PduClock {
@@ -45,6 +71,7 @@ class ClockPause {
     bool stopped_;
     long transaction_;
     std::int64_t stopped_at_;
+    CacheUse *use_;
 };
 
 // The clock that agent_time reads, in nanoseconds: CLOCK_MONOTONIC unless a test sets another; null resets.

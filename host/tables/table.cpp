@@ -60,6 +60,7 @@ RowIndex Table::enumerate(int slot) {
         rows.origin = RowIndex::Origin::nothing;
         return rows;
     }
+    const CacheUseCount count(cache_use_[static_cast<std::size_t>(slot)]);
     const std::uint64_t failures = failed_requests();
     if (writer != nullptr) {
         writer->enumerated_table = this;
@@ -120,6 +121,7 @@ int Table::call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_i
     if (Pass *pass = Pass::current(); pass != nullptr && !pass->may_touch(instance.slot)) {
         return SNMP_ERR_GENERR;
     }
+    const CacheUseCount count(cache_use_[static_cast<std::size_t>(instance.slot)]);
     netsnmp_request_info single = *request;
     single.next = nullptr;
     single.prev = nullptr;

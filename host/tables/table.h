@@ -2,11 +2,13 @@
 #ifndef TARN_HOST_TABLES_TABLE_H
 #define TARN_HOST_TABLES_TABLE_H
 
+#include <array>
 #include <memory>
 #include <span>
 #include <vector>
 
 #include "host/board/slots.h"
+#include "host/services/cache_clock.h"
 #include "host/tables/index_codec.h"
 #include "host/tables/row_cache.h"
 #include "host/tables/row_source.h"
@@ -49,6 +51,11 @@ class Table {
     // The column of an OID below the table; null when the MIB has none there that can be read.
     [[nodiscard]] const Column *column_of(std::span<const oid> name) const;
 
+    // Of what the module holds of the slot, while this table was served; slot 16 is the chassis.
+    [[nodiscard]] const CacheUse &cache_use(int slot) const {
+        return cache_use_[static_cast<std::size_t>(slot)];
+    }
+
     // Has the module serve one request in one mode: `request` alone, its variable named as the instance.
     // Returns the error that the module set, or else the handler's result.
     int call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request,
@@ -63,6 +70,7 @@ class Table {
     RowCache &cache_;
     const Slots &slots_;
     RowSource source_;
+    std::array<CacheUse, chassis_slot::line_cards + 1> cache_use_{};
     // What a handler is told of the row that is being served.
     struct CallInfo {
         explicit CallInfo(const TableSchema &schema);

@@ -134,6 +134,9 @@ def test_a_silent_card_refuses_at_once_and_is_back_when_it_answers(start):
                      if row["slot"] == SLOT + 1 and row["command"] == commands.GET_ADDRESS_TABLE)
     assert (addresses["answered"], addresses["timed_out"] > 0) == (1, True)
     assert stats["cards"][SLOT] == {**stats["cards"][SLOT], "card": "silent", "holds": 1}
+    cache = {row["table"]: (row["hits"], row["misses"]) for row in stats["cache"]}
+    assert min(cache["tarnPONChannelAddressTable"]) > 0
+    assert stats["agent"]["longest_turn_us"] > 0
     system.chassis.clear_faults()
     begin = time.monotonic()
     wait_until(lambda: system.agent.log_lines("the card answers again"), "the card to be back")

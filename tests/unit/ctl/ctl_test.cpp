@@ -147,6 +147,11 @@ TEST(ChassisCommands, AskForWhatIsMeant) {
     }
 }
 
+TEST(Report, ShowsObjectsIndentedAndListsAsTables) {
+    EXPECT_EQ(describe(Json::parse(R"({"agent":{"blocks":3},"cards":[{"slot":1,"card":"ok"}],"cache":[]})")),
+              "agent:\n  blocks: 3\nslot  card\n1     ok\nno cache\n");
+}
+
 TEST(ChassisCommands, CountSlotsFrom1) {
     Json answer = Json::parse(R"({"cards":[{"slot":0,"onts":4},{"slot":18}],"slot":15,"total":16})");
     recount_slots(answer);

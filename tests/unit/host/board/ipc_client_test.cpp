@@ -107,6 +107,12 @@ TEST_F(IpcClientTest, NeverTakesALateAnswerForAnotherRequests) {
     timed_out.set_value();
     ASSERT_EQ(client.send_request(request(70, 0).data(), &answer.bytes, patient), 0);
     EXPECT_EQ(answer.bytes[32], 2);
+    while (client.figures(0).late == 0) {
+        client.process();
+    }
+    const CommandFigures &figures = client.figures(0).commands.at(70);
+    EXPECT_EQ((std::tuple{figures.answered, figures.timed_out, client.figures(0).late}),
+              (std::tuple{1, 1, 1}));
 }
 
 TEST_F(IpcClientTest, ATrickleOfBytesDoesNotStretchTheTimeOut) {

@@ -185,6 +185,25 @@ TEST_F(CacheClock, ExpiresWhatWasStampedBefore) {
     EXPECT_EQ(check_cache(100, 1), 0);
 }
 
+TEST_F(CacheClock, CountsHitsAndMissesWhereTheyBelong) {
+    now = 100 * second;
+    CacheUse of_table;
+    const CacheUse before = uncounted_cache_use();
+    {
+        const CacheUseCount count(of_table);
+        (void)check_cache(99, 0);
+        (void)check_cache(98, 0);
+        (void)check_cache(1, 0);
+        const ClockPause others;
+        (void)check_cache(1, 0);
+    }
+    (void)check_cache(99, 0);
+    EXPECT_EQ(of_table.hits, 2U);
+    EXPECT_EQ(of_table.misses, 1U);
+    EXPECT_EQ(uncounted_cache_use().hits - before.hits, 1U);
+    EXPECT_EQ(uncounted_cache_use().misses - before.misses, 1U);
+}
+
 TEST_F(CacheClock, TellsOnceOfACommitThatNobodyConfirmed) {
     UnconfirmedCommits commits(std::chrono::seconds(60));
     now = 100 * second;

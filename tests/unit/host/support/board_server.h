@@ -1,4 +1,4 @@
-// A chassis of one connection at a time: a thread that does what a test's script says.
+// A chassis that does on each connection, in a thread, what a test's script says.
 #ifndef TARN_TEST_BOARD_SERVER_H
 #define TARN_TEST_BOARD_SERVER_H
 
@@ -81,7 +81,7 @@ class Connection {
 
 class BoardServer {
   public:
-    // Serves one connection after the other, each with its script.
+    // Each connection has its script, in the order in which they come.
     explicit BoardServer(std::vector<std::function<void(Connection &)>> scripts) {
         std::string directory = (std::filesystem::temp_directory_path() / "tarn-test-XXXXXX").string();
         directory_ = mkdtemp(directory.data());
@@ -98,14 +98,19 @@ class BoardServer {
                 if (descriptor < 0) {
                     return;
                 }
-                Connection connection(descriptor);
-                script(connection);
+                connections_.emplace_back([descriptor, script] {
+                    Connection connection(descriptor);
+                    script(connection);
+                });
             }
         });
     }
     ~BoardServer() {
         (void)shutdown(listener_, SHUT_RDWR);
         thread_.join();
+        for (std::thread &connection : connections_) {
+            connection.join();
+        }
         (void)close(listener_);
         std::filesystem::remove_all(directory_);
     }
@@ -117,6 +122,7 @@ class BoardServer {
   private:
     std::string directory_;
     int listener_;
+    std::vector<std::thread> connections_;  // the thread's, until it has ended
     std::thread thread_;
 };
 
