@@ -3,6 +3,7 @@
 #include <net-snmp/library/fd_event_manager.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "host/agent/figures.h"
 #include "host/services/agent_thread.h"
@@ -88,11 +89,8 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
 }
 
 bool Host::open_control(const HostConfig &config, std::string &error) {
-    commands_ = std::make_unique<ControlCommands>(*module_, *slots_, config.confirm_time, [this] {
-        cache_.clear();
-        expire_cached_data();
-        requests_.forget_answers();
-    });
+    commands_ =
+        std::make_unique<ControlCommands>(*module_, *slots_, config.confirm_time, [this] { forget_cards(); });
     commands_->observe(ipc_, [this] { return gather_figures(requests_, tables_); });
     control_ = ControlSocket::open(
         config.control, [this](const std::string &line) { return commands_->answer(line); }, error,
@@ -120,10 +118,34 @@ int Host::slot_of(std::span<const oid> name) {
     return profiles_slot;
 }
 
+// What was read of the cards and of the chassis is read again.
+void Host::forget_cards() {
+    cache_.clear();
+    expire_cached_data();
+    requests_.forget_answers();
+}
+
+// Whether the chassis' own services are there again after one of them was not: what they knew may be another
+// than what was read of them. One that starts anew at once is only seen to end its connections.
+bool Host::chassis_came_back() {
+    std::uint64_t endings = 0;
+    bool linked = true;
+    for (int service = profiles_slot; service < IpcClient::slots; ++service) {
+        endings += ipc_.endings(service);
+        linked = linked && ipc_.link(service);
+    }
+    chassis_left_ = chassis_left_ || !linked || endings != chassis_endings_;
+    chassis_endings_ = endings;
+    return linked && std::exchange(chassis_left_, false);
+}
+
 void Host::follow_links() {
     // What a change holds of its slot must stay until it is done.
     if (requests_.is_changing()) {
         return;
+    }
+    if (chassis_came_back()) {
+        forget_cards();
     }
     if (slots_->follow([this](int slot) { return ipc_.link(slot); })) {
         cache_.clear();

@@ -59,6 +59,8 @@ class Host {
           cache_(config.row_budget) {}
     bool open_control(const HostConfig &config, std::string &error);
     void follow_links();
+    bool chassis_came_back();
+    void forget_cards();
     void pass_rules_on();
     void serve_board();
     int slot_of(std::span<const oid> name);
@@ -76,6 +78,8 @@ class Host {
     std::unique_ptr<ControlCommands> commands_;
     std::unique_ptr<ControlSocket> control_;
     unsigned alarm_ = 0;
+    bool chassis_left_ = false;                          // since its services were all there
+    std::uint64_t chassis_endings_ = 0;                  // of connections to its services
     bool rules_changed_ = false;                         // of automatic updates, and no card was told
     std::chrono::steady_clock::time_point rules_due_{};  // not before this after a failure
 };

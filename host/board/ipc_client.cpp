@@ -186,6 +186,7 @@ void IpcClient::dispatch(int number) {
             return connection->phase() == BoardConnection::Phase::idle;
         });
         if (idle != slot.connections.end() && !(*idle)->is_usable()) {
+            ++slot.endings;
             close(**idle);
             continue;
         }
@@ -280,6 +281,8 @@ void IpcClient::connection_failed(BoardConnection &connection, int result) {
     } else if (opening && all_late(slot_at(number).connections)) {
         slot_at(number).link = false;
         fail_queue(number, result);
+    } else if (!opening) {
+        ++slot_at(number).endings;
     }
     dispatch(number);
 }

@@ -64,6 +64,8 @@ class IpcClient {
     // Whether the slot had a card at the last contact.
     [[nodiscard]] bool link(int slot) const;
     [[nodiscard]] CardState state(int slot) const;
+    // How many of the slot's connections the other end closed while nothing was asked.
+    [[nodiscard]] std::uint64_t endings(int slot) const { return slot_at(slot).endings; }
     // Connects where there is no connection, waiting at most timeout_ms. Returns the link.
     bool check_link(int slot, int timeout_ms);
     // Starts to connect every slot that has no connection. The links follow when the chassis has answered.
@@ -90,6 +92,7 @@ class IpcClient {
         bool link = false;
         int silent_requests = 0;
         int lost_requests = 0;
+        std::uint64_t endings = 0;
         bool held = false;
         Deadline last_failure{};
         Deadline next_probe{};

@@ -6,7 +6,7 @@ from collections import Counter
 import pytest
 
 import commands
-from chassis import ADDRESSES, scenario
+from chassis import ADDRESSES, Chassis, scenario
 from programs import wait_until
 from snmp import ROOT, SnmpError, oid_key
 
@@ -78,6 +78,18 @@ def test_a_card_that_fails_once_serves_what_was_there(start, fault, keys, logged
     wait_until(lambda: system.snmp.walk(column) == healthy and system.chassis.requests(slot=SLOT), "an answer")
     assert len(system.agent.log_lines(logged)) == 1
     assert failures(system) == {"get_global_ont_address_table": 1}
+
+
+def test_a_chassis_that_starts_anew_is_read_anew(start, tables):
+    system = start()
+    profile = tables["tarnONTCrossConnectProfileTable"].instance(3, 1)
+    before = system.snmp.get(profile)
+    directory = system.chassis.directory
+    system.chassis.assert_clean_end()
+    system.chassis.log_file.unlink()
+    system.chassis = Chassis(directory, scenario())
+    wait_until(lambda: system.snmp.get(profile) == before and
+               system.chassis.requests(slot=16, command=commands.GET_CROSSCONNECT_PROFILES), "a request")
 
 
 def test_an_oversized_count_is_clamped_to_the_answer(start):
