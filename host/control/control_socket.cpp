@@ -135,6 +135,9 @@ void ControlSocket::take(int connection) {
         close_connection(connection);
         return;
     }
+    if (refused_.contains(connection)) {
+        return;
+    }
     pending.append(buffer.data(), static_cast<std::size_t>(count));
     // The next lines are read when these are answered.
     (void)unregister_readfd(connection);
@@ -159,7 +162,11 @@ bool ControlSocket::answer_lines(int connection, std::string &pending) {
     }
     if (pending.size() > longest_line) {
         log_add(log_level::warning, "control: a line is too long\n");
-        return false;
+        // The client may still be writing: closing now would break its connection before it reads this.
+        refused_.insert(connection);
+        pending.clear();
+        return send_all(connection, "{\"error\":\"the line is too long\"}\n") &&
+               shutdown(connection, SHUT_WR) == 0;
     }
     return true;
 }
@@ -168,6 +175,7 @@ void ControlSocket::close_connection(int connection) {
     (void)unregister_readfd(connection);
     (void)close(connection);
     pending_.erase(connection);
+    refused_.erase(connection);
 }
 
 }  // namespace tarn::host

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace tarn::host {
@@ -40,6 +41,7 @@ class ControlSocket {
     std::function<std::string(const std::string &)> answer_;
     std::function<void(const std::string &, std::function<void()>)> run_;
     std::map<int, std::string> pending_;  // what came of a line so far, by connection
+    std::set<int> refused_;               // connections that are only waited for to end
 };
 
 }  // namespace tarn::host

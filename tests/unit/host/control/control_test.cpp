@@ -87,7 +87,7 @@ TEST_F(ControlTest, AnswersLineByLine) {
     EXPECT_EQ(asked, (std::vector<std::string>{"a", "b", "one line"}));
 }
 
-TEST_F(ControlTest, ClosesOnALineWithoutEndAndKeepsAnswering) {
+TEST_F(ControlTest, RefusesALineWithoutEndAndKeepsAnswering) {
     ASSERT_TRUE(open()) << error;
     const int greedy = connect_client();
     const std::string part(16384, 'x');
@@ -95,7 +95,8 @@ TEST_F(ControlTest, ClosesOnALineWithoutEndAndKeepsAnswering) {
     for (int i = 0; i < 5 && got.empty(); ++i) {
         got = exchange(greedy, part);
     }
-    EXPECT_EQ(got, "closed");
+    EXPECT_EQ(got, "{\"error\":\"the line is too long\"}\n");
+    EXPECT_EQ(exchange(greedy, part), "closed");
     EXPECT_EQ(exchange(connect_client(), "still\n"), "<still>\n");
     for (std::size_t i = 0; i < ControlSocket::most_connections; ++i) {
         connect_client();
