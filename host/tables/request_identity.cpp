@@ -12,6 +12,8 @@ void append(std::string &text, const void *data, std::size_t size) {
 
 }  // namespace
 
+// With the port: what is repeated comes from the socket that it first came from, and a manager that numbers
+// all its requests alike takes a new socket for the next one.
 std::string source_of(const netsnmp_pdu *pdu) {
     std::string source;
     append(source, pdu->transport_data, static_cast<std::size_t>(std::max(pdu->transport_data_length, 0)));

@@ -72,7 +72,8 @@ bool undoes(int mode) {
     return mode == MODE_SET_FREE || mode == MODE_SET_UNDO;
 }
 
-// Whether the MIB lets managers write the variable at all. A column that it does not know is for the module.
+// Whether the MIB lets managers write the variable at all. A column that it does not know the module may have
+// an error of its own for.
 bool mib_lets_write(const Table &table, const netsnmp_variable_list *binding) {
     const Column *column = table.column_of({binding->name, binding->name_length});
     return column != nullptr ? column->writable : table.schema().writable();
@@ -84,7 +85,7 @@ bool mib_lets_write(const Table &table, const netsnmp_variable_list *binding) {
 int mib_error(const Table &table, const netsnmp_variable_list *binding) {
     const Column *column = table.column_of({binding->name, binding->name_length});
     if (column == nullptr) {
-        return SNMP_ERR_NOERROR;
+        return SNMP_ERR_NOTWRITABLE;
     }
     if (binding->type != column->type) {
         return SNMP_ERR_WRONGTYPE;

@@ -70,6 +70,11 @@ TEST_F(SetGuardTest, CarriesOutASetThatComesAgainAfterAnother) {
         EXPECT_EQ(set(7, instance(5, {4, row})), 0);
     }
     EXPECT_EQ(fake.calls.size(), 12U);
+    // Also where each of them comes from a socket of its own.
+    for (const char *peer : {"127.0.0.1:40001", "127.0.0.1:40002", "127.0.0.1:40003"}) {
+        EXPECT_EQ(set(7, instance(5, {4, 2}), peer), 0);
+    }
+    EXPECT_EQ(fake.calls.size(), 24U);
 }
 
 TEST_F(SetGuardTest, GivesTheFirstErrorAgain) {
