@@ -130,7 +130,7 @@ Written replace_file(const std::string &path, std::string_view text) {
     }
     // One that a sudden end left behind is no image to the catalogue.
     const std::string directory = target.substr(0, target.rfind('/') + 1);
-    const std::string beside = directory + ".new-" + std::to_string(getpid()) + ".spec";
+    const std::string beside = directory + ".new-" + std::to_string(gettid()) + ".spec";
     unlink(beside.c_str());
     const Descriptor file(open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!file.open()) {

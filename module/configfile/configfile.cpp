@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -124,6 +125,13 @@ std::uint32_t DoCmd(ParamCmd cmd, const char *file, int start_index, int *count_
     if (cmd != cmd_del && strings.count % 2 != 0) {
         return param_error::wrong_parameters;
     }
+    const bool changes = cmd == cmd_set || cmd == cmd_del;
+    // A download's thread changes files, too: what it reads and writes back must not take another's change.
+    static std::mutex changing;
+    std::unique_lock alone(changing, std::defer_lock);
+    if (changes) {
+        alone.lock();
+    }
     File stream = open_file(file, "r");
     if (stream == nullptr && cmd != cmd_set) {
         return param_error::open_for_reading;
@@ -137,7 +145,6 @@ std::uint32_t DoCmd(ParamCmd cmd, const char *file, int start_index, int *count_
         }
     }
     const std::uint32_t error = apply(cmd, set, start_index, count_out, strings);
-    const bool changes = cmd == cmd_set || cmd == cmd_del;
     return error == param_error::ok && changes ? write_back(file, set) : error;
 }
 

@@ -65,6 +65,7 @@ bool move_into_directory(const std::string &name, const std::string &temporary) 
     }
     // The card's file system has no such user everywhere; the image is good all the same.
     static_cast<void>(run_transfer_command("chown admin " + shell_word(directory + "/" + name) + "\n"));
+    renew_specific_sum(name);
     return true;
 }
 

@@ -187,6 +187,20 @@ int restore_specific_text(std::string_view name, const std::optional<std::string
     return -1;
 }
 
+void renew_specific_sum(std::string_view name) {
+    const std::string spec = spec_path(name);
+    if (is_absent(spec)) {
+        return;
+    }
+    char md5[md5_digits + 1];
+    if (fsa_calc_md5sum(firmware_path(name).c_str(), md5, sizeof md5) != 0) {
+        log_add(log_error, "%s : unable to calculate MD5 for %s\n", __func__, firmware_path(name).c_str());
+        md5[0] = '\0';
+    }
+    static_cast<void>(
+        write_spec(spec, __func__, [&] { return cf_SetParam(spec.c_str(), "MD5_SUM", md5, nullptr); }));
+}
+
 void expire_files_list() {
     if (catalogue != nullptr) {
         catalogue->files_stamp = {};

@@ -58,6 +58,8 @@ std::optional<std::string> specific_text(std::string_view name);
 int restore_specific_text(std::string_view name, const std::optional<std::string> &text);
 // Makes the next get_files_list read the directory.
 void expire_files_list();
+// The image was replaced: its side file, where there is one, states the new one's sum, or none.
+void renew_specific_sum(std::string_view name);
 
 }  // namespace tarn
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "module/configfile/configfile.h"
 #include "module/firmware/acs_firmware_operations.h"
 #include "module/start/start.h"
 #include "support/file_tree.h"
@@ -58,6 +59,19 @@ TEST_F(FirmwareDownloadTest, FetchesMovesAndReports) {
     EXPECT_EQ(commands(), (std::vector<std::string>{"tftp -gr images/" + name + " 127.0.0.9",
                                                     "mv /tmp/" + name + " " + image(""),
                                                     "chown admin " + image("") + "/" + name}));
+}
+
+TEST_F(FirmwareDownloadTest, AReplacedImageKeepsItsSpecificsButNotItsSum) {
+    stand_in("mv", real_mv);
+    write(image(name), "old");
+    ASSERT_EQ(create_specific_file(name.c_str()), 0);
+    cf_SetParam(image(name + ".spec").c_str(), "VENDOR", "ACME", nullptr);
+    for (const std::string sum : {"0123456789abcdef0123456789abcdef", ""}) {
+        board.md5 = sum;
+        download(name);
+        EXPECT_EQ(read(image(name + ".spec")),
+                  "VENDOR=ACME\nEQUIPMENT_LIST=\nSOFTWARE_VERSION=\nMD5_SUM=" + sum + "\n");
+    }
 }
 
 TEST_F(FirmwareDownloadTest, LeavesNothingBehindAFailure) {
