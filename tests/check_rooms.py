@@ -43,7 +43,7 @@ ARROWS = {
     "chassis": "chassis/net chassis/control chassis/requests chassis/scenarios chassis/state wire",
     # by themselves
     "ctl": "wire",
-    "tools": "host/services",
+    "tools": "host/services module/common",
 }
 
 

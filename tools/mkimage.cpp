@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "host/services/image_header.h"
+#include "module/common/files.h"
 
 namespace {
 
@@ -57,10 +58,9 @@ int run(const Options &options) {
     header.payload_crc = static_cast<std::uint32_t>(
         crc32(0, reinterpret_cast<const Bytef *>(payload.data()), static_cast<uInt>(payload.size())));
     const std::vector<std::uint8_t> bytes = tarn::host::make_image_header(header);
-    std::ofstream to(options.image, std::ios::binary);
-    to.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    to.write(payload.data(), static_cast<std::streamsize>(payload.size()));
-    if (!to.flush()) {
+    std::string image(bytes.begin(), bytes.end());
+    image.append(payload.data(), payload.size());
+    if (tarn::replace_file(options.image, image) != tarn::Written::whole) {
         std::cerr << "tarn-mkimage: " << options.image << ": cannot write\n";
         return 1;
     }
