@@ -31,7 +31,7 @@ bool send_to_slots(const EntryRequest &request, int number, int type, const char
         const bool answered = act(request, operation, slot) == 0;
         all_answered = all_answered && answered;
         log_add(log_error, "%s : %s config for id = %d, type = %d, slot = %d\n", operation,
-                answered ? "set" : "unable to set", number, type, slot);
+                answered ? "set" : "unable to set", number, type, slot + 1);
     }
     return all_answered;
 }
@@ -40,8 +40,17 @@ bool send_to_slots(const EntryRequest &request, int number, int type, const char
 
 void *slot_lib_get_alarms_config(void) {
     ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
-    return db != nullptr ? refresh(db->alarms_config, get_request, __func__, chassis_slot::chassis_network)
-                         : nullptr;
+    if (db == nullptr) {
+        return nullptr;
+    }
+    auto &[config, stamp] = db->alarms_config;
+    const bool was_sent = !stamp.is_set();
+    const bool came =
+        refresh(config.data(), config.size(), stamp, get_request, __func__, chassis_slot::chassis_network);
+    if (was_sent && !came) {
+        stamp.filled = false;  // nobody knows what became of the edits
+    }
+    return config.data();
 }
 
 int slot_lib_set_alarms_config(void) {

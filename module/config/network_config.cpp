@@ -4,6 +4,7 @@
 #include "module/config/config_buffer.h"
 #include "module/store/cached_query.h"
 #include "module/store/network_sections.h"
+#include "module/store/sent_section.h"
 #include "wire/records/config_image.h"
 #include "wire/records/network.h"
 
@@ -56,11 +57,11 @@ int set_gpon_network_cfg(int slot) {
     slot = slot_byte(slot);
     NetworkSections *db = slot_sections<NetworkSections>(slot);
     if (db == nullptr) {
-        log_add(log_error, "%s : skipping slot %d\n", __func__, slot);
+        log_add(log_error, "%s : skipping slot %d\n", __func__, slot + 1);
         return 0;
     }
     db->network_config.stamp.clear();
-    return send_block(db->network_config.record.data(), __func__, slot);
+    return settle(db->network_config.stamp, send_block(db->network_config.record.data(), __func__, slot));
 }
 
 std::uint8_t *get_common_network_cfg(void) {
@@ -73,13 +74,14 @@ int set_common_network_cfg(void) {
     if (db == nullptr) {
         return -1;
     }
-    db->common_network_config.stamp.clear();
-    if (send_block(db->common_network_config.record.data(), __func__, chassis_slot::chassis_network) != 0) {
+    auto &[block, stamp] = db->common_network_config;
+    stamp.clear();
+    if (settle(stamp, send_block(block.data(), __func__, chassis_slot::chassis_network)) != 0) {
         return -1;
     }
     for (int slot = 0; slot < chassis_slot::line_cards; ++slot) {
         if (slot_isconfigured(slot) != 0 && update_slots_terminal_vlans(slot) != 0) {
-            log_add(log_error, "%s : failed to update terminal vlans to slot %d\n", __func__, slot);
+            log_add(log_error, "%s : failed to update terminal vlans to slot %d\n", __func__, slot + 1);
             return -1;
         }
     }

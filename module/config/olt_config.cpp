@@ -3,6 +3,7 @@
 #include "module/store/cached_query.h"
 #include "module/store/olt_sections.h"
 #include "module/store/profile_sections.h"
+#include "module/store/sent_section.h"
 #include "wire/records/olt.h"
 
 using namespace tarn;
@@ -40,13 +41,13 @@ std::uint8_t *get_olt_cfg(int slot) {
 
 int set_olt_cfg(int slot) {
     slot = slot_byte(slot);
-    const OltSections *db = slot_sections<OltSections>(slot);
+    OltSections *db = slot_sections<OltSections>(slot);
     if (db == nullptr) {
         return -1;
     }
     Request<payload + olt_config::size> request(command::set_olt_cfg, destination::configuration);
     request.put_bytes(payload, db->olt_config.data(), olt_config::size);
-    return act(request, __func__, slot);
+    return settle(db->olt_config_stamp, act(request, __func__, slot));
 }
 
 std::uint8_t *get_olt_address_table_profiles(void) {

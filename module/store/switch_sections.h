@@ -20,6 +20,7 @@ struct SwitchSections {
     std::array<Stamp, operational_vlans_limit> operational_vlan_stamps;
     Section<switch_general::size> switch_general;
     Section<switch_qos::size + 2> switch_qos;  // with the queues that were written last at its end
+    Record<2> sent_last_queues;                // those of them that the card has taken
     Section<switch_blacklist::size> switch_blacklist;
     std::array<Records<switch_blacklist::rule_size, switch_blacklist::rules_per_list>,
                switch_blacklist::lists>

@@ -1,7 +1,10 @@
 #include "module/switch/switch_operations.h"
 
+#include <algorithm>
+
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/store/sent_section.h"
 #include "module/store/switch_sections.h"
 #include "module/store/utilization_sections.h"
 #include "wire/records/switch.h"
@@ -93,8 +96,14 @@ std::uint8_t *get_switch_qos_cfg(int slot) {
         return nullptr;
     }
     std::uint8_t *section = db->switch_qos.record.data();
-    refresh(section, switch_qos::size, db->switch_qos.stamp,
-            Request<payload>(command::get_switch_qos_cfg, destination::ethernet_switch), __func__, slot);
+    Stamp &stamp = db->switch_qos.stamp;
+    const bool dropped = !stamp.filled;
+    if (refresh(section, switch_qos::size, stamp,
+                Request<payload>(command::get_switch_qos_cfg, destination::ethernet_switch), __func__,
+                slot) &&
+        dropped) {
+        std::ranges::copy(db->sent_last_queues, section + switch_qos::size);
+    }
     return section;
 }
 
@@ -105,9 +114,15 @@ int set_switch_qos_cfg(int slot) {
         return -1;
     }
     normalize_qos_queries(slot);
-    db->switch_qos.stamp.clear();
-    return send_section<switch_qos::size>(slot, db->switch_qos.record.data(), command::set_switch_qos_cfg,
-                                          __func__);
+    auto &[section, stamp] = db->switch_qos;
+    stamp.clear();
+    const int result = settle(
+        stamp, send_section<switch_qos::size>(slot, section.data(), command::set_switch_qos_cfg, __func__));
+    if (result == 0) {
+        std::copy_n(section.begin() + switch_qos::size, db->sent_last_queues.size(),
+                    db->sent_last_queues.begin());
+    }
+    return result;
 }
 
 void normalize_qos_queries(int slot) {
@@ -130,8 +145,9 @@ int set_switch_blacklist_cfg(int slot) {
         return -1;
     }
     db->switch_blacklist.stamp.clear();
-    return send_section<switch_blacklist::size>(slot, db->switch_blacklist.record.data(),
-                                                command::set_switch_blacklist_cfg, __func__);
+    auto &[section, stamp] = db->switch_blacklist;
+    return settle(stamp, send_section<switch_blacklist::size>(slot, section.data(),
+                                                              command::set_switch_blacklist_cfg, __func__));
 }
 
 std::uint8_t *get_switch_blacklist_rules(int slot) {
@@ -180,7 +196,7 @@ int set_switch_blacklist_rules(int slot) {
     request.put(payload, sent);
     const int result = act(request, __func__, slot);
     db->blacklist_rules_stamp.clear();
-    return result;
+    return settle(db->blacklist_rules_stamp, result);
 }
 
 std::uint8_t *get_switch_port_counters(int slot, int port) {

@@ -22,9 +22,9 @@ struct ProfileKind {
     template <int Entries, int Stride>
     using Rows = RecordsInUse<Get, Size, count, profile_head::in_use, Entries, Stride>;
 
-    static Stamp *edited_stamp(const Row & /*row*/) {
+    static Stamp *edited_stamp(const Row &row) {
         ProfileSections *db = chassis_sections<ProfileSections>();
-        return db != nullptr ? &(db->*StampOf) : nullptr;
+        return db != nullptr && row.number[0] < count ? &(db->*StampOf) : nullptr;
     }
     // 6 deletes, anything else creates; both at once. A deleted profile is not sent again.
     static int set_row_status(Row &row, const Binding &value) {

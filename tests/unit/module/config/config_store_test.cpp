@@ -378,7 +378,7 @@ TEST_F(ConfigStoreTest, SendsASlotsNetworkBlock) {
     get_gpon_network_cfg(3);
     EXPECT_EQ(board.count(302), 2);  // forgotten even though the card did not answer
     EXPECT_EQ(set_gpon_network_cfg(7), 0);
-    EXPECT_TRUE(board.logged("3 set_gpon_network_cfg : skipping slot 7\n"));
+    EXPECT_TRUE(board.logged("3 set_gpon_network_cfg : skipping slot 8\n"));
 }
 
 TEST_F(ConfigStoreTest, SpreadsTheTerminalVlansUpToTheFirstFailure) {
@@ -399,7 +399,7 @@ TEST_F(ConfigStoreTest, SpreadsTheTerminalVlansUpToTheFirstFailure) {
     EXPECT_EQ(board.sent.at(0).slot(), 18);
     board.sent.clear();
     EXPECT_EQ(set_common_network_cfg(), -1);
-    EXPECT_TRUE(board.logged("3 set_common_network_cfg : failed to update terminal vlans to slot 9\n"));
+    EXPECT_TRUE(board.logged("3 set_common_network_cfg : failed to update terminal vlans to slot 10\n"));
 
     ASSERT_EQ(board.sent.size(), 4U);  // chassis block; slot 3's block read and written; slot 9's not read
     EXPECT_EQ(board.sent[0].slot(), 18);

@@ -280,8 +280,8 @@ TEST_F(AlarmsTest, SendsOnlyChangedEntriesToTheSlotsThenToTheChassis) {
     EXPECT_EQ(board.payload_of(3), board.payload_of(1));
     EXPECT_EQ(board.log,
               (std::vector<std::string>{
-                  "3 slot_lib_set_alarms_config : set config for id = 4, type = 67372036, slot = 2\n",
-                  "3 slot_lib_set_alarms_config : set config for id = 4, type = 67372036, slot = 5\n"}));
+                  "3 slot_lib_set_alarms_config : set config for id = 4, type = 67372036, slot = 3\n",
+                  "3 slot_lib_set_alarms_config : set config for id = 4, type = 67372036, slot = 6\n"}));
 }
 
 TEST_F(AlarmsTest, StopsAtAnEntryThatASlotRefusesButNotAtTheChassis) {
@@ -301,10 +301,15 @@ TEST_F(AlarmsTest, StopsAtAnEntryThatASlotRefusesButNotAtTheChassis) {
     EXPECT_EQ(slot_lib_set_alarms_config(), -1);
     EXPECT_EQ(board.count(403), 2);
     EXPECT_TRUE(board.logged(
-        "3 slot_lib_set_alarms_config : unable to set config for id = 1, type = 16843009, slot = 2\n"));
+        "3 slot_lib_set_alarms_config : unable to set config for id = 1, type = 16843009, slot = 3\n"));
     board.silence(208);
     EXPECT_EQ(slot_lib_set_alarms_config(), -1);
     EXPECT_TRUE(board.logged("3 slot_lib_set_alarms_config : unable to get config\n"));
+    // Read again in vain: it may be what the cards refused, and is not sent any more.
+    slot_lib_get_alarms_config();
+    board.sent.clear();
+    EXPECT_EQ(slot_lib_set_alarms_config(), -1);
+    EXPECT_TRUE(board.sent.empty());
 }
 
 }  // namespace

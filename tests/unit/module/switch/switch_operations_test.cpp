@@ -79,6 +79,27 @@ TEST_F(SwitchOperationsTest, SectionsAreFetchedOncePerPeriodAndSentAsTheyStand) 
     }
 }
 
+TEST_F(SwitchOperationsTest, WhatTheCardRefusedIsNotForEditing) {
+    struct Case {
+        std::uint8_t *(*get)(int);
+        int (*set)(int);
+        int get_code;
+        tarn::Stamp &stamp;
+    };
+    for (const auto &[get, set, get_code, stamp] :
+         {Case{get_switch_qos_cfg, set_switch_qos_cfg, 0xB9, db->switch_qos.stamp},
+          {get_switch_blacklist_cfg, set_switch_blacklist_cfg, 0xB6, db->switch_blacklist.stamp},
+          {get_switch_blacklist_rules, set_switch_blacklist_rules, 0xB8, db->blacklist_rules_stamp}}) {
+        board.answer(get_code, Bytes(360, 0));
+        get(slot);
+        EXPECT_TRUE(stamp.filled);
+        EXPECT_EQ(set(slot), -1);
+        board.silence(get_code);
+        get(slot);
+        EXPECT_FALSE(stamp.filled) << get_code;
+    }
+}
+
 TEST_F(SwitchOperationsTest, AFailedReadIsNotRepeatedWithinThePeriod) {
     EXPECT_EQ(get_switch_qos_cfg(slot)[1], 0);
     get_switch_qos_cfg(slot);

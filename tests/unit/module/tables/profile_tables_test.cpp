@@ -378,6 +378,9 @@ TEST_F(ProfileTablesTest, NothingIsCreatedInAnArrayThatWasNeverRead) {
             EXPECT_TRUE(board.logged("3 "s + table.name +
                                      " : address 16 has not sent its configuration, which is "
                                      "not overwritten\n"));
+            EXPECT_EQ(set(table, table.row_status, integer_value(4), {table.count}), SNMP_ERR_NOCREATION);
+            EXPECT_EQ(set(table, table.row_status, integer_value(6), {table.count}), SNMP_ERR_GENERR);
+            EXPECT_EQ(board.count(table.get_command + 3), 0);
         }
     }
 }

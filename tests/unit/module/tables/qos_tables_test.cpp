@@ -140,7 +140,9 @@ TEST_F(QosTablesTest, AQueueThatIsWrittenTakesItsTrafficFromTheOthers) {
             EXPECT_EQ(section[m.at], 0xFE);
         }
         board.silence(0xC9);
-        EXPECT_EQ(set(3, octets_value(m.written)), SNMP_ERR_COMMITFAILED);
+        EXPECT_EQ(set_iterator(m.handler, 3, {slot + 1, 4}, &row, octets_value(m.written)),
+                  SNMP_ERR_COMMITFAILED);
+        EXPECT_EQ(get_switch_qos_cfg(slot)[m.octets == 8 ? 151 : 150], 2) << "the card took this one last";
         board.answer(0xC9, {});
     }
 }
