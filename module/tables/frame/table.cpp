@@ -5,6 +5,7 @@
 
 #include "module/common/log.h"
 #include "module/store/cached_query.h"
+#include "module/tables/frame/row_status.h"
 
 namespace tarn {
 
@@ -116,7 +117,9 @@ int act(const Table &table, Target &target, const Binding &value) {
     if (error != SNMP_ERR_NOERROR) {
         return error;
     }
-    Stamp *section = edited_section(table, target);
+    const bool deletes =
+        table.writes.deletes_at_once && target.column->creates && *value.val.integer == destroy;
+    Stamp *section = deletes ? nullptr : edited_section(table, target);
     if (section != nullptr && !may_edit(*section, table.name, section_owner(table, target))) {
         return SNMP_ERR_GENERR;
     }

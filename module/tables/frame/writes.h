@@ -28,12 +28,19 @@ struct Writes {
     // When a SET fails that has edited it, the next read fetches what the card holds; one that fails before
     // its first edit leaves the section as it is. An action that edits before it may fail holds it first.
     Stamp *(*section)(const Row &row) = nullptr;
+    // A RowStatus of destroy goes to the card at once and edits nothing in place.
+    bool deletes_at_once = false;
     // Sends what was staged; 0 or an error.
     int (*commit)(Row &row) = nullptr;
     // The SET failed: takes back what it did. The transaction is still there, and is forgotten afterwards.
     void (*undo)() = nullptr;
 
     // A style with something of the table's own.
+    constexpr Writes deleting_at_once() const {
+        Writes writes = *this;
+        writes.deletes_at_once = true;
+        return writes;
+    }
     constexpr Writes for_any_index() const {
         Writes writes = *this;
         writes.set_needs_row = false;

@@ -29,9 +29,12 @@ struct ProfileKind {
     // 6 deletes, anything else creates; both at once. A deleted profile is not sent again.
     static int set_row_status(Row &row, const Binding &value) {
         if (*value.val.integer == destroy) {
+            Stamp *section = edited_stamp(row);
+            const bool held = section != nullptr && section->held;
             if (Delete(item_of_number(row)) != 0) {
                 return SNMP_ERR_GENERR;
             }
+            section->held = held;  // by edits of other profiles
             Edited.state.remove(item_of_number(row));
             return SNMP_ERR_NOERROR;
         }
@@ -55,7 +58,7 @@ struct ProfileKind {
             .index = index,
             .columns = columns,
             .rows = rows_of<Rows<Entries, Stride>>,
-            .writes = edits_section<Edited, edited_stamp, Commit>,
+            .writes = edits_section<Edited, edited_stamp, Commit>.deleting_at_once(),
             .answers = row_when_acting,
         };
     }

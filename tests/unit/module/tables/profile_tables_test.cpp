@@ -381,6 +381,8 @@ TEST_F(ProfileTablesTest, NothingIsCreatedInAnArrayThatWasNeverRead) {
             EXPECT_EQ(set(table, table.row_status, integer_value(4), {table.count}), SNMP_ERR_NOCREATION);
             EXPECT_EQ(set(table, table.row_status, integer_value(6), {table.count}), SNMP_ERR_GENERR);
             EXPECT_EQ(board.count(table.get_command + 3), 0);
+            EXPECT_EQ(set(table, table.row_status, integer_value(6), {5}), 0);
+            EXPECT_EQ(board.count(table.get_command + 3), 1);
         }
     }
 }
