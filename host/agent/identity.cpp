@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "tarn/mib_objects.h"
 #include "tarn/module_api.h"
 // After net-snmp's other headers.
 #include <net-snmp/agent/agent_sysORTable.h>
@@ -16,8 +17,7 @@
 namespace tarn::host {
 namespace {
 
-// TARN-MIB's tarn and tarnAgent.
-constexpr std::array<oid, 9> mib_root = {1, 3, 6, 1, 4, 1, 32473, 1, 22};
+// TARN-MIB's tarnAgent.
 constexpr std::array<oid, 11> agent_identity = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 99, 1};
 
 void set_state_flags(bool none) {

@@ -15,6 +15,7 @@
 #include "host/services/logger.h"
 #include "tarn/firmware_records.h"
 #include "tarn/host_services.h"
+#include "tarn/mib_objects.h"
 
 namespace tarn::host {
 namespace {
@@ -22,11 +23,10 @@ namespace {
 using GetCache = AcsFirmwareCache *();
 using Start = int();
 
-// As in TARN-MIB: tarnONTFirmwareDownloadEnd, tarnONTFirmwareDownloadStatus and tarnONTFirmwareDownloadText.
 constexpr oid trap_name[] = {1, 3, 6, 1, 6, 3, 1, 1, 4, 1, 0};
-constexpr oid download_end[] = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 0, 1};
-constexpr oid download_status[] = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 3, 30, 40, 0};
-constexpr oid download_text[] = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 3, 30, 41, 0};
+constexpr MibObject download_end = find_mib_object("tarnONTFirmwareDownloadEnd");
+constexpr MibObject download_status = find_mib_object("tarnONTFirmwareDownloadStatus");
+constexpr MibObject download_text = find_mib_object("tarnONTFirmwareDownloadText");
 
 class CacheLock {
   public:
@@ -59,12 +59,13 @@ bool write_request(AcsFirmwareCache &cache, const in_addr &server, const std::st
 void send_notification(int status, const std::string &text) {
     const long held = status;
     netsnmp_variable_list *variables = nullptr;
-    (void)snmp_varlist_add_variable(&variables, trap_name, std::size(trap_name), ASN_OBJECT_ID, download_end,
-                                    sizeof download_end);
-    (void)snmp_varlist_add_variable(&variables, download_status, std::size(download_status), ASN_INTEGER,
-                                    &held, sizeof held);
-    (void)snmp_varlist_add_variable(&variables, download_text, std::size(download_text), ASN_OCTET_STR,
-                                    text.data(), text.size());
+    (void)snmp_varlist_add_variable(&variables, trap_name, std::size(trap_name), ASN_OBJECT_ID,
+                                    download_end.identifier.data(), download_end.length * sizeof(oid));
+    // The values are the objects' only instances, .0.
+    (void)snmp_varlist_add_variable(&variables, download_status.identifier.data(), download_status.length + 1,
+                                    ASN_INTEGER, &held, sizeof held);
+    (void)snmp_varlist_add_variable(&variables, download_text.identifier.data(), download_text.length + 1,
+                                    ASN_OCTET_STR, text.data(), text.size());
     send_v2trap(variables);
     snmp_free_varbind(variables);
     log_add(log_level::information, "download of %s: %s\n", text.c_str(),

@@ -1,14 +1,8 @@
 #include "module/tables/frame/scalar.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace tarn {
 
 namespace {
-
-// 32473 is the enterprise number that is set aside for documentation.
-constexpr oid module_root[] = {1, 3, 6, 1, 4, 1, 32473, 1, 22};
 
 // Serves one request in a mode; false for a mode that a scalar does not know.
 bool serve(const Scalar &scalar, int mode, Binding *binding, int &error) {
@@ -35,26 +29,35 @@ bool serve(const Scalar &scalar, int mode, Binding *binding, int &error) {
     }
 }
 
-}  // namespace
-
-void register_scalar(const Scalar &scalar, Netsnmp_Node_Handler *handler, ScalarRegistration &registration) {
-    // A second registration of an identifier fails and frees what it was given.
-    unregister_scalar(registration);
-    std::array<oid, std::size(module_root) + std::tuple_size_v<decltype(scalar.arcs)>> name{};
-    const auto arcs = std::copy(std::begin(module_root), std::end(module_root), name.begin());
-    const auto end =
-        std::copy(scalar.arcs.begin(), std::find(scalar.arcs.begin(), scalar.arcs.end(), oid{0}), arcs);
-    ScalarRegistration created = netsnmp_create_handler_registration(
-        scalar.name, handler, name.data(), static_cast<std::size_t>(end - name.begin()), HANDLER_CAN_RWRITE);
-    if (created != nullptr && netsnmp_register_scalar(created) == 0) {
-        registration = created;
-    }
-}
-
 void unregister_scalar(ScalarRegistration &registration) {
     if (registration != nullptr) {
         netsnmp_unregister_handler(registration);
         registration = nullptr;
+    }
+}
+
+void register_scalar(const ScalarEntry &entry) {
+    // A second registration of an identifier fails and frees what it was given.
+    unregister_scalar(entry.registration);
+    const MibObject object = find_mib_object(entry.scalar.name);
+    ScalarRegistration created = netsnmp_create_handler_registration(
+        entry.scalar.name, entry.handler, object.identifier.data(), object.length, HANDLER_CAN_RWRITE);
+    if (created != nullptr && netsnmp_register_scalar(created) == 0) {
+        entry.registration = created;
+    }
+}
+
+}  // namespace
+
+void register_scalars(std::span<const ScalarEntry> entries) {
+    for (const ScalarEntry &entry : entries) {
+        register_scalar(entry);
+    }
+}
+
+void unregister_scalars(std::span<const ScalarEntry> entries) {
+    for (const ScalarEntry &entry : entries) {
+        unregister_scalar(entry.registration);
     }
 }
 

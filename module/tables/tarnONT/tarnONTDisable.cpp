@@ -51,28 +51,22 @@ int act_on_one(const Binding &value) {
                                                                                  : SNMP_ERR_GENERR;
 }
 
-constexpr Scalar disable_slot{"tarnONTDisableSlot",
-                              {3, 30000, 1},
-                              unsigned32,
-                              get_slot,
-                              any_unsigned32,
-                              set_slot,
-                              unsigned_within(1, 16, SNMP_ERR_BADVALUE)};
-constexpr Scalar disable_serial{
-    "tarnONTDisableONTSerial", {3, 30000, 2}, octet_string, get_serial, any_octets, set_serial};
-constexpr Scalar disable_channel{"tarnONTDisableChannel",
-                                 {3, 30000, 3},
-                                 unsigned32,
-                                 get_channel,
-                                 any_unsigned32,
-                                 set_channel,
-                                 unsigned_within(0, 7, SNMP_ERR_WRONGVALUE)};
-constexpr Scalar disable_action{
-    "tarnONTDisableActionDisable", {3, 30000, 4}, unsigned32, get_zero, any_unsigned32,
-    act_on_one<disable_ont>};
-constexpr Scalar enable_action{
-    "tarnONTDisableActionEnable", {3, 30000, 5}, unsigned32, get_zero, any_unsigned32,
-    act_on_one<enable_ont>};
+constexpr Scalar disable_slot{"tarnONTDisableSlot", unsigned32, get_slot,
+                              any_unsigned32,       set_slot,   unsigned_within(1, 16, SNMP_ERR_BADVALUE)};
+constexpr Scalar disable_serial{"tarnONTDisableONTSerial", octet_string, get_serial, any_octets, set_serial};
+constexpr Scalar disable_channel{
+    "tarnONTDisableChannel", unsigned32,  get_channel,
+    any_unsigned32,          set_channel, unsigned_within(0, 7, SNMP_ERR_WRONGVALUE)};
+constexpr Scalar disable_action{"tarnONTDisableActionDisable", unsigned32, get_zero, any_unsigned32,
+                                act_on_one<disable_ont>};
+constexpr Scalar enable_action{"tarnONTDisableActionEnable", unsigned32, get_zero, any_unsigned32,
+                               act_on_one<enable_ont>};
+
+void reset_request() {
+    slot = 1;
+    serial = {};
+    channel = 0;
+}
 
 }  // namespace
 
@@ -81,24 +75,6 @@ MODULE_SCALAR(tarnONTDisableONTSerial, disable_serial)
 MODULE_SCALAR(tarnONTDisableChannel, disable_channel)
 MODULE_SCALAR(tarnONTDisableActionDisable, disable_action)
 MODULE_SCALAR(tarnONTDisableActionEnable, enable_action)
-
-void init_tarnONTDisable_manual(void) {
-    slot = 1;
-    serial = {};
-    channel = 0;
-    register_scalar(disable_slot, handle_tarnONTDisableSlot, tarnONTDisableSlot_registration);
-    register_scalar(disable_serial, handle_tarnONTDisableONTSerial, tarnONTDisableONTSerial_registration);
-    register_scalar(disable_channel, handle_tarnONTDisableChannel, tarnONTDisableChannel_registration);
-    register_scalar(disable_action, handle_tarnONTDisableActionDisable,
-                    tarnONTDisableActionDisable_registration);
-    register_scalar(enable_action, handle_tarnONTDisableActionEnable,
-                    tarnONTDisableActionEnable_registration);
-}
-
-void deinit_tarnONTDisable_manual(void) {
-    unregister_scalar(tarnONTDisableSlot_registration);
-    unregister_scalar(tarnONTDisableONTSerial_registration);
-    unregister_scalar(tarnONTDisableChannel_registration);
-    unregister_scalar(tarnONTDisableActionDisable_registration);
-    unregister_scalar(tarnONTDisableActionEnable_registration);
-}
+MODULE_SCALARS(tarnONTDisable, reset_request, tarnONTDisableSlot_entry, tarnONTDisableONTSerial_entry,
+               tarnONTDisableChannel_entry, tarnONTDisableActionDisable_entry,
+               tarnONTDisableActionEnable_entry)

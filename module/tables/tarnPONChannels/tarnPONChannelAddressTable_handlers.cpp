@@ -39,7 +39,8 @@ struct Addresses {
     }
     static bool enter(AddressSections *db, Row &row, std::int64_t position) {
         row.record = db->addresses.at(static_cast<std::size_t>(position));
-        row.number = {load_integer(row.record, ont_address::channel), position};
+        row.number[channel] = load_integer(row.record, ont_address::channel);
+        row.number[entry] = position;
         return true;
     }
 };

@@ -33,17 +33,10 @@ int set_interval(const Binding &value) {
     return SNMP_ERR_NOERROR;
 }
 
-constexpr Scalar interval{"tarnPortsUtilizationInterval", {4, 50, 1},  unsigned32, get_interval,
-                          checked_by(check_interval),     set_interval};
+constexpr Scalar interval{"tarnPortsUtilizationInterval", unsigned32, get_interval,
+                          checked_by(check_interval), set_interval};
 
 }  // namespace
 
 MODULE_SCALAR(tarnPortsUtilizationInterval, interval)
-
-void init_tarnPortsUtilizationInterval_manual(void) {
-    register_scalar(interval, handle_tarnPortsUtilizationInterval, tarnPortsUtilizationInterval_registration);
-}
-
-void deinit_tarnPortsUtilizationInterval_manual(void) {
-    unregister_scalar(tarnPortsUtilizationInterval_registration);
-}
+MODULE_SCALARS(tarnPortsUtilizationInterval, reset_nothing, tarnPortsUtilizationInterval_entry)

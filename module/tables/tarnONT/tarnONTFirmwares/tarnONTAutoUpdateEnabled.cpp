@@ -17,7 +17,6 @@ int set_enabled(const Binding &value) {
 }
 
 constexpr Scalar enabled{.name = "tarnONTAutoUpdateEnabled",
-                         .arcs = {3, 30, 23},
                          .type = integer,
                          .get = get_enabled,
                          .check = integer_in(0, 2),
@@ -27,11 +26,4 @@ constexpr Scalar enabled{.name = "tarnONTAutoUpdateEnabled",
 }  // namespace
 
 MODULE_SCALAR(tarnONTAutoUpdateEnabled, enabled)
-
-void init_tarnONTAutoUpdateEnabled_manual(void) {
-    register_scalar(enabled, handle_tarnONTAutoUpdateEnabled, tarnONTAutoUpdateEnabled_registration);
-}
-
-void deinit_tarnONTAutoUpdateEnabled_manual(void) {
-    unregister_scalar(tarnONTAutoUpdateEnabled_registration);
-}
+MODULE_SCALARS(tarnONTAutoUpdateEnabled, reset_nothing, tarnONTAutoUpdateEnabled_entry)

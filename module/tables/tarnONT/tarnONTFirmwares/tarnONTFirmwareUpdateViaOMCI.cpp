@@ -81,23 +81,21 @@ int check_slot(const Binding *value) {
     return number < 1 || number > 16 ? SNMP_ERR_WRONGVALUE : error;
 }
 
-constexpr Scalar slot{"tarnONTFirmwareUpdateViaOMCISlot",
-                      {3, 30, 11, 1},
-                      unsigned32,
-                      get_slot,
-                      checked_by(check_slot),
+constexpr Scalar slot{"tarnONTFirmwareUpdateViaOMCISlot", unsigned32, get_slot, checked_by(check_slot),
                       set_slot};
-constexpr Scalar serial{"tarnONTFirmwareUpdateViaOMCISerial",
-                        {3, 30, 11, 2},
-                        octet_string,
-                        get_serial,
-                        octets_of(serial_size),
-                        set_serial};
-constexpr Scalar file_name{
-    "tarnONTFirmwareUpdateViaOMCIFilename", {3, 30, 11, 3}, octet_string, get_file_name,
-    octets_up_to(longest_file_name),        set_file_name};
-constexpr Scalar action{
-    "tarnONTFirmwareUpdateViaOMCIAction", {3, 30, 11, 4}, unsigned32, get_zero, any_unsigned32, start_update};
+constexpr Scalar serial{"tarnONTFirmwareUpdateViaOMCISerial", octet_string, get_serial,
+                        octets_of(serial_size), set_serial};
+constexpr Scalar file_name{"tarnONTFirmwareUpdateViaOMCIFilename", octet_string, get_file_name,
+                           octets_up_to(longest_file_name), set_file_name};
+constexpr Scalar action{"tarnONTFirmwareUpdateViaOMCIAction", unsigned32, get_zero, any_unsigned32,
+                        start_update};
+
+void reset_request() {
+    omci_slot = 1;
+    omci_serial = {};
+    omci_filename[0] = '\0';
+    omci_filename_length = 0;
+}
 
 }  // namespace
 
@@ -105,25 +103,6 @@ MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCISlot, slot)
 MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCISerial, serial)
 MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCIFilename, file_name)
 MODULE_SCALAR(tarnONTFirmwareUpdateViaOMCIAction, action)
-
-void init_tarnONTFirmwareUpdateViaOMCI_manual(void) {
-    omci_slot = 1;
-    omci_serial = {};
-    omci_filename[0] = '\0';
-    omci_filename_length = 0;
-    register_scalar(slot, handle_tarnONTFirmwareUpdateViaOMCISlot,
-                    tarnONTFirmwareUpdateViaOMCISlot_registration);
-    register_scalar(serial, handle_tarnONTFirmwareUpdateViaOMCISerial,
-                    tarnONTFirmwareUpdateViaOMCISerial_registration);
-    register_scalar(file_name, handle_tarnONTFirmwareUpdateViaOMCIFilename,
-                    tarnONTFirmwareUpdateViaOMCIFilename_registration);
-    register_scalar(action, handle_tarnONTFirmwareUpdateViaOMCIAction,
-                    tarnONTFirmwareUpdateViaOMCIAction_registration);
-}
-
-void deinit_tarnONTFirmwareUpdateViaOMCI_manual(void) {
-    unregister_scalar(tarnONTFirmwareUpdateViaOMCISlot_registration);
-    unregister_scalar(tarnONTFirmwareUpdateViaOMCISerial_registration);
-    unregister_scalar(tarnONTFirmwareUpdateViaOMCIFilename_registration);
-    unregister_scalar(tarnONTFirmwareUpdateViaOMCIAction_registration);
-}
+MODULE_SCALARS(tarnONTFirmwareUpdateViaOMCI, reset_request, tarnONTFirmwareUpdateViaOMCISlot_entry,
+               tarnONTFirmwareUpdateViaOMCISerial_entry, tarnONTFirmwareUpdateViaOMCIFilename_entry,
+               tarnONTFirmwareUpdateViaOMCIAction_entry)

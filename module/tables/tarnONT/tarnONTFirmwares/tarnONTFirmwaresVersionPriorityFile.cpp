@@ -60,19 +60,14 @@ int set_text(const Binding &value) {
     return result == Written::whole ? SNMP_ERR_NOERROR : SNMP_ERR_GENERR;
 }
 
-constexpr Scalar priority{"tarnONTFirmwaresVersionPriorityFile", {3, 30, 8}, octet_string, get_text,
-                          octets_up_to(longest_written),         set_text};
+constexpr Scalar priority{"tarnONTFirmwaresVersionPriorityFile", octet_string, get_text,
+                          octets_up_to(longest_written), set_text};
+
+void reset_text() {
+    text[0] = '\0';
+}
 
 }  // namespace
 
 MODULE_SCALAR(tarnONTFirmwaresVersionPriorityFile, priority)
-
-void init_tarnONTFirmwaresVersionPriorityFile_manual(void) {
-    text[0] = '\0';
-    register_scalar(priority, handle_tarnONTFirmwaresVersionPriorityFile,
-                    tarnONTFirmwaresVersionPriorityFile_registration);
-}
-
-void deinit_tarnONTFirmwaresVersionPriorityFile_manual(void) {
-    unregister_scalar(tarnONTFirmwaresVersionPriorityFile_registration);
-}
+MODULE_SCALARS(tarnONTFirmwaresVersionPriorityFile, reset_text, tarnONTFirmwaresVersionPriorityFile_entry)
