@@ -19,9 +19,8 @@ inline constexpr Column slot_trigger_columns[] = {
 
 // Act gives 0 or a failure, which is reported as commitFailed; `refused` answers a SET of another column.
 template <int (*Act)(int slot)>
-constexpr Table slot_trigger_table(const char *name, int refused) {
+constexpr Table slot_trigger_table(int refused) {
     return {
-        .name = name,
         .index = slot_index,
         .columns = slot_trigger_columns<Act>,
         .rows = row_of_slot,

@@ -17,11 +17,10 @@ inline constexpr Column olt_profile_columns[] = {
 };
 
 template <std::uint8_t *(*Get)(), std::size_t Size, int Count>
-constexpr Table olt_profile_table(const char *name) {
+constexpr Table olt_profile_table() {
     Rows rows = rows_of<RecordsInUse<Get, Size, Count, olt_profile::in_use>>;
     rows.record_is_loop_context = true;
     return {
-        .name = name,
         .index = olt_profile_index<Count>,
         .columns = olt_profile_columns,
         .rows = rows,

@@ -4,8 +4,6 @@
 
 using namespace tarn;
 
-static constexpr Table table =
-    olt_profile_table<get_olt_address_table_profiles, olt_address_table_profile::size,
-                      olt_address_table_profile::count>("tarnOLTAddressTableProfilesTable");
-
-MODULE_ITERATOR_TABLE(tarnOLTAddressTableProfilesTable, table)
+MODULE_ITERATOR_TABLE(tarnOLTAddressTableProfilesTable,
+                      olt_profile_table<get_olt_address_table_profiles, olt_address_table_profile::size,
+                                        olt_address_table_profile::count>())

@@ -64,7 +64,6 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table{
-    .name = "tarnOLTStateTable",
     .index = slot_index,
     .columns = columns,
     .rows = row_of_slot,

@@ -4,8 +4,6 @@
 
 using namespace tarn;
 
-static constexpr Table table =
-    olt_profile_table<get_olt_vlan_profiles, olt_vlan_profile::size, olt_vlan_profile::count>(
-        "tarnOLTVlanProfilesTable");
-
-MODULE_ITERATOR_TABLE(tarnOLTVlanProfilesTable, table)
+MODULE_ITERATOR_TABLE(
+    tarnOLTVlanProfilesTable,
+    olt_profile_table<get_olt_vlan_profiles, olt_vlan_profile::size, olt_vlan_profile::count>())

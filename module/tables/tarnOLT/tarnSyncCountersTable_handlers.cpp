@@ -4,8 +4,6 @@
 
 using namespace tarn;
 
-namespace {
-
 constexpr Column columns[] = {
     {1, unsigned32, slot_plus(1)},
     {2, unsigned32, reads_zero},
@@ -13,13 +11,10 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table{
-    .name = "tarnSyncCountersTable",
     .index = slot_index,
     .columns = columns,
     .rows = row_of_slot,
     .answers = deaf_to_sets,
 };
-
-}  // namespace
 
 MODULE_ITERATOR_TABLE(tarnSyncCountersTable, table)

@@ -99,9 +99,8 @@ inline constexpr Writes stages_one_ont =
 
 // A table of entries in each ONT, `Stride` bytes apart.
 template <int Entries, int Stride, bool ConfiguredSlots = false>
-constexpr Table ont_entries_table(const char *name, Index index, std::span<const Column> columns) {
+constexpr Table ont_entries_table(Index index, std::span<const Column> columns) {
     return {
-        .name = name,
         .index = index,
         .columns = columns,
         .rows = rows_of<OntEntries<Entries, Stride, ConfiguredSlots>>,

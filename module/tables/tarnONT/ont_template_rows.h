@@ -66,10 +66,8 @@ inline constexpr IndexPart template_service_index[] = {number_part(ont_template:
 
 // A table with `Entries` rows a template; `refused` answers the action of a column that is not there.
 template <int Entries>
-constexpr Table template_table(const char *name, std::span<const Column> columns,
-                               int refused = SNMP_ERR_NOTWRITABLE) {
+constexpr Table template_table(std::span<const Column> columns, int refused = SNMP_ERR_NOTWRITABLE) {
     return {
-        .name = name,
         .index = Entries == 1 ? Index{template_index} : Index{template_service_index},
         .columns = columns,
         .rows = rows_of<Templates<Entries>>,

@@ -52,9 +52,8 @@ struct ProfileKind {
     // A table of `Entries` entries in each profile, `Stride` bytes apart; `Commit` sends what a SET has
     // edited.
     template <int Entries, int Stride, int (*Commit)(Row &)>
-    static constexpr Table entries_table(const char *name, Index index, std::span<const Column> columns) {
+    static constexpr Table entries_table(Index index, std::span<const Column> columns) {
         return {
-            .name = name,
             .index = index,
             .columns = columns,
             .rows = rows_of<Rows<Entries, Stride>>,
@@ -64,8 +63,8 @@ struct ProfileKind {
     }
     // The table of the profiles themselves.
     template <int (*Commit)(Row &)>
-    static constexpr Table table(const char *name, std::span<const Column> columns) {
-        return entries_table<1, 0, Commit>(name, profile_index, columns);
+    static constexpr Table table(std::span<const Column> columns) {
+        return entries_table<1, 0, Commit>(profile_index, columns);
     }
 };
 

@@ -74,7 +74,6 @@ struct AddressesBySerial {
 };
 
 constexpr Table table{
-    .name = "tarnONTAddressTable",
     .index = row_index,
     .columns = columns,
     .rows = sorted_rows_of<AddressesBySerial>("append_index_tarnONTAddressTable"),

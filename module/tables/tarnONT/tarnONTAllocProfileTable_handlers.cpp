@@ -25,9 +25,7 @@ constexpr Column columns[] = {
     Profiles::row_status(20),
 };
 
-constexpr Table table =
-    Profiles::table<commit_row<edited, set_alloc_profile>>("tarnONTAllocProfileTable", columns);
-
 }  // namespace
 
-MODULE_ITERATOR_TABLE(tarnONTAllocProfileTable, table)
+MODULE_ITERATOR_TABLE(tarnONTAllocProfileTable,
+                      Profiles::table<commit_row<edited, set_alloc_profile>>(columns))

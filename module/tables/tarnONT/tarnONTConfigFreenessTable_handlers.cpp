@@ -37,7 +37,6 @@ struct TakenPlaces {
 };
 
 constexpr Table table{
-    .name = "tarnONTConfigFreenessTable",
     .index = row_index,
     .columns = columns,
     .rows = sorted_rows_of<TakenPlaces>("tarnONTConfigFreenessTable_get_next_entry"),

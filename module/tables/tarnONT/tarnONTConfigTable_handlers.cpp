@@ -143,7 +143,6 @@ int commit(Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnONTConfigTable",
     .index = ont_index,
     .columns = columns,
     .rows = sorted_rows_of<OntsBySerial>("tarnONTConfigTable_get_next_entry"),

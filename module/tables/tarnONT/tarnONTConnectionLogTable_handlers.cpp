@@ -37,7 +37,6 @@ bool next_configured_ont(std::int64_t &cursor, Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnONTConnectionLogTable",
     .index = ont_index,
     .columns = columns,
     .rows = {.next = next_configured_ont},

@@ -39,9 +39,7 @@ constexpr Column columns[] = {
     Profiles::row_status(20),
 };
 
-constexpr Table table =
-    Profiles::table<commit_row<edited, set_crossconnect_profile>>("tarnONTCrossConnectProfileTable", columns);
-
 }  // namespace
 
-MODULE_ITERATOR_TABLE(tarnONTCrossConnectProfileTable, table)
+MODULE_ITERATOR_TABLE(tarnONTCrossConnectProfileTable,
+                      Profiles::table<commit_row<edited, set_crossconnect_profile>>(columns))

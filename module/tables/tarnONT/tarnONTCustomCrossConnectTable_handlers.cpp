@@ -4,8 +4,6 @@
 using namespace tarn;
 using namespace tarn::ont_config;
 
-namespace {
-
 constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(crossconnects)};
 
 constexpr Column columns[] = {
@@ -18,9 +16,5 @@ constexpr Column columns[] = {
     {7, integer, field(crossconnect_value_5), any_integer},
 };
 
-constexpr Table table =
-    ont_entries_table<crossconnects, crossconnect_size>("tarnONTCustomCrossConnectTable", row_index, columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTCustomCrossConnectTable, table)
+MODULE_ITERATOR_TABLE(tarnONTCustomCrossConnectTable,
+                      ont_entries_table<crossconnects, crossconnect_size>(row_index, columns))

@@ -4,8 +4,6 @@
 using namespace tarn;
 using namespace tarn::ont_config;
 
-namespace {
-
 constexpr IndexPart row_index[] = {slot_part, serial_part, ordinal_part(services)};
 
 constexpr Column columns[] = {
@@ -13,9 +11,5 @@ constexpr Column columns[] = {
     {5, unsigned32, profile(service_profile_1788), any_unsigned32},
 };
 
-constexpr Table table = ont_entries_table<services, service_profile_size, true>(
-    "tarnONTFullServicesConfigTable", row_index, columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTFullServicesConfigTable, table)
+MODULE_ITERATOR_TABLE(tarnONTFullServicesConfigTable,
+                      ont_entries_table<services, service_profile_size, true>(row_index, columns))

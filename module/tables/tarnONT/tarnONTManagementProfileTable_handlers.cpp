@@ -30,8 +30,6 @@ int commit(Row &row) {
                                                                                : SNMP_ERR_COMMITFAILED;
 }
 
-constexpr Table table = Profiles::table<commit>("tarnONTManagementProfileTable", columns);
-
 }  // namespace
 
-MODULE_ITERATOR_TABLE(tarnONTManagementProfileTable, table)
+MODULE_ITERATOR_TABLE(tarnONTManagementProfileTable, Profiles::table<commit>(columns))

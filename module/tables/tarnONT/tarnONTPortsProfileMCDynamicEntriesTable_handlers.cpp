@@ -4,8 +4,6 @@
 using namespace tarn;
 using namespace tarn::ports_profile;
 
-namespace {
-
 constexpr IndexPart row_index[] = {number_part(any_unsigned), number_part(multicast_entries)};
 
 constexpr Column columns[] = {
@@ -14,10 +12,6 @@ constexpr Column columns[] = {
     {4, ip_address, field(multicast_address_6), address_of(4)},
 };
 
-constexpr Table table =
-    PortsProfiles::entries_table<multicast_entries, multicast_entry_size, commit_set<commit_ports_profiles>>(
-        "tarnONTPortsProfileMCDynamicEntriesTable", row_index, columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTPortsProfileMCDynamicEntriesTable, table)
+MODULE_ITERATOR_TABLE(tarnONTPortsProfileMCDynamicEntriesTable,
+                      PortsProfiles::entries_table<multicast_entries, multicast_entry_size,
+                                                   commit_set<commit_ports_profiles>>(row_index, columns))

@@ -4,8 +4,6 @@
 using namespace tarn;
 using namespace tarn::ports_profile;
 
-namespace {
-
 constexpr IndexPart row_index[] = {number_part(any_unsigned), number_part(mld_entries)};
 
 // What does not fill an address leaves zeros after it.
@@ -19,10 +17,7 @@ constexpr Column columns[] = {
     {10, unsigned32, field(mld_value_40), any_unsigned32},
 };
 
-constexpr Table table =
-    PortsProfiles::entries_table<mld_entries, mld_entry_size, commit_set<commit_ports_profiles>>(
-        "tarnONTPortsProfileMLDDynamicEntriesTable", row_index, columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTPortsProfileMLDDynamicEntriesTable, table)
+MODULE_ITERATOR_TABLE(
+    tarnONTPortsProfileMLDDynamicEntriesTable,
+    PortsProfiles::entries_table<mld_entries, mld_entry_size, commit_set<commit_ports_profiles>>(row_index,
+                                                                                                 columns))

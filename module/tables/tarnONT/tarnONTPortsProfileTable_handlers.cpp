@@ -4,8 +4,6 @@
 using namespace tarn;
 using namespace tarn::ports_profile;
 
-namespace {
-
 constexpr Column columns[] = {
     profile_number,
     profile_description,
@@ -39,9 +37,5 @@ constexpr Column columns[] = {
     {38, unsigned32, field(value_532), any_unsigned32},
 };
 
-constexpr Table table =
-    PortsProfiles::table<commit_set<commit_ports_profiles>>("tarnONTPortsProfileTable", columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTPortsProfileTable, table)
+MODULE_ITERATOR_TABLE(tarnONTPortsProfileTable,
+                      PortsProfiles::table<commit_set<commit_ports_profiles>>(columns))

@@ -4,8 +4,6 @@
 using namespace tarn;
 using namespace tarn::ports_profile;
 
-namespace {
-
 constexpr IndexPart row_index[] = {number_part(any_unsigned), number_part(uni_ports)};
 
 constexpr Column columns[] = {
@@ -28,10 +26,7 @@ constexpr Column columns[] = {
     {17, integer, field(uni_value_1413), any_integer},
 };
 
-constexpr Table table =
-    PortsProfiles::entries_table<uni_ports, uni_port_size, commit_set<commit_ports_profiles>>(
-        "tarnONTPortsProfileUNITable", row_index, columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTPortsProfileUNITable, table)
+MODULE_ITERATOR_TABLE(
+    tarnONTPortsProfileUNITable,
+    PortsProfiles::entries_table<uni_ports, uni_port_size, commit_set<commit_ports_profiles>>(row_index,
+                                                                                              columns))

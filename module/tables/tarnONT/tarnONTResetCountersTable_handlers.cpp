@@ -35,7 +35,6 @@ bool next_listed_ont(std::int64_t &cursor, Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnONTResetCountersTable",
     .index = ont_index,
     .columns = columns,
     .rows = {.next = next_listed_ont},

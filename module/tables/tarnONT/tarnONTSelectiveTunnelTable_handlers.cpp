@@ -100,7 +100,6 @@ int commit(Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnONTSelectiveTunnelTable",
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_place,

@@ -5,8 +5,6 @@
 
 using namespace tarn;
 
-namespace {
-
 constexpr Column columns[] = {
     profile_number,
     profile_description,
@@ -15,9 +13,5 @@ constexpr Column columns[] = {
     ShapingProfiles::row_status(10),
 };
 
-constexpr Table table =
-    ShapingProfiles::table<commit_set<commit_shaping_profiles>>("tarnONTShapingProfileTable", columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTShapingProfileTable, table)
+MODULE_ITERATOR_TABLE(tarnONTShapingProfileTable,
+                      ShapingProfiles::table<commit_set<commit_shaping_profiles>>(columns))

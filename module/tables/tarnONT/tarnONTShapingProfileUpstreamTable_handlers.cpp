@@ -30,9 +30,8 @@ constexpr Column columns[] = {
     {6, unsigned32, field_of(short_entry, short_value), any_unsigned32},
 };
 
-constexpr Table table = ShapingProfiles::entries_table<crossconnects, 0, commit_set<commit_shaping_profiles>>(
-    "tarnONTShapingProfileUpstreamTable", row_index, columns);
-
 }  // namespace
 
-MODULE_ITERATOR_TABLE(tarnONTShapingProfileUpstreamTable, table)
+MODULE_ITERATOR_TABLE(
+    tarnONTShapingProfileUpstreamTable,
+    ShapingProfiles::entries_table<crossconnects, 0, commit_set<commit_shaping_profiles>>(row_index, columns))

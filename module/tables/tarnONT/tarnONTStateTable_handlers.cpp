@@ -115,7 +115,6 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table{
-    .name = "tarnONTStateTable",
     .index = ont_index,
     .columns = columns,
     .rows = sorted_rows_of<ListedOnts>("append_index_state"),

@@ -4,8 +4,6 @@
 using namespace tarn;
 using namespace tarn::ont_template;
 
-namespace {
-
 constexpr Column override_column(int number, Field flag) {
     return {number, integer, truth(flag), any_integer};
 }
@@ -46,8 +44,4 @@ constexpr Column columns[] = {
     override_column(39, flag_469_override),
 };
 
-constexpr Table table = template_table<1>("tarnONTTemplateOverridesTable", columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTTemplateOverridesTable, table)
+MODULE_ITERATOR_TABLE(tarnONTTemplateOverridesTable, template_table<1>(columns))

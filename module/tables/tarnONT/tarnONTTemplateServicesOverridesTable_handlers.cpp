@@ -4,15 +4,9 @@
 using namespace tarn;
 using namespace tarn::ont_template;
 
-namespace {
-
 constexpr Column columns[] = {
     {2, integer, truth(service_profile_325_override), integer_in(1, 2)},
     {3, integer, truth(service_profile_389_override), integer_in(1, 2)},
 };
 
-constexpr Table table = template_table<services>("tarnONTTemplateServicesOverridesTable", columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTTemplateServicesOverridesTable, table)
+MODULE_ITERATOR_TABLE(tarnONTTemplateServicesOverridesTable, template_table<services>(columns))

@@ -5,15 +5,9 @@
 using namespace tarn;
 using namespace tarn::ont_template;
 
-namespace {
-
 constexpr Column columns[] = {
     {2, unsigned32, profile(service_profile_325), any_unsigned32},
     {3, unsigned32, profile(service_profile_389), any_unsigned32},
 };
 
-constexpr Table table = template_table<services>("tarnONTTemplateServicesValuesTable", columns);
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnONTTemplateServicesValuesTable, table)
+MODULE_ITERATOR_TABLE(tarnONTTemplateServicesValuesTable, template_table<services>(columns))

@@ -62,8 +62,6 @@ constexpr Column columns[] = {
     {100, integer, constant(1), any_integer, set_row_status, true},
 };
 
-constexpr Table table = template_table<1>("tarnONTTemplateValuesTable", columns, SNMP_ERR_NOERROR);
-
 }  // namespace
 
-MODULE_ITERATOR_TABLE(tarnONTTemplateValuesTable, table)
+MODULE_ITERATOR_TABLE(tarnONTTemplateValuesTable, template_table<1>(columns, SNMP_ERR_NOERROR))

@@ -67,7 +67,6 @@ struct WorkingPorts {
 };
 
 constexpr Table table{
-    .name = "tarnONTUNIPortsStateTable",
     .index = row_index,
     .columns = columns,
     .rows = sorted_rows_of<WorkingPorts>("append_index_oupt"),

@@ -26,7 +26,6 @@ bool may_be_set(Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnOntConfigUniPortTable",
     .index = row_index,
     .columns = columns,
     .rows = rows_of<Ports>,

@@ -30,7 +30,6 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table{
-    .name = "tarnPONChannelActModeTable",
     .index = row_index,
     .columns = columns,
     .rows = numbers_up_to<channels_per_slot>,

@@ -46,7 +46,6 @@ struct Addresses {
 };
 
 constexpr Table table{
-    .name = "tarnPONChannelAddressTable",
     .index = row_index,
     .columns = columns,
     .rows = sorted_rows_of<Addresses>("tarnPONChannelAddressTable_append_index"),

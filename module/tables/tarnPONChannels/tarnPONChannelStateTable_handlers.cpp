@@ -87,7 +87,6 @@ bool next_channel(std::int64_t &cursor, Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnPONChannelStateTable",
     .index = row_index,
     .columns = columns,
     .rows = {.next = next_channel},

@@ -45,9 +45,8 @@ struct RawTextTable {
     static constexpr IndexPart row_index[] = {slot_part, number_part(any_unsigned)};
     static constexpr Column columns[] = {{3, octet_string, answered_by(answer_chunk)}};
 
-    static constexpr Table table(const char *name, const char *index_builder) {
+    static constexpr Table table(const char *index_builder) {
         return {
-            .name = name,
             .index = row_index,
             .columns = columns,
             .rows = {.find = find_chunk, .successor = next_chunk, .index_builder = index_builder},

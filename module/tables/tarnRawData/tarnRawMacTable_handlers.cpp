@@ -5,13 +5,7 @@
 
 using namespace tarn;
 
-namespace {
-
-constexpr Table table =
+MODULE_NEXTGEN_TABLE(
+    tarnRawMacTable,
     RawTextTable<get_global_ont_address_table_raw, AddressSections,
-                 &AddressSections::address_text_length>::table("tarnRawMacTable",
-                                                               "tarnRawMacTable_append_index");
-
-}  // namespace
-
-MODULE_NEXTGEN_TABLE(tarnRawMacTable, table)
+                 &AddressSections::address_text_length>::table("tarnRawMacTable_append_index"))

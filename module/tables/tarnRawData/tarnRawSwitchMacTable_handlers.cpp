@@ -5,12 +5,7 @@
 
 using namespace tarn;
 
-namespace {
-
-constexpr Table table =
+MODULE_NEXTGEN_TABLE(
+    tarnRawSwitchMacTable,
     RawTextTable<get_raw_switch_mac_table, SwitchSections, &SwitchSections::mac_text_length>::table(
-        "tarnRawSwitchMacTable", "tarnRawSwitchMacTable_append_index");
-
-}  // namespace
-
-MODULE_NEXTGEN_TABLE(tarnRawSwitchMacTable, table)
+        "tarnRawSwitchMacTable_append_index"))

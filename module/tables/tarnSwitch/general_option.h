@@ -45,9 +45,8 @@ struct GeneralOption {
          .second_check = integer_within(1, 2, SNMP_ERR_WRONGVALUE)},
     };
 
-    static constexpr Table table(const char *name) {
+    static constexpr Table table() {
         return {
-            .name = name,
             .index = slot_index,
             .columns = columns,
             .rows = record_of_slot<general_section>,

@@ -51,9 +51,8 @@ struct QosMapping {
         }
     };
 
-    static constexpr Table table(const char *name) {
+    static constexpr Table table() {
         return {
-            .name = name,
             .index = row_index,
             .columns = columns,
             .rows = rows_of<Queues>,

@@ -5,10 +5,4 @@
 
 using namespace tarn;
 
-namespace {
-
-constexpr Table table = GeneralOption<switch_general::p2p, SNMP_ERR_NOERROR>::table("tarnP2PTable");
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnP2PTable, table)
+MODULE_ITERATOR_TABLE(tarnP2PTable, GeneralOption<switch_general::p2p, SNMP_ERR_NOERROR>::table())

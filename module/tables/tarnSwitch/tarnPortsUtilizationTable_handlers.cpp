@@ -6,8 +6,6 @@
 
 using namespace tarn;
 
-namespace {
-
 constexpr Conversion divided_by_125{.to_snmp = [](std::int64_t stored) {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(stored) / 125);
 }};
@@ -29,12 +27,9 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table{
-    .name = "tarnPortsUtilizationTable",
     .index = switch_port_index,
     .columns = columns,
     .rows = numbers_up_to<switch_ports>,
 };
-
-}  // namespace
 
 MODULE_ITERATOR_TABLE(tarnPortsUtilizationTable, table)

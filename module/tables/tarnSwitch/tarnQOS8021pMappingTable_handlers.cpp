@@ -5,11 +5,6 @@
 
 using namespace tarn;
 
-namespace {
-
-constexpr Table table = QosMapping<switch_qos::priority_mask, blade_convert_802_8bit_mask_to_snmp,
-                                   switch_qos::last_priority_queue>::table("tarnQOS8021pMappingTable");
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnQOS8021pMappingTable, table)
+MODULE_ITERATOR_TABLE(tarnQOS8021pMappingTable,
+                      QosMapping<switch_qos::priority_mask, blade_convert_802_8bit_mask_to_snmp,
+                                 switch_qos::last_priority_queue>::table())

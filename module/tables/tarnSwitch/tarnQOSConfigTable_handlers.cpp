@@ -25,7 +25,6 @@ constexpr Column columns[] = {
 EditedSlots edited;
 
 constexpr Table table{
-    .name = "tarnQOSConfigTable",
     .index = slot_index,
     .columns = columns,
     .rows = found_record_of_slot<qos_section>,

@@ -5,11 +5,6 @@
 
 using namespace tarn;
 
-namespace {
-
-constexpr Table table = QosMapping<switch_qos::dscp_mask, blade_convert_dscp_64bit_mask_to_snmp,
-                                   switch_qos::last_dscp_queue>::table("tarnQOSDSCPMappingTable");
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnQOSDSCPMappingTable, table)
+MODULE_ITERATOR_TABLE(tarnQOSDSCPMappingTable,
+                      QosMapping<switch_qos::dscp_mask, blade_convert_dscp_64bit_mask_to_snmp,
+                                 switch_qos::last_dscp_queue>::table())

@@ -4,11 +4,5 @@
 
 using namespace tarn;
 
-namespace {
-
-constexpr Table table =
-    GeneralOption<switch_general::igmp_snooping, SNMP_ERR_GENERR>::table("tarnSwitchIGMPSnoopingTable");
-
-}  // namespace
-
-MODULE_ITERATOR_TABLE(tarnSwitchIGMPSnoopingTable, table)
+MODULE_ITERATOR_TABLE(tarnSwitchIGMPSnoopingTable,
+                      GeneralOption<switch_general::igmp_snooping, SNMP_ERR_GENERR>::table())

@@ -98,7 +98,6 @@ constexpr Column columns[] = {
 };
 
 constexpr Table table{
-    .name = "tarnSwitchMacListTable",
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_entry,

@@ -35,7 +35,6 @@ bool next_vlan(std::int64_t &cursor, Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnSwitchOperationalVLANTable",
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_vlan, .next = next_vlan},

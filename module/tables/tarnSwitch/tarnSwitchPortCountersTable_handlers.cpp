@@ -24,7 +24,6 @@ constexpr auto columns = [] {
 }();
 
 constexpr Table table{
-    .name = "tarnSwitchPortCountersTable",
     .index = switch_port_index,
     .columns = columns,
     .rows = numbers_up_to<switch_ports>,

@@ -32,7 +32,6 @@ bool next_port(std::int64_t &cursor, Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnSwitchPortsTable",
     .index = row_index,
     .columns = columns,
     .rows = {.next = next_port},

@@ -174,7 +174,6 @@ bool next_vlan(Row &row) {
 }
 
 constexpr Table table{
-    .name = "tarnSwitchVLANTable",
     .index = row_index,
     .columns = columns,
     .rows = {.find = find_vlan, .successor = next_vlan, .index_builder = "append_vlan_index"},

@@ -190,7 +190,6 @@ struct Rules {
 };
 
 constexpr Table table{
-    .name = "tarnONTAutoUpdateTable",
     .index = row_index,
     .columns = columns,
     .rows = rows_of<Rules>,

@@ -159,7 +159,6 @@ struct Tasks {
 };
 
 constexpr Table table{
-    .name = "tarnONTFWUpdateSchedulerTable",
     .index = row_index,
     .columns = columns,
     .rows = rows_of<Tasks>,

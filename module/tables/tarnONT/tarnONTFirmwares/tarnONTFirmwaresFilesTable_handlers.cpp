@@ -53,7 +53,6 @@ struct Images {
 };
 
 constexpr Table table{
-    .name = "tarnONTFirmwaresFilesTable",
     .index = row_index,
     .columns = columns,
     .rows = rows_of<Images>,

@@ -167,7 +167,6 @@ int commit(Row & /*row*/) {
 }
 
 constexpr Table table{
-    .name = "tarnONTFirmwaresSpecificsTable",
     .index = row_index,
     .columns = columns,
     .rows = rows_of<ParameterFiles>,

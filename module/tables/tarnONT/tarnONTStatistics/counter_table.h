@@ -73,9 +73,8 @@ struct CounterTableParts {
         {3, unsigned32, index_number(0, 1)},  {4, unsigned32, index_number(1, 1)},
         {5, octet_string, answered_by(name)}, {6, unsigned32, answered_by(value)},
     };
-    static constexpr Table table(const char *name, const char *index_builder) {
+    static constexpr Table table(const char *index_builder) {
         return {
-            .name = name,
             .index = row_index,
             .columns = columns,
             .rows = {.find = find_ont,
@@ -97,9 +96,7 @@ struct CounterTableParts {
     }
 
 // The callbacks of the table T.
-#define MODULE_COUNTER_TABLE(T, counters)                                 \
-    static constexpr tarn::Table T##_table =                              \
-        tarn::CounterTableParts<counters>::table(#T, "append_index_" #T); \
-    MODULE_NEXTGEN_TABLE(T, T##_table)
+#define MODULE_COUNTER_TABLE(T, counters) \
+    MODULE_NEXTGEN_TABLE(T, tarn::CounterTableParts<counters>::table("append_index_" #T))
 
 #endif

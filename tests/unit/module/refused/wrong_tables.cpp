@@ -24,9 +24,8 @@ constexpr Column slot{1, unsigned32, slot_plus(1)};
 constexpr Column name{2, octet_string, field(text), octets_up_to(15)};
 constexpr Column trigger{4, unsigned32, reads_zero, any_unsigned32, on_one<act>};
 
-constexpr Table table_of(const char *title, std::span<const Column> columns) {
+constexpr Table table_of(std::span<const Column> columns) {
     return {
-        .name = title,
         .index = row_index,
         .columns = columns,
         .rows = {.find = find, .next = next_only_row},
@@ -34,7 +33,7 @@ constexpr Table table_of(const char *title, std::span<const Column> columns) {
 }
 
 constexpr Column columns[] = {slot, name, trigger};
-constexpr Table right = table_of("rightTable", columns);
+constexpr Table right = table_of(columns);
 
 }  // namespace
 
@@ -44,7 +43,7 @@ MODULE_ITERATOR_TABLE(rightTable, right)
 
 #define WRONG_COLUMNS(T, ...)                            \
     static constexpr Column T##_columns[] = __VA_ARGS__; \
-    static constexpr Table T = table_of(#T, T##_columns);
+    static constexpr Table T = table_of(T##_columns);
 
 // refused: columns ascend without repetition
 WRONG_COLUMNS(repeated, {slot, name, name})
@@ -83,17 +82,15 @@ MODULE_ITERATOR_TABLE(written_nowhere, written_nowhere)
 
 // refused: a table that leaves SETs alone has no writable column
 static constexpr Table deaf{
-    .name = "deaf",
     .index = row_index,
     .columns = columns,
     .rows = {.find = find, .next = next_only_row},
-    .answers = {.ignores_set = true},
+    .answers = deaf_to_sets,
 };
 MODULE_ITERATOR_TABLE(deaf, deaf)
 
 // refused: a table whose columns lie in its rows' records finds them
 static constexpr Table blind{
-    .name = "blind",
     .index = row_index,
     .columns = columns,
     .rows = {.next = next_only_row},
@@ -102,7 +99,6 @@ MODULE_ITERATOR_TABLE(blind, blind)
 
 // refused: an iterator table walks by next
 static constexpr Table lame{
-    .name = "lame",
     .index = row_index,
     .columns = columns,
     .rows = {.find = find},
@@ -111,15 +107,10 @@ MODULE_ITERATOR_TABLE(lame, lame)
 
 // refused: a nextgen table walks by successor
 static constexpr Table other_style{
-    .name = "other_style",
     .index = row_index,
     .columns = columns,
     .rows = {.find = find, .next = next_only_row, .index_builder = "builder"},
 };
 MODULE_NEXTGEN_TABLE(other_style, other_style)
-
-// refused: a table has the name of its callbacks
-WRONG_COLUMNS(mistaken, {slot})
-MODULE_ITERATOR_TABLE(misnamed, mistaken)
 
 #endif
