@@ -1,5 +1,5 @@
-// Fixed sample data for the address table, the session lists, the VLAN list and the table of MAC addresses, for
-// trying a manager without a card. Nothing in the module calls these.
+// Fixed sample data for the address table, the session lists, the VLAN list and the table of MAC addresses,
+// for trying a manager without a card. Nothing in the module calls these.
 #ifndef TARN_MODULE_ABI_SAMPLE_DATA_H
 #define TARN_MODULE_ABI_SAMPLE_DATA_H
 

@@ -168,7 +168,7 @@ constexpr Check checked_by(int (*custom)(const Binding *value)) {
 // 0 or an SNMP error. Without an action a SET stores into the column's field of the record being edited.
 using Action = int (*)(Row &row, const Binding &value);
 
-// A trigger on any value, respectively on exactly 1, with the error of a failure.
+// A trigger on any value, and one on exactly 1, with the error of a failure.
 template <int (*Act)(const Row &row), int Failure = SNMP_ERR_GENERR>
 int on_any_value(Row &row, const Binding & /*value*/) {
     return Act(row) == 0 ? SNMP_ERR_NOERROR : Failure;

@@ -19,11 +19,11 @@ void build_index(Index index, const Row &row, oid *to);
 bool parse_exact_index(Index index, const oid *from, std::size_t length, Row &row);
 
 // Reads what there is of an index in order to find its successor: a missing number reads as -1, before the
-// first, a missing serial byte as 0; a value above its range reads as the last one with everything behind it
+// first, a missing serial byte as 0; a value above its range reads as the last one with everything after it
 // at its end.
 void parse_partial_index(Index index, const oid *from, std::size_t length, Row &row);
 
-// The index list of an iterator table: writes the row into the host's list, respectively reads it back.
+// The index list of an iterator table: writes the row into the host's list, and reads it back.
 // Reading gives false where a value is out of range or the list too short.
 void fill_index_list(Index index, const Row &row, netsnmp_variable_list *list);
 bool parse_index_list(Index index, const netsnmp_variable_list *list, Row &row);

@@ -59,7 +59,7 @@ int locate_for_set(const Table &table, Target &target, int mode) {
     return found || created ? SNMP_ERR_NOERROR : missing;
 }
 
-int reserve(const Table &table, Target &target, const Binding *value) {
+int check_target(const Table &table, Target &target, const Binding *value) {
     if (table.answers.row_before_column) {
         if (const int error = locate_for_set(table, target, MODE_SET_RESERVE1); error != SNMP_ERR_NOERROR) {
             return error;
@@ -109,7 +109,7 @@ void take_back_edits(Stamp *section) {
     }
 }
 
-int act(const Table &table, Target &target, const Binding &value) {
+int act(const Table &table, Target &target, Binding *value) {
     if (!writable(target.column)) {
         return table.answers.in(MODE_SET_ACTION, no_column);
     }
@@ -124,12 +124,12 @@ int act(const Table &table, Target &target, const Binding &value) {
         return SNMP_ERR_GENERR;
     }
     if (table.writes.stage != nullptr) {
-        error = table.writes.stage(target.row, *target.column, value);
+        error = table.writes.stage(target.row, *target.column, *value);
     }
     if (error != SNMP_ERR_NOERROR) {
         return error;
     }
-    error = edit(table, target, value);
+    error = edit(table, target, *value);
     if (section != nullptr && error == SNMP_ERR_NOERROR) {
         section->held = true;
     } else {
@@ -138,7 +138,7 @@ int act(const Table &table, Target &target, const Binding &value) {
     return error;
 }
 
-int commit(const Table &table, Target &target) {
+int commit(const Table &table, Target &target, Binding * /*value*/) {
     const int error = table.writes.commit != nullptr ? table.writes.commit(target.row) : SNMP_ERR_NOERROR;
     Stamp *section = edited_section(table, target);
     if (section != nullptr && error == SNMP_ERR_NOERROR) {
@@ -149,7 +149,7 @@ int commit(const Table &table, Target &target) {
     return error;
 }
 
-int undo(const Table &table, const Target &target) {
+int undo(const Table &table, Target &target, Binding * /*value*/) {
     take_back_edits(edited_section(table, target));
     if (table.writes.undo != nullptr) {
         table.writes.undo();
@@ -160,15 +160,15 @@ int undo(const Table &table, const Target &target) {
     return SNMP_ERR_NOERROR;
 }
 
-int begin(const Table &table, Target &target, const Binding *value) {
-    const int error = reserve(table, target, value);
+int reserve(const Table &table, Target &target, Binding *value) {
+    const int error = check_target(table, target, value);
     if (table.writes.foresee != nullptr && target.index_valid && error == SNMP_ERR_NOERROR) {
         table.writes.foresee(target.row, *target.column, *value);
     }
     return error;
 }
 
-int check_again(const Target &target, const Binding *value) {
+int check_again(const Table & /*table*/, Target &target, Binding *value) {
     return target.column != nullptr ? check_value(target.column->second_check, value) : SNMP_ERR_NOERROR;
 }
 
@@ -182,31 +182,31 @@ std::optional<int> answer_outright(const Answers &answers, int mode, const Targe
                                                                          : std::nullopt;
 }
 
+struct ServedMode {
+    int mode;
+    int (*serve)(const Table &table, Target &target, Binding *binding);
+    bool in_transaction;
+};
+constexpr ServedMode served_modes[] = {
+    {MODE_GET, answer_get, false},          {MODE_SET_RESERVE1, reserve, true},
+    {MODE_SET_RESERVE2, check_again, true}, {MODE_SET_ACTION, act, true},
+    {MODE_SET_COMMIT, commit, true},        {MODE_SET_FREE, undo, false},  // they end the transaction
+    {MODE_SET_UNDO, undo, false},
+};
+
 // The error of one mode; none for a mode that the frame does not know.
 std::optional<int> serve(const Table &table, int mode, Target &target, Binding *binding) {
     if (const std::optional<int> answer = answer_outright(table.answers, mode, target)) {
         return answer;
     }
-    if (mode >= MODE_SET_RESERVE1 && mode <= MODE_SET_COMMIT && table.writes.transaction.enter != nullptr) {
+    const auto *served = std::ranges::find(served_modes, mode, &ServedMode::mode);
+    if (served == std::end(served_modes)) {
+        return std::nullopt;
+    }
+    if (served->in_transaction && table.writes.transaction.enter != nullptr) {
         table.writes.transaction.enter(mode);
     }
-    switch (mode) {
-        case MODE_GET:
-            return answer_get(table, target, binding);
-        case MODE_SET_RESERVE1:
-            return begin(table, target, binding);
-        case MODE_SET_RESERVE2:
-            return check_again(target, binding);
-        case MODE_SET_ACTION:
-            return act(table, target, *binding);
-        case MODE_SET_COMMIT:
-            return commit(table, target);
-        case MODE_SET_FREE:
-        case MODE_SET_UNDO:
-            return undo(table, target);
-        default:
-            return std::nullopt;
-    }
+    return served->serve(table, target, binding);
 }
 
 }  // namespace
@@ -295,7 +295,7 @@ int handle_nextgen(const Table &table, int mode, netsnmp_request_info *request, 
     Target target;
     target.row.slot = slot_byte(slot);
     if (name.length >= index_start) {
-        // The column stands behind the entry; get_colnum_from_oid knows tables of 11 sub-identifiers only.
+        // The column follows the entry; get_colnum_from_oid knows tables of 11 sub-identifiers only.
         target.column = find_column(
             table, get_int_from_oid(name.name, name.length, static_cast<int>(table.rows.prefix) + 1));
         target.index_valid =

@@ -18,6 +18,7 @@ inline constexpr int template_stride = ont_template::service_profile_size;
 struct EditedTemplates {
     CommitSet<ont_template::count> created;
 
+    static void add(int index) { add_template_to_commit(index); }
     void forget() {
         created.reset();
         cleanup_templates_commit_needs();
@@ -33,7 +34,7 @@ inline bool template_in_use(const Row &row) {
     return load_integer(row.record - row.number[1] * template_stride, ont_template::in_use) != 0;
 }
 
-inline int stage_template(Row &row, const Column &column, const Binding & /*value*/) {
+inline int stage_template(Row &row, const Column &column, const Binding &value) {
     const int index = item_of_number(row);
     const bool edited =
         chassis_sections<TemplateSections>()->templates_to_commit.contains(index);  // as one that it destroys
@@ -41,8 +42,7 @@ inline int stage_template(Row &row, const Column &column, const Binding & /*valu
         !edited_templates.state.created.contains(index)) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
-    add_template_to_commit(index);
-    return SNMP_ERR_NOERROR;
+    return note_item<edited_templates, item_of_number>(row, column, value);
 }
 
 inline void foresee_template(const Row &row, const Column &column, const Binding &value) {
@@ -64,6 +64,13 @@ inline constexpr IndexPart template_index[] = {number_part(ont_template::count)}
 inline constexpr IndexPart template_service_index[] = {number_part(ont_template::count),
                                                        ordinal_part(ont_template::services)};
 
+template <int Entries>
+inline constexpr Writes edits_templates =
+    edits_section<edited_templates, templates_stamp, commit_templates>
+        .found_by(find_place_in<Templates<Entries>>)
+        .foreseen_by(foresee_template)
+        .staged_by(stage_template);
+
 // A table with `Entries` rows a template; `refused` answers the action of a column that is not there.
 template <int Entries>
 constexpr Table template_table(std::span<const Column> columns, int refused = SNMP_ERR_NOTWRITABLE) {
@@ -71,12 +78,7 @@ constexpr Table template_table(std::span<const Column> columns, int refused = SN
         .index = Entries == 1 ? Index{template_index} : Index{template_service_index},
         .columns = columns,
         .rows = rows_of<Templates<Entries>>,
-        .writes = {.find = find_place_in<Templates<Entries>>,
-                   .transaction = transaction_of<edited_templates>,
-                   .foresee = foresee_template,
-                   .stage = stage_template,
-                   .section = templates_stamp,
-                   .commit = commit_templates},
+        .writes = edits_templates<Entries>,
         .answers = row_first.with(reserving, no_row, accepted).with(acting, no_column, refused),
     };
 }

@@ -59,7 +59,7 @@ struct Position {
     }
 };
 
-// Moves to the place behind the row's; false when that was the ONT's last.
+// Moves to the place after the row's; false when that was the ONT's last.
 bool advance_within_ont(Row &row) {
     if (row.number[service] < 0) {
         row.number[service] = row.number[place] = 0;
