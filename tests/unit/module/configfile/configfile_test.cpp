@@ -28,8 +28,10 @@ TEST_F(ConfigFileTest, ReplacesTheFileInOneStep) {
         EXPECT_EQ(cf_SetParam(link.c_str(), "b", "3", nullptr), 5U);
     }
     EXPECT_EQ(read(path), "a=1\n");
+    fs::create_hard_link(path, at("/old"));  // as one sees it who has it open
     EXPECT_EQ(cf_SetParam(link.c_str(), "b", "3", nullptr), 0U);
     EXPECT_EQ(read(path), "a=1\nb=3\n");
+    EXPECT_EQ(read(at("/old")), "a=1\n");
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(fs::status(path).permissions(), mode);
     for (const auto &entry : fs::directory_iterator(at("/"))) {
