@@ -118,7 +118,7 @@ int act(const Table &table, Target &target, Binding *value) {
         return error;
     }
     const bool deletes =
-        table.writes.deletes_at_once && target.column->creates && *value.val.integer == destroy;
+        table.writes.deletes_at_once && target.column->creates && *value->val.integer == destroy;
     Stamp *section = deletes ? nullptr : edited_section(table, target);
     if (section != nullptr && !may_edit(*section, table.name, section_owner(table, target))) {
         return SNMP_ERR_GENERR;
