@@ -69,8 +69,8 @@ std::span<std::uint8_t> profile_of(Card &card, Moment now, const Json &request) 
     ProfileStore &store = provisioned(card, now).profiles;
     const std::string name = text(request, "kind");
     for (std::size_t kind = 0; kind < profile_kind_count; ++kind) {
-        if (profile_kinds[kind].name == name && !store[kind].empty()) {
-            const auto index = number(request, "index", 0, profile_kinds[kind].count - 1);
+        if (profile_kinds[kind]->name == name && !store[kind].empty()) {
+            const auto index = number(request, "index", 0, profile_kinds[kind]->count - 1);
             return profile_record(store, kind, static_cast<int>(index));
         }
     }

@@ -17,7 +17,7 @@ Refusal get_profiles(Exchange &exchange) {
 template <std::size_t kind, bool exists, class Act>
 Refusal with_profile(Exchange &exchange, Act act) {
     const std::uint16_t index = load_le16(exchange.request.data() + payload);
-    if (index >= profile_kinds[kind].count) {
+    if (index >= profile_kinds[kind]->count) {
         return {board_status::malformed, "profile " + std::to_string(index) + " out of range"};
     }
     const std::span record =
@@ -51,16 +51,15 @@ constexpr RequestRule rule(std::uint16_t command, std::uint32_t length, Refusal 
     return {command, destination::configuration, length, handle, {}, profiles_only};
 }
 
-#define PROFILE_RULES(K, kind)                                                    \
-    rule(command::get_##K##_profiles, 32, get_profiles<kind>),                    \
-        rule(command::add_##K##_profile, index_length + profile_kinds[kind].size, \
-             store_profile<kind, false>),                                         \
-        rule(command::set_##K##_profile, index_length + profile_kinds[kind].size, \
-             store_profile<kind, true>),                                          \
-        rule(command::delete_##K##_profile, index_length, delete_profile<kind>)
+#define PROFILE_RULES(kind)                                                                                  \
+    rule(profile_kinds[kind]->list, 32, get_profiles<kind>),                                                 \
+        rule(profile_kinds[kind]->add, index_length + profile_kinds[kind]->size,                             \
+             store_profile<kind, false>),                                                                    \
+        rule(profile_kinds[kind]->set, index_length + profile_kinds[kind]->size, store_profile<kind, true>), \
+        rule(profile_kinds[kind]->remove, index_length, delete_profile<kind>)
 
-constexpr RequestRule rules[] = {PROFILE_RULES(management, 0), PROFILE_RULES(crossconnect, 1),
-                                 PROFILE_RULES(shaping, 2), PROFILE_RULES(alloc, 3), PROFILE_RULES(ports, 4)};
+constexpr RequestRule rules[] = {PROFILE_RULES(0), PROFILE_RULES(1), PROFILE_RULES(2), PROFILE_RULES(3),
+                                 PROFILE_RULES(4)};
 
 }  // namespace
 

@@ -24,7 +24,7 @@ std::vector<std::uint8_t> make_list(std::size_t size, int count, int used, const
 ProfileStore make_profiles(int used) {
     ProfileStore store;
     for (std::size_t kind = 0; kind < profile_kind_count; ++kind) {
-        const ProfileKind &description = profile_kinds[kind];
+        const ProfileDescription &description = *profile_kinds[kind];
         store[kind].resize(description.size * static_cast<std::size_t>(description.count));
         for (int index = 0; index < std::min(used, description.count); ++index) {
             std::uint8_t *record = profile_record(store, kind, index).data();

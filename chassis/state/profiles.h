@@ -5,29 +5,13 @@
 #include <array>
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
-#include "wire/defaults.h"
 #include "wire/records/profile.h"
 
 namespace tarn::chassis {
 
-struct ProfileKind {
-    std::string_view name;
-    std::size_t size;
-    int count;
-    std::span<const Default> defaults;
-};
-
-// In the order of ProfileStore.
-inline constexpr ProfileKind profile_kinds[] = {
-    {"management", management_profile::size, management_profile::count, management_profile::defaults},
-    {"crossconnect", crossconnect_profile::size, crossconnect_profile::count, crossconnect_profile::defaults},
-    {"shaping", shaping_profile::size, shaping_profile::count, shaping_profile::defaults},
-    {"alloc", alloc_profile::size, alloc_profile::count, alloc_profile::defaults},
-    {"ports", ports_profile::size, ports_profile::count, ports_profile::defaults},
-};
+// In the order of profile_kinds.
 inline constexpr std::size_t profile_kind_count = std::size(profile_kinds);
 
 // The records of each kind, one behind the other, as the card sends them.
@@ -46,7 +30,7 @@ OltProfileLists make_olt_profiles(int used);
 
 // One profile's record.
 inline std::span<std::uint8_t> profile_record(ProfileStore &store, std::size_t kind, int index) {
-    const std::size_t size = profile_kinds[kind].size;
+    const std::size_t size = profile_kinds[kind]->size;
     return std::span(store[kind]).subspan(static_cast<std::size_t>(index) * size, size);
 }
 

@@ -30,7 +30,7 @@ void write_sample_address(std::uint8_t *entry, int number) {
 }  // namespace
 
 void fake_global_ont_address_table(int slot) {
-    AddressSections *db = slot_sections<AddressSections>(slot_byte(slot));
+    AddressSections *db = slot_sections<AddressSections>(slot);
     if (db == nullptr || !db->addresses.resize(sample_addresses)) {
         return;
     }
@@ -43,7 +43,7 @@ void fake_global_ont_address_table(int slot) {
 }
 
 void fake_pppoe_sessions(int slot) {
-    SessionSections *db = slot_sections<SessionSections>(slot_byte(slot));
+    SessionSections *db = slot_sections<SessionSections>(slot);
     if (db == nullptr || !db->pppoe_sessions.resize(sample_sessions)) {
         return;
     }

@@ -14,7 +14,7 @@ namespace {
 
 // Room for `count` cleared entries in the slot's table; empty without memory.
 MacEntries make_room(int slot, std::size_t count) {
-    SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr || !db->mac_table.resize(count)) {
         return {};
     }

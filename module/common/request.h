@@ -13,6 +13,8 @@
 
 namespace tarn {
 
+inline constexpr std::size_t payload = board_header::size;
+
 // A cleared request of `Length` bytes, header included, with command, kind, destination and length set.
 // Offsets of the payload are counted from the start of the request, as on the wire.
 template <std::size_t Length>

@@ -9,7 +9,8 @@ using namespace tarn;
 
 namespace {
 
-const Request<32> get_request(command::get_alarms_config, destination::configuration);
+constexpr Query alarms{command::get_alarms_config, destination::configuration, usual_pace,
+                       &ChassisNetworkSections::alarms_config};
 
 using Entry = Record<alarms_config::entry_size>;
 using EntryRequest = Request<payload + 4 + alarms_config::entry_size>;
@@ -39,18 +40,11 @@ bool send_to_slots(const EntryRequest &request, int number, int type, const char
 }  // namespace
 
 void *slot_lib_get_alarms_config(void) {
-    ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
-    if (db == nullptr) {
-        return nullptr;
+    auto *sections = chassis_sections<ChassisNetworkSections>();
+    if (sections != nullptr && !sections->alarms_config.stamp.is_set()) {
+        sections->alarms_config.stamp.filled = false;  // nobody knows what became of the edits
     }
-    auto &[config, stamp] = db->alarms_config;
-    const bool was_sent = !stamp.is_set();
-    const bool came =
-        refresh(config.data(), config.size(), stamp, get_request, __func__, chassis_slot::chassis_network);
-    if (was_sent && !came) {
-        stamp.filled = false;  // nobody knows what became of the edits
-    }
-    return config.data();
+    return refresh(alarms, chassis_slot::chassis_network, __func__);
 }
 
 int slot_lib_set_alarms_config(void) {
@@ -62,8 +56,8 @@ int slot_lib_set_alarms_config(void) {
         return -1;
     }
     db->alarms_config.stamp.clear();
-    const Answer current =
-        ask(get_request, __func__, chassis_slot::chassis_network, payload + alarms_config::size);
+    const Answer current = ask(Request<payload>(alarms.command, alarms.destination), __func__,
+                               chassis_slot::chassis_network, payload + alarms_config::size);
     if (!current) {
         log_add(log_error, "%s : unable to get config\n", __func__);
         return -1;

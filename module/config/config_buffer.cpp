@@ -109,6 +109,7 @@ std::uint8_t *get_all_config(int address) {
 namespace tarn {
 
 bool refresh_from_image(int address, std::size_t offset, std::uint8_t *to, std::size_t count, Stamp &stamp) {
+    address = slot_byte(address);
     if (!stamp.expired()) {
         return false;
     }

@@ -48,13 +48,11 @@ void merge_terminal_vlans(const std::uint8_t *chassis, std::uint8_t *slot) {
 }  // namespace
 
 std::uint8_t *get_gpon_network_cfg(int slot) {
-    slot = slot_byte(slot);
     NetworkSections *db = slot_sections<NetworkSections>(slot);
     return db != nullptr ? refresh_block(db->network_config, slot) : nullptr;
 }
 
 int set_gpon_network_cfg(int slot) {
-    slot = slot_byte(slot);
     NetworkSections *db = slot_sections<NetworkSections>(slot);
     if (db == nullptr) {
         log_add(log_error, "%s : skipping slot %d\n", __func__, slot + 1);
@@ -89,7 +87,6 @@ int set_common_network_cfg(void) {
 }
 
 int update_slots_terminal_vlans(int slot) {
-    slot = slot_byte(slot);
     const ChassisNetworkSections *db = chassis_sections<ChassisNetworkSections>();
     if (db == nullptr) {
         return -1;

@@ -8,51 +8,28 @@ using namespace tarn;
 
 namespace {
 
-using ChannelConfig = Section<olt_channel_config::size>;
-
-bool is_channel(int channel) {
-    return channel >= 0 && channel < channels_per_slot;
-}
-
-ChannelConfig *section_of(int slot, int channel) {
-    ChannelSections *db = slot_sections<ChannelSections>(slot);
-    return db != nullptr && is_channel(channel) ? &db->olt_channel_configs[static_cast<std::size_t>(channel)]
-                                                : nullptr;
-}
+constexpr Query channel_configs{command::get_olt_channel_config, destination::services,
+                                Pace{.stamped = Stamped::by_answer}, &ChannelSections::olt_channel_configs,
+                                payload + 1};  // behind the channel byte
 
 }  // namespace
 
 std::uint8_t *get_olt_channel_config(int slot, int channel) {
-    slot = slot_byte(slot);
-    ChannelConfig *section = section_of(slot, channel);
-    if (section == nullptr) {
-        return nullptr;
-    }
-    if (section->stamp.expired()) {
-        constexpr std::size_t record = payload + 1;  // behind the channel byte
-        Request<33> request(command::get_olt_channel_config, destination::services);
-        request.put(32, static_cast<std::uint8_t>(channel));
-        if (const Answer answer = ask(request, __func__, slot, record + olt_channel_config::size)) {
-            answer.copy(section->record.data(), record, olt_channel_config::size);
-            section->stamp.set();
-            section->stamp.filled = true;
-        }
-    }
-    return section->record.data();
+    return refresh(channel_configs, slot, channel, Selector<1>{static_cast<std::uint8_t>(channel)}, __func__);
 }
 
 int set_olt_channel_config(int slot, int channel) {
-    slot = slot_byte(slot);
-    ChannelConfig *section = section_of(slot, channel);
-    if (section == nullptr) {
+    auto *channels = slot_sections<ChannelSections>(slot);
+    if (channels == nullptr || channel < 0 || channel >= channels_per_slot) {
         return -1;
     }
+    auto &section = channels->olt_channel_configs[static_cast<std::size_t>(channel)];
     Request<130> request(command::set_olt_channel_config, destination::services);
     request.put(32, static_cast<std::uint8_t>(channel))
-        .put_bytes(33, section->record.data(), olt_channel_config::size);
+        .put_bytes(33, section.record.data(), olt_channel_config::size);
     if (act(request, __func__, slot) != 0) {
         return -1;
     }
-    section->stamp.clear();
+    section.stamp.clear();
     return 0;
 }

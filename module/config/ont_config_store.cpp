@@ -47,7 +47,7 @@ int find_ont(int slot, const std::uint8_t *serial_bytes, Passes passes) {
     if (get_all_ont_config(slot) == nullptr) {
         return -1;
     }
-    const OntConfigSections &db = *slot_sections<OntConfigSections>(slot_byte(slot));
+    const OntConfigSections &db = *slot_sections<OntConfigSections>(slot);
     const int end = first_ont_above(db, serial.data());
     for (int position = first_ont_not_below(db, serial.data()); position < end; ++position) {
         const std::uint16_t index = db.ont_configs_by_serial[static_cast<std::size_t>(position)];
@@ -61,7 +61,6 @@ int find_ont(int slot, const std::uint8_t *serial_bytes, Passes passes) {
 }  // namespace
 
 std::uint8_t *get_all_ont_config(int slot) {
-    slot = slot_byte(slot);
     OntConfigSections *db = slot_sections<OntConfigSections>(slot);
     if (db == nullptr) {
         return nullptr;
@@ -88,7 +87,7 @@ std::uint8_t *get_all_ont_config_by_serial(int slot, const std::uint8_t *serial,
     if (index != nullptr) {
         *index = found;
     }
-    return found >= 0 ? ont_config_at(*slot_sections<OntConfigSections>(slot_byte(slot)), found) : nullptr;
+    return found >= 0 ? ont_config_at(*slot_sections<OntConfigSections>(slot), found) : nullptr;
 }
 
 void init_ont_config(std::uint8_t *record) {
@@ -147,7 +146,7 @@ int delete_ont_config(int slot, const std::uint8_t *serial_bytes) {
                 serial[4], serial[5], serial[6], serial[7]);
         return -1;
     }
-    OntConfigSections &db = *slot_sections<OntConfigSections>(slot_byte(slot));
+    OntConfigSections &db = *slot_sections<OntConfigSections>(slot);
     std::uint8_t *record = ont_config_at(db, index);
     const std::int64_t in_use = load_integer(record, ont_config::in_use);
     store_integer(record, ont_config::in_use, 0);
@@ -164,8 +163,7 @@ namespace tarn {
 
 bool may_edit_ont_configs(int slot, const char *operation) {
     return get_all_ont_config(slot) != nullptr &&
-           may_edit(slot_sections<OntConfigSections>(slot_byte(slot))->ont_configs_stamp, operation,
-                    slot_byte(slot));
+           may_edit(slot_sections<OntConfigSections>(slot)->ont_configs_stamp, operation, slot_byte(slot));
 }
 
 // Walks ask for the same serial, or the next one, again and again; a search goes through records that lie far

@@ -8,5 +8,5 @@ using namespace tarn;
 int reconfigure_ont(int slot, const std::uint8_t *serial) {
     Request<45> request(command::reconfigure_ont, destination::services);
     request.put_bytes(32, serial, serial_size);
-    return act(request, __func__, slot_byte(slot));
+    return act(request, __func__, slot);
 }

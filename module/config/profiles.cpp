@@ -11,41 +11,42 @@ using namespace tarn;
 
 namespace {
 
-// Where a kind is cached, its four commands and its defaults.
+// A kind and where it is cached.
 template <std::size_t Size, std::size_t Count>
-struct Kind {
+struct Cached {
+    const ProfileDescription &kind;
     Records<Size, Count> ProfileSections::*records;
-    Stamp ProfileSections::*stamp;
-    std::uint16_t get, add, set, remove;
-    std::span<const Default> defaults;
+    Query<Stamp, ProfileSections> listed;
 };
+
 template <std::size_t Size, std::size_t Count>
-Kind(Records<Size, Count> ProfileSections::*, Stamp ProfileSections::*, std::uint16_t, std::uint16_t,
-     std::uint16_t, std::uint16_t, std::span<const Default>) -> Kind<Size, Count>;
+constexpr Cached<Size, Count> cached_in(const ProfileDescription &kind,
+                                        Records<Size, Count> ProfileSections::*records,
+                                        Stamp ProfileSections::*stamp) {
+    return {kind, records, {kind.list, destination::configuration, usual_pace, stamp}};
+}
 
 // The cached profile; null for a wrong index or without the database.
 template <std::size_t Size, std::size_t Count>
-std::uint8_t *cached(const Kind<Size, Count> &kind, int index) {
+std::uint8_t *profile_of(const Cached<Size, Count> &cached, int index) {
     ProfileSections *db = chassis_sections<ProfileSections>();
     const auto place = static_cast<std::size_t>(index);
-    return db != nullptr && place < Count ? (db->*kind.records)[place].data() : nullptr;
+    return db != nullptr && place < Count ? (db->*cached.records)[place].data() : nullptr;
 }
 
 template <std::size_t Size, std::size_t Count>
-std::uint8_t *get(const Kind<Size, Count> &kind, const char *operation) {
-    ProfileSections *db = chassis_sections<ProfileSections>();
-    if (db == nullptr) {
-        return nullptr;
-    }
-    std::uint8_t *records = (db->*kind.records)[0].data();
-    refresh(records, Size * Count, db->*kind.stamp, Request<32>(kind.get, destination::configuration),
-            operation, chassis_slot::profiles);
-    return records;
+std::uint8_t *get(const Cached<Size, Count> &cached, const Caller &caller) {
+    const auto take = [&cached](ProfileSections &profiles, const Answer &answer, const char * /*operation*/) {
+        answer.copy((profiles.*cached.records)[0].data(), payload, Size * Count);
+    };
+    auto *profiles =
+        refresh(cached.listed, chassis_slot::profiles, everything, payload + Size * Count, caller, take);
+    return profiles != nullptr ? (profiles->*cached.records)[0].data() : nullptr;
 }
 
 // Sends a profile (`record` null: its index alone); when answered, the array is read again.
 template <std::size_t Size, std::size_t Count, std::size_t Length>
-int send(const Kind<Size, Count> &kind, Request<Length> request, int index, const std::uint8_t *record,
+int send(const Cached<Size, Count> &cached, Request<Length> request, int index, const std::uint8_t *record,
          const char *operation) {
     request.put(payload, static_cast<std::uint16_t>(index));
     if (record != nullptr) {
@@ -54,20 +55,20 @@ int send(const Kind<Size, Count> &kind, Request<Length> request, int index, cons
     if (act(request, operation, chassis_slot::profiles) != 0) {
         return -1;
     }
-    (chassis_sections<ProfileSections>()->*kind.stamp).clear();
+    (chassis_sections<ProfileSections>()->*cached.listed.place).clear();
     return 0;
 }
 
 template <std::size_t Size, std::size_t Count>
-int send_record(const Kind<Size, Count> &kind, std::uint16_t code, int index, const std::uint8_t *record,
+int send_record(const Cached<Size, Count> &cached, std::uint16_t code, int index, const std::uint8_t *record,
                 const char *operation) {
-    return send(kind, Request<payload + 2 + Size>(code, destination::configuration), index, record,
+    return send(cached, Request<payload + 2 + Size>(code, destination::configuration), index, record,
                 operation);
 }
 
 template <std::size_t Size, std::size_t Count>
-int add(const Kind<Size, Count> &kind, int index, const char *operation) {
-    std::uint8_t *record = cached(kind, index);
+int add(const Cached<Size, Count> &cached, int index, const char *operation) {
+    std::uint8_t *record = profile_of(cached, index);
     if (record == nullptr || load_integer(record, profile_head::in_use) != 0) {
         return -1;
     }
@@ -76,50 +77,48 @@ int add(const Kind<Size, Count> &kind, int index, const char *operation) {
     std::memset(record, 0, Size);
     store_integer(record, profile_head::in_use, 1);
     store_text(record, profile_head::name, name.data());
-    write_defaults(record, kind.defaults);
-    return send_record(kind, kind.add, index, record, operation);
+    write_defaults(record, cached.kind.defaults);
+    return send_record(cached, cached.kind.add, index, record, operation);
 }
 
 template <std::size_t Size, std::size_t Count>
-int set(const Kind<Size, Count> &kind, int index, const char *operation) {
-    const std::uint8_t *record = cached(kind, index);
-    return record != nullptr ? send_record(kind, kind.set, index, record, operation) : -1;
+int set(const Cached<Size, Count> &cached, int index, const char *operation) {
+    const std::uint8_t *record = profile_of(cached, index);
+    return record != nullptr ? send_record(cached, cached.kind.set, index, record, operation) : -1;
 }
 
 template <std::size_t Size, std::size_t Count>
-int remove(const Kind<Size, Count> &kind, int index, const char *operation) {
-    if (cached(kind, index) == nullptr ||
-        send(kind, Request<payload + 2>(kind.remove, destination::configuration), index, nullptr,
+int remove(const Cached<Size, Count> &cached, int index, const char *operation) {
+    if (profile_of(cached, index) == nullptr ||
+        send(cached, Request<payload + 2>(cached.kind.remove, destination::configuration), index, nullptr,
              operation) != 0) {
         return -1;
     }
-    (chassis_sections<ProfileSections>()->*kind.stamp).filled = false;  // the cached profile stays
+    (chassis_sections<ProfileSections>()->*cached.listed.place).filled = false;  // the cached profile stays
     return 0;
 }
 
 }  // namespace
 
-#define PROFILE_KIND(K)                                                                    \
-    namespace {                                                                            \
-    constexpr Kind K##_kind{&ProfileSections::K##_profiles, &ProfileSections::K##_stamp,   \
-                            command::get_##K##_profiles,    command::add_##K##_profile,    \
-                            command::set_##K##_profile,     command::delete_##K##_profile, \
-                            K##_profile::defaults};                                        \
-    }                                                                                      \
-    std::uint8_t *get_##K##_profiles(void) {                                               \
-        return get(K##_kind, __func__);                                                    \
-    }                                                                                      \
-    int add_##K##_profile(int index) {                                                     \
-        return add(K##_kind, index, __func__);                                             \
-    }                                                                                      \
-    int set_##K##_profile(int index) {                                                     \
-        return set(K##_kind, index, __func__);                                             \
-    }                                                                                      \
-    int delete_##K##_profile(int index) {                                                  \
-        return remove(K##_kind, index, __func__);                                          \
-    }                                                                                      \
-    void init_##K##_profile(std::uint8_t *record) {                                        \
-        write_defaults(record, K##_profile::defaults);                                     \
+#define PROFILE_KIND(K)                                                                            \
+    namespace {                                                                                    \
+    constexpr auto K##_cached =                                                                    \
+        cached_in(K##_profile::kind, &ProfileSections::K##_profiles, &ProfileSections::K##_stamp); \
+    }                                                                                              \
+    std::uint8_t *get_##K##_profiles(void) {                                                       \
+        return get(K##_cached, __func__);                                                          \
+    }                                                                                              \
+    int add_##K##_profile(int index) {                                                             \
+        return add(K##_cached, index, __func__);                                                   \
+    }                                                                                              \
+    int set_##K##_profile(int index) {                                                             \
+        return set(K##_cached, index, __func__);                                                   \
+    }                                                                                              \
+    int delete_##K##_profile(int index) {                                                          \
+        return remove(K##_cached, index, __func__);                                                \
+    }                                                                                              \
+    void init_##K##_profile(std::uint8_t *record) {                                                \
+        write_defaults(record, K##_profile::defaults);                                             \
     }
 
 PROFILE_KIND(management)

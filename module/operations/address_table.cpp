@@ -14,10 +14,12 @@ using namespace tarn;
 
 namespace {
 
-constexpr std::uint8_t all_channels = 255;
 constexpr std::size_t initial_bytes = 1024;
 constexpr std::size_t answer_count = payload + 1;
 constexpr std::size_t answer_entries = answer_count + 2;
+constexpr Query addresses{command::get_global_ont_address_table, destination::services, usual_pace,
+                          &AddressSections::addresses_stamp};
+constexpr Selector<15> of_every_channel{255};
 constexpr int text_head = 2;          // "v1"
 constexpr int text_record_size = 56;  // characters
 
@@ -26,7 +28,29 @@ std::uint32_t *sorted_positions(const AddressSections &db) {
     return reinterpret_cast<std::uint32_t *>(static_cast<void *>(db.addresses_by_serial.bytes));
 }
 
-void read_entries(AddressSections &db, const Answer &answer, int slot, const char *operation) {
+void sort_entries(AddressSections &db) {
+    if (db.address_count == 0) {
+        return;
+    }
+    const std::size_t count = address_entries(db);
+    if (!db.addresses_by_serial.resize(count)) {
+        log_add(log_error, "%s : memory allocation failed. Tried to allocate %lu bytes\n",
+                "insert_sort_global_ont_address_table",
+                static_cast<unsigned long>(count * sizeof(std::uint32_t)));
+        db.addresses_by_serial.release();  // its positions are those of another table
+        return;
+    }
+    std::uint32_t *positions = sorted_positions(db);
+    std::iota(positions, positions + count, 0U);
+    const auto serial = [&db](std::uint32_t position) {
+        return db.addresses.at(position) + ont_address::serial.offset;
+    };
+    std::stable_sort(positions, positions + count, [&](std::uint32_t a, std::uint32_t b) {
+        return compare_serials(serial(a), serial(b)) < 0;
+    });
+}
+
+void read_entries(AddressSections &db, const Answer &answer, const char *operation) {
     const std::size_t stated = answer.get<std::uint16_t>(answer_count);
     const std::size_t count = answer.records(stated, answer_entries, ont_address::size);
     if (count != stated) {
@@ -42,7 +66,7 @@ void read_entries(AddressSections &db, const Answer &answer, int slot, const cha
         return;
     }
     answer.copy(db.addresses.bytes, answer_entries, count * ont_address::size);
-    insert_sort_global_ont_address_table(slot);
+    sort_entries(db);
 }
 
 void write_text_record(char *to, const std::uint8_t *entry) {
@@ -62,51 +86,24 @@ void write_text_record(char *to, const std::uint8_t *entry) {
 }  // namespace
 
 std::uint8_t *get_global_ont_address_table(int slot) {
-    slot = slot_byte(slot);
-    AddressSections *db = slot_sections<AddressSections>(slot);
+    auto *db = slot_sections<AddressSections>(slot);
     if (db == nullptr) {
         return nullptr;
     }
-    if (db->addresses.bytes == nullptr) {
-        if (db->addresses.resize(initial_bytes / ont_address::size)) {
-            std::memset(db->addresses.bytes, 0, db->addresses.capacity * ont_address::size);
-        }
+    if (db->addresses.bytes == nullptr && db->addresses.resize(initial_bytes / ont_address::size)) {
+        std::memset(db->addresses.bytes, 0, db->addresses.capacity * ont_address::size);
     }
-    if (db->addresses_stamp.expired()) {
-        Request<47> request(command::get_global_ont_address_table, destination::services);
-        request.put(32, all_channels);
-        if (const Answer answer = ask(request, __func__, slot, answer_entries)) {
-            read_entries(*db, answer, slot, __func__);
-        }
-        db->addresses_stamp.set();
-    }
+    refresh(addresses, slot, of_every_channel, answer_entries, __func__, read_entries);
     return db->addresses.bytes;
 }
 
 void insert_sort_global_ont_address_table(int slot) {
-    AddressSections *db = slot_sections<AddressSections>(slot_byte(slot));
-    if (db == nullptr || db->address_count == 0) {
-        return;
+    if (auto *db = slot_sections<AddressSections>(slot)) {
+        sort_entries(*db);
     }
-    const std::size_t count = address_entries(*db);
-    if (!db->addresses_by_serial.resize(count)) {
-        log_add(log_error, "%s : memory allocation failed. Tried to allocate %lu bytes\n", __func__,
-                static_cast<unsigned long>(count * sizeof(std::uint32_t)));
-        db->addresses_by_serial.release();  // its positions are those of another table
-        return;
-    }
-    std::uint32_t *positions = sorted_positions(*db);
-    std::iota(positions, positions + count, 0U);
-    const auto serial = [db](std::uint32_t position) {
-        return db->addresses.at(position) + ont_address::serial.offset;
-    };
-    std::stable_sort(positions, positions + count, [&](std::uint32_t a, std::uint32_t b) {
-        return compare_serials(serial(a), serial(b)) < 0;
-    });
 }
 
 char *get_global_ont_address_table_raw(int slot) {
-    slot = slot_byte(slot);
     AddressSections *db = slot_sections<AddressSections>(slot);
     if (db == nullptr) {
         return nullptr;

@@ -9,85 +9,67 @@ using namespace tarn;
 
 namespace {
 
-constexpr int channel_period_seconds = 20;
-constexpr int channel_timeout_ms = 3000;
-constexpr std::uint8_t all_channels = 255;
 constexpr std::size_t first_record = payload + 1;  // behind the selector byte
 constexpr std::size_t whole_answer_size = first_record + channels_per_slot * channel_state::size;
+
+// A failing board is asked for its channels again only after the period.
+constexpr Pace of_channels{.timeout_ms = 3000, .period_seconds = 20, .stamped = Stamped::before};
+
+constexpr Query channels_lite{command::get_olt_channels_state_lite, destination::services, of_channels,
+                              &ChannelSections::channels_lite_stamp};
+constexpr Query channel_states{command::get_olt_channel_state, destination::services, of_channels,
+                               &ChannelSections::channel_state_stamps};
+constexpr Query state{command::get_olt_state, destination::services, usual_pace, &OltSections::olt_state};
+constexpr Query hardware{command::get_hardware_information, destination::services, usual_pace,
+                         &OltSections::hardware_information};
+constexpr Query version{command::get_version_information, destination::services, usual_pace,
+                        &OltSections::version_information};
 
 void copy_field(const std::uint8_t *from, Field field, std::uint8_t *to) {
     std::memcpy(to + field.offset, from + field.offset, field.size);
 }
 
+void take_short_states(ChannelSections &channels, const Answer &answer, const char * /*operation*/) {
+    const std::uint8_t *from = answer.data() + first_record;
+    for (Record<channel_state::size> &record : channels.channel_states) {
+        copy_field(from, channel_state::value_3, record.data());
+        copy_field(from, channel_state::value_7, record.data());
+        from += channel_state::size;
+    }
+}
+
 }  // namespace
 
-// The stamps are written before the requests: a failing board is asked again only after the period.
-
 std::uint8_t *get_olt_channel_state(int slot, int channel) {
-    slot = slot_byte(slot);
-    ChannelSections *db = slot_sections<ChannelSections>(slot);
+    auto *channels = slot_sections<ChannelSections>(slot);
     const auto index = static_cast<std::size_t>(channel);
-    if (db == nullptr || index >= channels_per_slot) {
+    if (channels == nullptr || index >= channels_per_slot) {
         return nullptr;
     }
-    Record<channel_state::size> &record = db->channel_states[index];
-    Stamp &stamp = db->channel_state_stamps[index];
-    if (stamp.expired(channel_period_seconds)) {
-        stamp.set();
-        Request<33> request(command::get_olt_channel_state, destination::services);
-        request.put(32, static_cast<std::uint8_t>(channel));
-        if (const Answer answer = ask(request, __func__, slot, whole_answer_size, channel_timeout_ms)) {
-            answer.copy(record.data(), first_record + index * channel_state::size, channel_state::size);
-        }
-    }
-    return record.data();
+    std::uint8_t *record = channels->channel_states[index].data();
+    ask_when_due(channel_states, channels->channel_state_stamps[index], slot,
+                 Selector<1>{static_cast<std::uint8_t>(channel)}, whole_answer_size, __func__,
+                 [&](const Answer &answer) {
+                     answer.copy(record, first_record + index * channel_state::size, channel_state::size);
+                     return true;
+                 });
+    return record;
 }
 
 std::uint8_t *get_olt_channels_state_lite(int slot) {
-    slot = slot_byte(slot);
-    ChannelSections *db = slot_sections<ChannelSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    Stamp &stamp = db->channels_lite_stamp;
-    if (stamp.expired(channel_period_seconds)) {
-        stamp.set();
-        Request<33> request(command::get_olt_channels_state_lite, destination::services);
-        request.put(32, all_channels);
-        if (const Answer answer = ask(request, __func__, slot, whole_answer_size, channel_timeout_ms)) {
-            const std::uint8_t *from = answer.data() + first_record;
-            for (Record<channel_state::size> &record : db->channel_states) {
-                copy_field(from, channel_state::value_3, record.data());
-                copy_field(from, channel_state::value_7, record.data());
-                from += channel_state::size;
-            }
-        }
-    }
-    return db->channel_states[0].data();
+    auto *channels =
+        refresh(channels_lite, slot, every_channel, whole_answer_size, __func__, take_short_states);
+    return channels != nullptr ? channels->channel_states[0].data() : nullptr;
 }
 
 std::uint8_t *get_olt_state(int slot) {
-    slot = slot_byte(slot);
-    OltSections *db = slot_sections<OltSections>(slot);
-    return db == nullptr ? nullptr
-                         : refresh(db->olt_state, Request<32>(command::get_olt_state, destination::services),
-                                   __func__, slot);
+    return refresh(state, slot, __func__);
 }
 
 std::uint8_t *get_hardware_information(int slot) {
-    slot = slot_byte(slot);
-    OltSections *db = slot_sections<OltSections>(slot);
-    return db == nullptr ? nullptr
-                         : refresh(db->hardware_information,
-                                   Request<32>(command::get_hardware_information, destination::services),
-                                   __func__, slot);
+    return refresh(hardware, slot, __func__);
 }
 
 std::uint8_t *get_version_information(int slot) {
-    slot = slot_byte(slot);
-    OltSections *db = slot_sections<OltSections>(slot);
-    return db == nullptr ? nullptr
-                         : refresh(db->version_information,
-                                   Request<32>(command::get_version_information, destination::services),
-                                   __func__, slot);
+    return refresh(version, slot, __func__);
 }

@@ -13,12 +13,32 @@ using namespace tarn;
 
 namespace {
 
-constexpr int list_timeout_ms = 10000;
-constexpr int short_timeout_ms = 3000;
-constexpr int uni_ports_timeout_ms = 5000;
-constexpr std::uint8_t all_channels = 255;
 constexpr std::size_t list_count = payload + 1;
 constexpr std::size_t list_records = list_count + 4;
+
+constexpr Query listed{command::get_ont_list, destination::services, Pace{.timeout_ms = 10000},
+                       &OntSections::ont_list_stamp};
+constexpr Query all_listed{command::get_ont_list, destination::services, Pace{.timeout_ms = 3000},
+                           &OntSections::all_ont_list_stamp};
+
+constexpr Pace reading{.timeout_ms = 3000, .on_failure = OnFailure::clears};
+constexpr Pace until_answered(int timeout_ms) {
+    return {.timeout_ms = timeout_ms, .stamped = Stamped::by_answer, .on_failure = OnFailure::clears};
+}
+constexpr Query states{command::get_ont_state, destination::services, reading, &OntSections::ont_states};
+constexpr Query i2c{command::get_ont_i2c, destination::services, reading, &OntSections::ont_i2c};
+constexpr Query uni_ports{command::get_ont_uni_ports_state, destination::services, until_answered(5000),
+                          &OntSections::ont_uni_ports};
+constexpr Query downstream_ber{command::get_ont_downstream_ber, destination::services,
+                               until_answered(default_timeout_ms), &OntSections::ont_downstream_ber};
+constexpr Query services_utilization{command::get_ont_services_utilization, destination::services, usual_pace,
+                                     &OntSections::ont_services_utilization};
+
+Selector<13> ont_selector(const Serial &serial) {
+    Selector<13> selector{};
+    std::copy(serial.begin(), serial.end(), selector.begin());
+    return selector;
+}
 
 // What is cached of the ONT at a list position.
 void forget_ont(OntSections &db, std::size_t position) {
@@ -57,21 +77,9 @@ void read_ont_list(OntSections &db, const Answer &answer, const char *operation)
     sort_onts(db);
 }
 
-std::uint8_t *refresh_ont_list(int slot, Stamp OntSections::*stamp, int timeout_ms, const char *operation) {
-    slot = slot_byte(slot);
-    OntSections *db = slot_sections<OntSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    if ((db->*stamp).expired()) {
-        Request<33> request(command::get_ont_list, destination::services);
-        request.put(32, all_channels);
-        if (const Answer answer = ask(request, operation, slot, list_records, timeout_ms)) {
-            read_ont_list(*db, answer, operation);
-        }
-        (db->*stamp).set();
-    }
-    return db->ont_list[0].data();
+std::uint8_t *refresh_list(const Query<Stamp, OntSections> &query, int slot, const char *operation) {
+    auto *onts = refresh(query, slot, every_channel, list_records, operation, read_ont_list);
+    return onts != nullptr ? onts->ont_list[0].data() : nullptr;
 }
 
 // The position of an ONT that must be in the list; logged under `operation` when it is not.
@@ -83,35 +91,13 @@ int known_position(int slot, const Serial &serial, const char *operation) {
     return position;
 }
 
-enum class StampOn { attempt, answer };
-
-// A per-ONT record of `Size` bytes from byte 32 of the answer to a request that carries the serial. It is
-// cleared first, so a failed request leaves zeros.
+// A record of the ONT with this serial.
 template <std::size_t Size>
-std::uint8_t *refresh_ont_section(int slot, const std::uint8_t *serial_bytes,
-                                  Sections<Size, max_onts> OntSections::*sections, std::uint16_t code,
-                                  int timeout_ms, StampOn stamp_on, const char *operation) {
+std::uint8_t *refresh_ont(const Query<Sections<Size, max_onts>, OntSections> &query, int slot,
+                          const std::uint8_t *serial_bytes, const Caller &caller) {
     const Serial serial = serial_at(serial_bytes);  // may lie in the list that is refreshed next
-    slot = slot_byte(slot);
-    const int position = known_position(slot, serial, operation);
-    if (position == ont_not_found) {
-        return nullptr;
-    }
-    Section<Size> &section =
-        (slot_sections<OntSections>(slot)->*sections)[static_cast<std::size_t>(position)];
-    if (section.stamp.expired()) {
-        section.record = {};
-        Request<45> request(code, destination::services);
-        request.put_bytes(32, serial.data(), serial.size());
-        const Answer answer = ask(request, operation, slot, payload + Size, timeout_ms);
-        if (answer) {
-            answer.copy(section.record.data(), payload, Size);
-        }
-        if (answer || stamp_on == StampOn::attempt) {
-            section.stamp.set();
-        }
-    }
-    return section.record.data();
+    const int position = known_position(slot, serial, caller.operation);
+    return position != ont_not_found ? refresh(query, slot, position, ont_selector(serial), caller) : nullptr;
 }
 
 }  // namespace
@@ -161,11 +147,11 @@ int find_ont_position(const OntSections &db, const std::uint8_t *serial) {
 }  // namespace tarn
 
 std::uint8_t *get_ont_list(int slot) {
-    return refresh_ont_list(slot, &OntSections::ont_list_stamp, list_timeout_ms, __func__);
+    return refresh_list(listed, slot, __func__);
 }
 
 std::uint8_t *get_all_ont_list(int slot) {
-    return refresh_ont_list(slot, &OntSections::all_ont_list_stamp, short_timeout_ms, __func__);
+    return refresh_list(all_listed, slot, __func__);
 }
 
 void insert_sort_ont_states(void *slot_database) {
@@ -174,7 +160,6 @@ void insert_sort_ont_states(void *slot_database) {
 
 int get_ont_state_id_by_serial(int slot, const std::uint8_t *serial_bytes) {
     const Serial serial = serial_at(serial_bytes);
-    slot = slot_byte(slot);
     if (get_ont_list(slot) == nullptr) {
         return ont_not_found;
     }
@@ -188,7 +173,6 @@ int get_ont_state_id_by_serial(int slot, const std::uint8_t *serial_bytes) {
 
 std::uint8_t *get_all_ont_state_list_by_serial(int slot, const std::uint8_t *serial_bytes) {
     const Serial serial = serial_at(serial_bytes);
-    slot = slot_byte(slot);
     if (get_all_ont_list(slot) == nullptr) {
         return nullptr;
     }
@@ -198,8 +182,7 @@ std::uint8_t *get_all_ont_state_list_by_serial(int slot, const std::uint8_t *ser
 }
 
 std::uint8_t *get_ont_state(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &OntSections::ont_states, command::get_ont_state,
-                               short_timeout_ms, StampOn::attempt, __func__);
+    return refresh_ont(states, slot, serial, __func__);
 }
 
 std::uint8_t *get_ont_state_check_state(int slot, const std::uint8_t *list_record) {
@@ -207,7 +190,6 @@ std::uint8_t *get_ont_state_check_state(int slot, const std::uint8_t *list_recor
         return get_ont_state(slot, list_record);
     }
     const Serial serial = serial_at(list_record);
-    slot = slot_byte(slot);
     const int position = known_position(slot, serial, __func__);
     if (position == ont_not_found) {
         return nullptr;
@@ -216,24 +198,19 @@ std::uint8_t *get_ont_state_check_state(int slot, const std::uint8_t *list_recor
 }
 
 std::uint8_t *get_ont_i2c(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &OntSections::ont_i2c, command::get_ont_i2c, short_timeout_ms,
-                               StampOn::attempt, __func__);
+    return refresh_ont(i2c, slot, serial, __func__);
 }
 
 std::uint8_t *get_ont_uni_ports_state(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &OntSections::ont_uni_ports, command::get_ont_uni_ports_state,
-                               uni_ports_timeout_ms, StampOn::answer, __func__);
+    return refresh_ont(uni_ports, slot, serial, __func__);
 }
 
 std::uint8_t *get_ont_downstream_ber(int slot, const std::uint8_t *serial) {
-    return refresh_ont_section(slot, serial, &OntSections::ont_downstream_ber,
-                               command::get_ont_downstream_ber, default_timeout_ms, StampOn::answer,
-                               __func__);
+    return refresh_ont(downstream_ber, slot, serial, __func__);
 }
 
 std::uint8_t *get_ont_services_utilization(int slot, const std::uint8_t *serial_bytes) {
     const Serial serial = serial_at(serial_bytes);
-    slot = slot_byte(slot);
     OntSections *db = slot_sections<OntSections>(slot);
     if (db == nullptr) {
         return nullptr;
@@ -242,7 +219,5 @@ std::uint8_t *get_ont_services_utilization(int slot, const std::uint8_t *serial_
         db->services_utilization_serial = serial;
         db->ont_services_utilization = {};
     }
-    Request<45> request(command::get_ont_services_utilization, destination::services);
-    request.put_bytes(32, serial.data(), serial.size());
-    return refresh(db->ont_services_utilization, request, __func__, slot);
+    return refresh(services_utilization, slot, __func__, ont_selector(serial));
 }

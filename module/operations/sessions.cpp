@@ -9,8 +9,12 @@ using namespace tarn;
 
 namespace {
 
-constexpr std::uint8_t all_channels = 255;
 constexpr std::size_t answer_sessions = payload + 2;
+
+constexpr Query pppoe{command::get_pppoe_sessions, destination::services, usual_pace,
+                      &SessionSections::pppoe_stamp};
+constexpr Query igmp{command::get_igmp_stats, destination::services, usual_pace,
+                     &SessionSections::igmp_stamp};
 
 void read_sessions(SessionSections &db, const Answer &answer, const char *operation) {
     const std::size_t stated = answer.get<std::uint16_t>(payload);
@@ -33,24 +37,12 @@ void read_sessions(SessionSections &db, const Answer &answer, const char *operat
 }  // namespace
 
 std::uint8_t *get_pppoe_sessions(int slot) {
-    slot = slot_byte(slot);
-    SessionSections *db = slot_sections<SessionSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    if (db->pppoe_stamp.expired()) {
-        Request<33> request(command::get_pppoe_sessions, destination::services);
-        request.put(32, all_channels);
-        if (const Answer answer = ask(request, __func__, slot, answer_sessions)) {
-            read_sessions(*db, answer, __func__);
-        }
-        db->pppoe_stamp.set();
-    }
-    return db->pppoe_sessions.bytes;
+    auto *sessions = refresh(pppoe, slot, every_channel, answer_sessions, __func__, read_sessions);
+    return sessions != nullptr ? sessions->pppoe_sessions.bytes : nullptr;
 }
 
 void cleanup_pppoe_sessions(int slot) {
-    if (SessionSections *db = slot_sections<SessionSections>(slot_byte(slot))) {
+    if (SessionSections *db = slot_sections<SessionSections>(slot)) {
         db->pppoe_sessions.release();
         db->pppoe_session_count = 0;
         db->pppoe_stamp.clear();
@@ -58,19 +50,13 @@ void cleanup_pppoe_sessions(int slot) {
 }
 
 std::uint8_t *get_igmp_stats(int slot) {
-    slot = slot_byte(slot);
-    SessionSections *db = slot_sections<SessionSections>(slot);
-    if (db != nullptr && db->igmp_stamp.expired()) {
-        Request<33> request(command::get_igmp_stats, destination::services);
-        request.put(32, all_channels);
-        act(request, __func__, slot);
-        db->igmp_stamp.set();
-    }
+    refresh(igmp, slot, every_channel, 0, __func__,
+            [](SessionSections & /*sessions*/, const Answer & /*answer*/, const char * /*operation*/) {});
     return nullptr;
 }
 
 void cleanup_igmp_stats(int slot) {
-    if (SessionSections *db = slot_sections<SessionSections>(slot_byte(slot))) {
+    if (SessionSections *db = slot_sections<SessionSections>(slot)) {
         db->igmp_stamp.clear();
     }
 }

@@ -18,6 +18,10 @@ constexpr std::size_t tasks_at = 38;
 constexpr std::size_t max_tasks = 65536;
 constexpr std::size_t longest_file_name = 127;
 
+constexpr Query tasks{command::get_update_scheduler, destination::services, usual_pace,
+                      &UpdateSections::update_tasks_stamp};
+constexpr Selector<2> tasks_selector{1, 0};
+
 void address_ont(std::uint8_t *request, const std::uint8_t *serial, int channel, int ont_id, int use_serial) {
     if (use_serial != 0) {
         std::memcpy(request + 32, serial, serial_size);
@@ -53,19 +57,10 @@ void take_tasks(UpdateSections &db, int slot, const Answer &answer) {
 }  // namespace
 
 int get_update_ont_scheduler(int slot) {
-    UpdateSections *db = slot_sections<UpdateSections>(slot_byte(slot));
-    if (db == nullptr) {
-        return 0;
-    }
-    if (db->update_tasks_stamp.expired()) {
-        Request<34> request(command::get_update_scheduler, destination::services);
-        request.put(32, std::uint16_t{1});
-        if (const Answer answer = ask(request, __func__, slot, tasks_at)) {
-            take_tasks(*db, slot, answer);
-        }
-        db->update_tasks_stamp.set();
-    }
-    return static_cast<int>(db->update_task_count);
+    const auto *updates = refresh(tasks, slot, tasks_selector, tasks_at, __func__,
+                                  [slot](UpdateSections &sections, const Answer &answer,
+                                         const char * /*operation*/) { take_tasks(sections, slot, answer); });
+    return updates != nullptr ? static_cast<int>(updates->update_task_count) : 0;
 }
 
 int add_update_ont_scheduler(int slot, const std::uint8_t *serial, const char *file_name, int channel,

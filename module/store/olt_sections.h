@@ -11,8 +11,7 @@ struct OltSections {
     Section<olt_state::size> olt_state;
     Section<128> hardware_information;
     Section<64> version_information;
-    Record<olt_config::size + 2> olt_config;  // with the hold flag at its end
-    Stamp olt_config_stamp;
+    Section<olt_config::size + 2> olt_config;  // with the hold flag at its end
 };
 
 }  // namespace tarn

@@ -21,10 +21,8 @@ struct ProfileSections {
 };
 
 struct OltProfileSections {
-    Records<olt_address_table_profile::size, olt_address_table_profile::count> olt_address_table_profiles;
-    Stamp olt_address_table_stamp;
-    Records<olt_vlan_profile::size, olt_vlan_profile::count> olt_vlan_profiles;
-    Stamp olt_vlan_stamp;
+    Section<olt_address_table_profile::size * olt_address_table_profile::count> olt_address_table_profiles;
+    Section<olt_vlan_profile::size * olt_vlan_profile::count> olt_vlan_profiles;
 };
 
 }  // namespace tarn

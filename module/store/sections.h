@@ -31,7 +31,8 @@ constexpr int slot_byte(int slot) {
     return slot & 0xFF;
 }
 
-// A topic of a line card's slot; null for a slot outside 0-15 or without a database.
+// A topic of a line card's slot, modulo 256; null for a slot that has no database. A topic of the chassis is
+// the same at every slot.
 template <class Topic>
 Topic *slot_sections(int slot);
 // A topic of the chassis; null without the profiles database.

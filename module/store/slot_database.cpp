@@ -40,6 +40,11 @@ struct ProfilesDatabase {
 std::array<SlotDatabase *, chassis_slot::line_cards> mandb;
 ProfilesDatabase *profiles_mandb;
 
+template <class Topic, class Topics>
+constexpr bool holds = false;
+template <class Topic, class... Topics>
+constexpr bool holds<Topic, std::tuple<Topics...>> = (std::is_same_v<Topic, Topics> || ...);
+
 constexpr int ageing_seconds = 120;
 
 // Databases are cleared memory: every section empty, every stamp expired.
@@ -130,14 +135,18 @@ Topic &sections_in(void *slot_database) {
 }
 
 template <class Topic>
-Topic *slot_sections(int slot) {
-    void *database = get_slot_mandb(slot);
-    return database != nullptr ? &sections_in<Topic>(database) : nullptr;
+Topic *chassis_sections() {
+    return profiles_mandb != nullptr ? &std::get<Topic>(profiles_mandb->topics) : nullptr;
 }
 
 template <class Topic>
-Topic *chassis_sections() {
-    return profiles_mandb != nullptr ? &std::get<Topic>(profiles_mandb->topics) : nullptr;
+Topic *slot_sections(int slot) {
+    if constexpr (holds<Topic, decltype(ProfilesDatabase::topics)>) {
+        return chassis_sections<Topic>();
+    } else {
+        void *database = get_slot_mandb(slot_byte(slot));
+        return database != nullptr ? &sections_in<Topic>(database) : nullptr;
+    }
 }
 
 #define SLOT_TOPIC(T)                                \
@@ -154,11 +163,14 @@ SLOT_TOPIC(NetworkSections)
 SLOT_TOPIC(SwitchSections)
 SLOT_TOPIC(CounterSections)
 
-template ProfileSections *chassis_sections();
-template OltProfileSections *chassis_sections();
-template TemplateSections *chassis_sections();
-template AutoUpdateSections *chassis_sections();
-template ChassisNetworkSections *chassis_sections();
-template UtilizationSections *chassis_sections();
+#define CHASSIS_TOPIC(T)               \
+    template T *chassis_sections<T>(); \
+    template T *slot_sections<T>(int slot);
+CHASSIS_TOPIC(ProfileSections)
+CHASSIS_TOPIC(OltProfileSections)
+CHASSIS_TOPIC(TemplateSections)
+CHASSIS_TOPIC(AutoUpdateSections)
+CHASSIS_TOPIC(ChassisNetworkSections)
+CHASSIS_TOPIC(UtilizationSections)
 
 }  // namespace tarn

@@ -7,13 +7,13 @@ using namespace tarn;
 namespace {
 
 int tell_card(std::uint16_t command_code, int slot, const char *operation) {
-    return act(Request<payload>(command_code, destination::configuration), operation, slot_byte(slot));
+    return act(Request<payload>(command_code, destination::configuration), operation, slot);
 }
 
 // Tells the run-time of the card instead of its configuration service.
 int tell_run_time(std::uint16_t command_code, int slot, const char *operation) {
     const Request<payload> request(command_code, destination::services);
-    return act(request, operation, slot_byte(slot)) == 0 ? 0 : -2;
+    return act(request, operation, slot) == 0 ? 0 : -2;
 }
 
 int tell_profile_stores(std::uint16_t command_code, const char *operation) {

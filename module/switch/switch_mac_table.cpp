@@ -21,6 +21,9 @@ struct Staging {
     std::size_t count = 0;
 };
 
+constexpr Query mac_table{command::get_switch_mac_table, destination::services, usual_pace,
+                          &SwitchSections::mac_stamp};
+
 enum class Fetch : std::uint8_t { complete, no_answer, too_many };
 
 // Takes one part's entries.
@@ -46,7 +49,7 @@ Fetch fetch_parts(Staging &staging, int slot, const char *operation) {
     constexpr int most_parts = switch_mac::max_entries + switch_mac::max_entries_per_part;
     std::uint32_t cursor = 0;
     for (int part = 0; part < most_parts; ++part) {
-        Request<55> request(command::get_switch_mac_table, destination::services);
+        Request<55> request(mac_table.command, mac_table.destination);
         request.put(32, cursor).put(36, std::uint32_t{switch_mac::max_entries});
         const Answer answer = ask(request, operation, slot, switch_mac::part_is_last + 1);
         if (!answer) {
@@ -67,34 +70,31 @@ MacEntries entries_of(const SwitchSections &db) {
     return {reinterpret_cast<switch_mac_list_t *>(db.mac_table.bytes), db.mac_count};
 }
 
-void refresh_mac_table(SwitchSections &db, int slot, const char *operation) {
+// False, which leaves the table unstamped, so that the next read tries again, where the card has too many.
+bool fetch_mac_table(SwitchSections &db, int slot, const char *operation) {
     constexpr std::size_t staging_bytes = switch_mac::max_entries * switch_mac::size;
     Staging staging;
     staging.bytes.reset(static_cast<std::uint8_t *>(std::malloc(staging_bytes)));
     if (staging.bytes == nullptr) {
         log_add(log_error, "%s : memory allocation failed. Tried to allocate %d bytes\n", operation,
                 static_cast<int>(staging_bytes));
-        db.mac_stamp.set();
-        return;
+        return true;
     }
     const Fetch fetched = fetch_parts(staging, slot, operation);
-    if (fetched == Fetch::too_many) {
-        return;  // not stamped: the next read tries again
-    }
-    db.mac_stamp.set();
-    if (fetched == Fetch::no_answer) {
-        return;
+    if (fetched != Fetch::complete) {
+        return fetched != Fetch::too_many;
     }
     if (!db.mac_table.resize(staging.count)) {
         log_add(log_error, "%s : memory allocation failed. Tried to allocate %d bytes\n", operation,
                 static_cast<int>(staging.count * switch_mac::size));
-        return;
+        return true;
     }
     db.mac_count = static_cast<std::uint32_t>(staging.count);
     if (staging.count > 0) {
         std::memcpy(db.mac_table.bytes, staging.bytes.get(), staging.count * switch_mac::size);
         sort_mac_entries(entries_of(db));
     }
+    return true;
 }
 
 void write_text_record(char *to, const switch_mac_list_t &entry) {
@@ -109,19 +109,13 @@ void write_text_record(char *to, const switch_mac_list_t &entry) {
 }  // namespace
 
 std::uint8_t *get_switch_mac_table(int slot) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    if (db->mac_stamp.expired()) {
-        refresh_mac_table(*db, slot, __func__);
-    }
-    return db->mac_table.bytes;
+    const auto *sections = refresh_in_parts(
+        mac_table, slot,
+        [slot, operation = __func__](SwitchSections &db) { return fetch_mac_table(db, slot, operation); });
+    return sections != nullptr ? sections->mac_table.bytes : nullptr;
 }
 
 char *get_raw_switch_mac_table(int slot) {
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return nullptr;
@@ -159,7 +153,7 @@ namespace tarn {
 
 MacEntries mac_entries(int slot) {
     get_switch_mac_table(slot);
-    const SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
+    const SwitchSections *db = slot_sections<SwitchSections>(slot);
     return db != nullptr ? entries_of(*db) : MacEntries{};
 }
 

@@ -13,20 +13,18 @@ using namespace tarn;
 
 namespace {
 
-template <std::size_t Size>
-using SectionOfSlot = Section<Size> SwitchSections::*;
-
-template <std::size_t Size>
-std::uint8_t *get_section(int slot, SectionOfSlot<Size> section, std::uint16_t command_code,
-                          const char *operation) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    return refresh(db->*section, Request<payload>(command_code, destination::ethernet_switch), operation,
-                   slot);
-}
+constexpr Query general{command::get_switch_general_cfg, destination::ethernet_switch, usual_pace,
+                        &SwitchSections::switch_general};
+constexpr Query qos_settings{command::get_switch_qos_cfg, destination::ethernet_switch, usual_pace,
+                             &SwitchSections::switch_qos};
+constexpr Query blacklist{command::get_switch_blacklist_cfg, destination::ethernet_switch, usual_pace,
+                          &SwitchSections::switch_blacklist};
+constexpr Query acl_rules{command::get_switch_blacklist_rules, destination::ethernet_switch, usual_pace,
+                          &SwitchSections::blacklist_rules_stamp};
+constexpr Query counters{command::get_switch_port_counters, destination::services, usual_pace,
+                         &SwitchSections::port_counters};
+constexpr Query utilization{command::get_switch_port_utilization, destination::services, usual_pace,
+                            &SwitchSections::port_utilization};
 
 template <std::size_t Size>
 int send_section(int slot, const std::uint8_t *section, std::uint16_t command_code, const char *operation) {
@@ -78,11 +76,10 @@ void read_rules(SwitchSections &db, const Answer &answer, const char *operation)
 }  // namespace
 
 std::uint8_t *get_switch_general_cfg(int slot) {
-    return get_section(slot, &SwitchSections::switch_general, command::get_switch_general_cfg, __func__);
+    return refresh(general, slot, __func__);
 }
 
 int set_switch_general_cfg(int slot) {
-    slot = slot_byte(slot);
     const SwitchSections *db = slot_sections<SwitchSections>(slot);
     return db == nullptr ? -1
                          : send_section<switch_general::size>(slot, db->switch_general.record.data(),
@@ -90,25 +87,19 @@ int set_switch_general_cfg(int slot) {
 }
 
 std::uint8_t *get_switch_qos_cfg(int slot) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr) {
+    auto *sections = slot_sections<SwitchSections>(slot);
+    if (sections == nullptr) {
         return nullptr;
     }
-    std::uint8_t *section = db->switch_qos.record.data();
-    Stamp &stamp = db->switch_qos.stamp;
-    const bool dropped = !stamp.filled;
-    if (refresh(section, switch_qos::size, stamp,
-                Request<payload>(command::get_switch_qos_cfg, destination::ethernet_switch), __func__,
-                slot) &&
-        dropped) {
-        std::ranges::copy(db->sent_last_queues, section + switch_qos::size);
+    const bool dropped = !sections->switch_qos.stamp.filled;
+    std::uint8_t *qos = refresh(qos_settings, slot, __func__, everything, switch_qos::size);
+    if (dropped && sections->switch_qos.stamp.filled) {
+        std::ranges::copy(sections->sent_last_queues, qos + switch_qos::size);
     }
-    return section;
+    return qos;
 }
 
 int set_switch_qos_cfg(int slot) {
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return -1;
@@ -126,7 +117,7 @@ int set_switch_qos_cfg(int slot) {
 }
 
 void normalize_qos_queries(int slot) {
-    SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db != nullptr) {
         std::uint8_t *qos = db->switch_qos.record.data();
         leave_bits_to(qos, switch_qos::last_priority_queue, switch_qos::priority_mask);
@@ -135,11 +126,10 @@ void normalize_qos_queries(int slot) {
 }
 
 std::uint8_t *get_switch_blacklist_cfg(int slot) {
-    return get_section(slot, &SwitchSections::switch_blacklist, command::get_switch_blacklist_cfg, __func__);
+    return refresh(blacklist, slot, __func__);
 }
 
 int set_switch_blacklist_cfg(int slot) {
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return -1;
@@ -151,26 +141,13 @@ int set_switch_blacklist_cfg(int slot) {
 }
 
 std::uint8_t *get_switch_blacklist_rules(int slot) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    if (db->blacklist_rules_stamp.expired()) {
-        const Request<payload> request(command::get_switch_blacklist_rules, destination::ethernet_switch);
-        if (const Answer answer = ask(request, __func__, slot, payload + 4)) {
-            read_rules(*db, answer, __func__);
-            db->blacklist_rules_stamp.filled = true;
-        }
-        db->blacklist_rules_stamp.set();
-    }
-    return db->blacklist_rules[0][0].data();
+    auto *sections = refresh(acl_rules, slot, everything, payload + 4, __func__, read_rules);
+    return sections != nullptr ? sections->blacklist_rules[0][0].data() : nullptr;
 }
 
 int set_switch_blacklist_rules(int slot) {
     constexpr std::size_t most_rules = switch_blacklist::rules_per_list - 1;
     constexpr std::size_t first_rule = payload + 4;
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr) {
         return -1;
@@ -200,18 +177,10 @@ int set_switch_blacklist_rules(int slot) {
 }
 
 std::uint8_t *get_switch_port_counters(int slot, int port) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr || !is_switch_port(port)) {
-        return nullptr;
-    }
-    Request<payload + 1> request(command::get_switch_port_counters, destination::services);
-    request.put(payload, static_cast<std::uint8_t>(port));
-    return refresh(db->port_counters[static_cast<std::size_t>(port)], request, __func__, slot);
+    return refresh(counters, slot, port, Selector<1>{static_cast<std::uint8_t>(port)}, __func__);
 }
 
 int reset_switch_port_counters(int slot, int port) {
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     if (db == nullptr || !is_switch_port(port)) {
         return 1;
@@ -226,16 +195,10 @@ int reset_switch_port_counters(int slot, int port) {
 }
 
 std::uint8_t *get_switch_port_utilization(int slot, int port) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr || !is_switch_port(port)) {
-        return nullptr;
-    }
-    const UtilizationSections *profiles = chassis_sections<UtilizationSections>();
-    const std::uint16_t interval = profiles != nullptr ? profiles->utilization_interval : 0;
-    Request<payload + 3> request(command::get_switch_port_utilization, destination::services);
-    request.put(payload, interval).put(payload + 2, static_cast<std::uint8_t>(port));
-    return refresh(db->port_utilization[static_cast<std::size_t>(port)], request, __func__, slot);
+    const auto *settings = chassis_sections<UtilizationSections>();
+    Selector<3> selector{0, 0, static_cast<std::uint8_t>(port)};
+    store_le16(selector.data(), settings != nullptr ? settings->utilization_interval : std::uint16_t{0});
+    return refresh(utilization, slot, port, selector, __func__);
 }
 
 void to_c64(struct counter64 *out, std::uint64_t in) {

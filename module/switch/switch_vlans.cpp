@@ -14,15 +14,16 @@ namespace {
 constexpr int vlans_per_request = 500;
 constexpr int last_request = 4000;  // asks for what remains
 
-std::uint8_t *get_list(int slot, Section<vlan_list::size> SwitchSections::*list, std::uint8_t unit,
-                       const char *operation) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    return refresh(db->*list, Request<payload>(command::get_switch_vlan_list, unit), operation, slot);
-}
+constexpr Query listed{command::get_switch_vlan_list, destination::ethernet_switch, usual_pace,
+                       &SwitchSections::vlan_list};
+constexpr Query listed_operational{command::get_switch_vlan_list, destination::services, usual_pace,
+                                   &SwitchSections::operational_vlan_list};
+constexpr Query block{command::get_switch_vlans_block, destination::ethernet_switch, usual_pace,
+                      &SwitchSections::vlans_block_stamp};
+constexpr Query configured{command::get_switch_vlan, destination::ethernet_switch, usual_pace,
+                           &SwitchSections::vlan_stamps};
+constexpr Query operational{command::get_switch_vlan, destination::services, usual_pace,
+                            &SwitchSections::operational_vlan_stamps};
 
 // The board VLAN number of an identifier; -1 for what is none.
 int board_number(int index) {
@@ -45,23 +46,23 @@ bool provide_record(std::uint8_t *&vlan, const char *operation) {
     return vlan != nullptr;
 }
 
-// Fetches one VLAN where its stamp has expired; false without memory.
-bool refresh_vlan(std::uint8_t *&vlan, Stamp &stamp, int number, std::uint8_t unit, int slot,
-                  const char *operation) {
-    if (!stamp.expired()) {
-        return true;
-    }
+// Fetches one VLAN where its stamp has expired; false without memory, which is not stamped.
+template <class Stamps>
+bool refresh_vlan(const Query<Stamps, SwitchSections> &query, SwitchSections &sections, std::uint8_t *&vlan,
+                  int number, int slot, const Caller &caller) {
     constexpr std::size_t record = payload + 2;
-    Request<record> request(command::get_switch_vlan, unit);
-    request.put(payload, static_cast<std::uint16_t>(number));
-    if (const Answer answer = ask(request, operation, slot, record + vlan_record::size)) {
-        if (!provide_record(vlan, operation)) {
-            return false;
-        }
-        answer.copy(vlan, record, vlan_record::size);
-    }
-    stamp.set();
-    return true;
+    Selector<2> selector;
+    store_le16(selector.data(), static_cast<std::uint16_t>(number));
+    bool kept = true;
+    ask_when_due(query, (sections.*query.place)[static_cast<std::size_t>(number)], slot, selector,
+                 record + vlan_record::size, caller, [&](const Answer &answer) {
+                     kept = provide_record(vlan, caller.operation);
+                     if (kept) {
+                         answer.copy(vlan, record, vlan_record::size);
+                     }
+                     return kept;
+                 });
+    return kept;
 }
 
 // Takes one VLAN of a block: new ones are cached, absent ones forgotten, cached ones left as they are.
@@ -86,7 +87,7 @@ void take_vlan(std::uint8_t *&vlan, const Record<vlan_record::size> &received, c
 int fetch_block(SwitchSections &db, int slot, int first, const char *operation) {
     constexpr std::size_t first_record = payload + 4;
     const int asked = first == last_request ? switch_vlans - last_request : vlans_per_request;
-    Request<first_record> request(command::get_switch_vlans_block, destination::ethernet_switch);
+    Request<first_record> request(block.command, block.destination);
     request.put(payload, static_cast<std::uint16_t>(first))
         .put(payload + 2, static_cast<std::uint16_t>(asked));
     const Answer answer = ask(request, operation, slot, first_record);
@@ -112,60 +113,49 @@ int fetch_block(SwitchSections &db, int slot, int first, const char *operation) 
 }  // namespace
 
 std::uint8_t *get_switch_vlan_list(int slot) {
-    return get_list(slot, &SwitchSections::vlan_list, destination::ethernet_switch, __func__);
+    return refresh(listed, slot, __func__);
 }
 
 std::uint8_t *get_switch_vlan_list_operational(int slot) {
-    return get_list(slot, &SwitchSections::operational_vlan_list, destination::services, __func__);
+    return refresh(listed_operational, slot, __func__);
 }
 
 std::uint8_t **get_switch_vlans_block(int slot) {
-    slot = slot_byte(slot);
-    SwitchSections *db = slot_sections<SwitchSections>(slot);
-    if (db == nullptr) {
-        return nullptr;
-    }
-    if (db->vlans_block_stamp.expired()) {
-        int first = 0;
-        while (first < switch_vlans) {
-            const int next = fetch_block(*db, slot, first, __func__);
+    auto *sections = refresh_in_parts(block, slot, [slot, operation = __func__](SwitchSections &db) {
+        for (int first = 0, next = 0; first < switch_vlans; first = next) {
+            next = fetch_block(db, slot, first, operation);
             if (next <= first) {
                 break;
             }
-            first = next;
         }
-        db->vlans_block_stamp.set();
-    }
-    return db->vlans.data();
+        return true;
+    });
+    return sections != nullptr ? sections->vlans.data() : nullptr;
 }
 
 std::uint8_t **get_switch_vlan(int slot, int index) {
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     const int number = board_number(index);
     if (db == nullptr || number < 0) {
         return nullptr;
     }
     const auto at = static_cast<std::size_t>(number);
-    const bool kept = refresh_vlan(db->vlans[at], db->vlan_stamps[at], number, destination::ethernet_switch,
-                                   slot, __func__);
+    const bool kept = refresh_vlan(configured, *db, db->vlans[at], number, slot, __func__);
     return kept ? &db->vlans[at] : nullptr;
 }
 
 std::uint8_t *get_switch_vlan_operational(int slot, int vlan) {
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     const auto at = static_cast<std::size_t>(vlan);
     if (db == nullptr || at >= operational_vlans_limit) {
         return nullptr;
     }
-    const bool kept = refresh_vlan(db->operational_vlans[at], db->operational_vlan_stamps[at], vlan,
-                                   destination::services, slot, __func__);
+    const bool kept = refresh_vlan(operational, *db, db->operational_vlans[at], vlan, slot, __func__);
     return kept ? db->operational_vlans[at] : nullptr;
 }
 
 int init_switch_vlan(int slot, int index) {
-    SwitchSections *db = slot_sections<SwitchSections>(slot_byte(slot));
+    SwitchSections *db = slot_sections<SwitchSections>(slot);
     const int number = board_number(index);
     if (db == nullptr || number < 0) {
         return -1;
@@ -185,7 +175,6 @@ int init_switch_vlan(int slot, int index) {
 }
 
 int set_switch_vlan(int slot, int index) {
-    slot = slot_byte(slot);
     SwitchSections *db = slot_sections<SwitchSections>(slot);
     const int number = board_number(index);
     if (db == nullptr || number < 0 || db->vlans[static_cast<std::size_t>(number)] == nullptr) {

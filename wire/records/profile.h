@@ -3,7 +3,10 @@
 #ifndef TARN_WIRE_RECORDS_PROFILE_H
 #define TARN_WIRE_RECORDS_PROFILE_H
 
+#include <string_view>
+
 #include "wire/defaults.h"
+#include "wire/protocol.h"
 #include "wire/record.h"
 
 namespace tarn {
@@ -15,7 +18,16 @@ inline constexpr Field name = text_at(6, 16);
 inline constexpr Field description = text_at(22, 256);
 }  // namespace profile_head
 
-// Profile kinds: record size, number of profiles, and the fields behind the head.
+// A kind of ONT profile: `count` records, which are read all at once, and added, set and removed one by one.
+struct ProfileDescription {
+    std::string_view name;
+    std::size_t size;  // bytes of a record
+    int count;
+    std::uint16_t list, add, set, remove;  // the commands, to the configuration service
+    std::span<const Default> defaults;     // of a new one
+};
+
+// The kinds, with the fields behind the head.
 namespace management_profile {
 inline constexpr std::size_t size = 604;
 inline constexpr RecordKind layout{size};
@@ -27,6 +39,17 @@ inline constexpr Field text_434 = layout.text(434, 26);
 
 // Those of a new one; every other byte is 0.
 inline constexpr Default defaults[] = {{flag_278, 1}};
+
+inline constexpr ProfileDescription kind{
+    "management",
+    size,
+    count,
+    command::get_management_profiles,
+    command::add_management_profile,
+    command::set_management_profile,
+    command::delete_management_profile,
+    defaults,
+};
 }  // namespace management_profile
 
 namespace crossconnect_profile {
@@ -51,6 +74,17 @@ static_assert(value_297.offset + value_297.size == size);
 inline constexpr Default defaults[] = {
     {value_278, 0}, {value_280, 1}, {value_281, 0},   {value_283, 1},   {value_285, 255},
     {value_286, 1}, {value_288, 0}, {value_290, 255}, {value_291, 127},
+};
+
+inline constexpr ProfileDescription kind{
+    "crossconnect",
+    size,
+    count,
+    command::get_crossconnect_profiles,
+    command::add_crossconnect_profile,
+    command::set_crossconnect_profile,
+    command::delete_crossconnect_profile,
+    defaults,
 };
 }  // namespace crossconnect_profile
 
@@ -77,6 +111,17 @@ inline constexpr Default defaults[] = {
     {long_value_2, 1244160, crossconnects, long_entry_size},
     {long_value_6, 1244160, crossconnects, long_entry_size},
 };
+
+inline constexpr ProfileDescription kind{
+    "shaping",
+    size,
+    count,
+    command::get_shaping_profiles,
+    command::add_shaping_profile,
+    command::set_shaping_profile,
+    command::delete_shaping_profile,
+    defaults,
+};
 }  // namespace shaping_profile
 
 namespace alloc_profile {
@@ -94,6 +139,17 @@ inline constexpr Field value_295 = layout.u32(295);
 // Those of a new one; every other byte is 0.
 inline constexpr Default defaults[] = {
     {value_282, 48600}, {value_286, 8}, {value_291, 64}, {value_295, 1273856}};
+
+inline constexpr ProfileDescription kind{
+    "alloc",
+    size,
+    count,
+    command::get_alloc_profiles,
+    command::add_alloc_profile,
+    command::set_alloc_profile,
+    command::delete_alloc_profile,
+    defaults,
+};
 }  // namespace alloc_profile
 
 namespace ports_profile {
@@ -176,7 +232,22 @@ inline constexpr Default defaults[] = {
     {uni_value_1433, 2488320, uni_ports, uni_port_size},
     {uni_value_1437, 2488320, uni_ports, uni_port_size},
 };
+
+inline constexpr ProfileDescription kind{
+    "ports",
+    size,
+    count,
+    command::get_ports_profiles,
+    command::add_ports_profile,
+    command::set_ports_profile,
+    command::delete_ports_profile,
+    defaults,
+};
 }  // namespace ports_profile
+
+inline constexpr const ProfileDescription *profile_kinds[] = {
+    &management_profile::kind, &crossconnect_profile::kind, &shaping_profile::kind, &alloc_profile::kind,
+    &ports_profile::kind};
 
 // Lists of OLT profiles, which are only read.
 namespace olt_profile {
