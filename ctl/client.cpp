@@ -58,6 +58,16 @@ class Connection {
         return line;
     }
 
+    // What has come; empty at the end.
+    [[nodiscard]] std::string read_some() const {
+        std::array<char, 65536> buffer{};
+        const ssize_t count = recv(socket_, buffer.data(), buffer.size(), 0);
+        if (count < 0) {
+            fail();
+        }
+        return {buffer.data(), static_cast<std::size_t>(count)};
+    }
+
   private:
     [[noreturn]] void fail() const { throw std::runtime_error(path_ + ": " + std::strerror(errno)); }
 
@@ -75,6 +85,26 @@ Json ask(const std::string &socket_path, const Json &request) {
         throw std::runtime_error(socket_path + ": the answer is not JSON");
     }
     return answer;
+}
+
+void follow(const std::string &socket_path, const Json &request,
+            const std::function<bool(const Json &line)> &take) {
+    const Connection connection(socket_path);
+    connection.write(request.dump() + '\n');
+    std::string pending;
+    for (std::string part = connection.read_some(); !part.empty(); part = connection.read_some()) {
+        pending += part;
+        for (std::size_t end = pending.find('\n'); end != std::string::npos; end = pending.find('\n')) {
+            const Json line = Json::parse(pending.substr(0, end), nullptr, false);
+            pending.erase(0, end + 1);
+            if (!line.is_object()) {
+                throw std::runtime_error(socket_path + ": the answer is not JSON");
+            }
+            if (!take(line)) {
+                return;
+            }
+        }
+    }
 }
 
 }  // namespace tarn::ctl

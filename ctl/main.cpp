@@ -53,6 +53,7 @@ struct Options {
     int entry = 0;
     int first = 0;
     int second = 0;
+    int slot = 0;
     std::optional<int> watch;  // seconds between two answers
 };
 
@@ -90,6 +91,21 @@ int show_figures(const Options &options) {
         std::cout << (options.json ? "" : "\n");
         status = finish(options, ask(options.agent, {{"do", "stats"}}));
     }
+    return status;
+}
+
+// Until the agent ends.
+int show_trace(const Options &options) {
+    int status = exit_failed;
+    follow(options.agent, {{"do", "trace"}, {"slot", options.slot}}, [&](const Json &line) {
+        if (line.contains("error")) {
+            status = finish(options, line);
+            return false;
+        }
+        status = exit_done;
+        std::cout << (options.json ? line.dump() + '\n' : describe_trace(line)) << std::flush;
+        return true;
+    });
     return status;
 }
 
@@ -199,6 +215,11 @@ void add_commands(CLI::App &app, Options &options, std::function<int()> &run) {
         ->default_str("2")
         ->check(CLI::Range(1, 86400));
     stats->callback([&options, &run] { run = [&options] { return show_figures(options); }; });
+    CLI::App *trace = app.add_subcommand("trace", "show requests to a card as they happen");
+    trace->add_option("slot", options.slot, "1 to 16, or 17 to 19 for the chassis' own services")
+        ->required()
+        ->check(CLI::Range(1, 19));
+    trace->callback([&options, &run] { run = [&options] { return show_trace(options); }; });
     add_firmware_commands(app, options, run);
     add_alarm_commands(app, options, run);
     CLI::App *chassis = app.add_subcommand("chassis", "see and change a simulated chassis");

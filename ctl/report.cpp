@@ -140,6 +140,28 @@ std::string describe(const Json &answer) {
     return describe_plainly(answer);
 }
 
+std::string describe_trace(const Json &line) {
+    if (line.contains("dropped")) {
+        return line["dropped"].dump() + " lines were dropped: they came faster than they were read\n";
+    }
+    if (!line.contains("what")) {
+        return "";
+    }
+    const std::string what = line["what"];
+    const bool outward = what == "request" || what == "probe";
+    std::string text = line.value("time", "") + "  slot " + line["slot"].dump() +
+                       (outward ? " -> " : " <- ") + line.value("name", "");
+    if (what == "probe" || what == "failure") {
+        text += " (" + what + ')';
+    }
+    for (const auto &[key, value] : line.items()) {
+        if (key != "time" && key != "slot" && key != "what" && key != "name") {
+            text += "  " + key + '=' + (key == "reason" ? value.dump() : cell(key, value));
+        }
+    }
+    return text + '\n';
+}
+
 int exit_status(const Json &answer) {
     bool any_failed = failed(answer);
     if (answer.contains("results")) {

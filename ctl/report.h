@@ -16,6 +16,9 @@ inline constexpr int exit_usage = 2;
 // The answer in words, a line a slot.
 std::string describe(const Json &answer);
 
+// A line of a trace in words: time, slot, direction and name, then everything else by its name.
+std::string describe_trace(const Json &line);
+
 // exit_done, or exit_failed when anything in the answer says that it failed.
 int exit_status(const Json &answer);
 

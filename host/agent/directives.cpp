@@ -137,6 +137,10 @@ void max_bulk_directive(const char *token, char *line) {
     number_directive(token, line, 1, 65535, target->largest_bulk);
 }
 
+void max_notifications_directive(const char *token, char *line) {
+    number_directive(token, line, 0, 100'000, target->host.most_notifications);
+}
+
 void row_budget_directive(const char *token, char *line) {
     int rows = static_cast<int>(target->host.row_budget);
     number_directive(token, line, 1, std::numeric_limits<int>::max(), rows);
@@ -218,6 +222,7 @@ constexpr std::array directives = {
     Directive{"tarnSilentHold", seconds_directive<&HostConfig::hold>, "SECONDS"},
     Directive{"tarnConfirmTime", seconds_directive<&HostConfig::confirm_time>, "SECONDS"},
     Directive{"tarnMaxBulk", max_bulk_directive, "VARIABLES of a GETBULK answer"},
+    Directive{"tarnMaxNotifications", max_notifications_directive, "NOTIFICATIONS a minute"},
     Directive{"tarnRowBudget", row_budget_directive, "ROWS to remember in all"},
     Directive{"tarnTftpDirectory", firmware_directive<&FirmwareDirectories::tftp_root>,
               "DIRECTORY that line cards fetch images from"},

@@ -81,8 +81,11 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
         error = "net-snmp takes no more descriptors";
         return nullptr;
     }
-    // What finishes while a request is served raises no event of its own.
-    host->ipc_.on_finished([ipc = &host->ipc_](const Exchange &) { ipc->wake(); });
+    host->watch_cards();
+    if (!host->mib_.register_objects(host->ipc_, [self = host.get()] { return self->figures(); })) {
+        error = "net-snmp refuses to register the agent's own objects";
+        return nullptr;
+    }
     set_manager_requests(&host->requests_);
     host->alarm_ = snmp_alarm_register(link_check_seconds, SA_REPEAT, link_alarm, host.get());
     return host;
@@ -91,7 +94,7 @@ std::unique_ptr<Host> Host::start(const HostConfig &config, std::string &error) 
 bool Host::open_control(const HostConfig &config, std::string &error) {
     commands_ =
         std::make_unique<ControlCommands>(*module_, *slots_, config.confirm_time, [this] { forget_cards(); });
-    commands_->observe(ipc_, [this] { return gather_figures(requests_, tables_); });
+    commands_->observe(ipc_, [this] { return figures(); });
     control_ = ControlSocket::open(
         config.control, [this](const std::string &line) { return commands_->answer(line); }, error,
         [this](const std::string &lines, std::function<void()> work) {
@@ -101,7 +104,61 @@ bool Host::open_control(const HostConfig &config, std::string &error) {
                 requests_.change({}, std::move(work));
             }
         });
+    if (control_ != nullptr) {
+        control_->take_over = [this](const std::string &line, int connection) {
+            return trace_.take_over(line, connection);
+        };
+    }
     return control_ != nullptr;
+}
+
+AgentFigures Host::figures() const {
+    AgentFigures figures = gather_figures(requests_, tables_);
+    figures.notifications_sent = notifications_.sent();
+    figures.notifications_held_back = notifications_.held_back();
+    return figures;
+}
+
+// Nothing is sent from inside a request: what there is to tell is left for the agent's next turn.
+void Host::watch_cards() {
+    // What finishes while a request is served raises no event of its own.
+    ipc_.on_finished([this](const Exchange &exchange) {
+        trace_.finished(exchange);
+        for (const OntChange &change : onts_.take(exchange.slot, exchange.request, exchange.answer)) {
+            leave_for_agent([this, slot = exchange.slot, change] {
+                notifications_.notify({.what = change.lost ? Notification::ont_lost : Notification::ont_back,
+                                       .slot = slot,
+                                       .ont = change});
+            });
+        }
+        ipc_.wake();
+    });
+    ipc_.on_sent([this](const Exchange &exchange) { trace_.sent(exchange); });
+    ipc_.on_hold([this](int slot, bool held) {
+        leave_for_agent([this, slot, held, reason = ipc_.reason(slot)] {
+            if (held) {
+                notifications_.notify({.what = Notification::card_silent, .slot = slot, .reason = reason});
+            } else {
+                notifications_.notify({.what = Notification::card_answering, .slot = slot});
+            }
+        });
+        ipc_.wake();
+    });
+    slots_->on_change = [this](int slot, bool up) {
+        onts_.forget(slot);
+        if (up) {
+            notifications_.notify({.what = Notification::card_up, .slot = slot});
+        } else {
+            notifications_.notify(
+                {.what = Notification::card_down, .slot = slot, .reason = ipc_.reason(slot)});
+        }
+    };
+}
+
+void Host::tell_of_commits() {
+    for (const auto &[slot, left] : commands_->take_expiring()) {
+        notifications_.notify({.what = Notification::commit_expiring, .slot = slot, .left = left});
+    }
 }
 
 // The slot that an OID is about: what is in no table of line cards is about the chassis.
@@ -170,6 +227,7 @@ void Host::board_ready(int /*descriptor*/, void *host) {
 
 void Host::serve_board() {
     ipc_.process();
+    run_left_work();
     if (requests_.serve_ready()) {
         ipc_.wake();
     }
@@ -180,10 +238,15 @@ void Host::link_alarm(unsigned /*alarm*/, void *host) {
     run_left_work();
     write_due_repeats(std::chrono::steady_clock::now());
     auto &self = *static_cast<Host *>(host);
+    self.trace_.tidy();
+    self.notifications_.tell_held_back();
     self.ipc_.refresh_links();
     self.follow_links();
     if (self.rules_changed_ && !self.requests_.is_changing()) {
         self.requests_.change(touched_slots(profiles_slot), [&self] { self.pass_rules_on(); });
+    }
+    if (self.commands_ != nullptr) {
+        self.tell_of_commits();
     }
     if (self.commands_ != nullptr && !self.requests_.is_changing()) {
         self.commands_->follow_commits();
@@ -192,8 +255,10 @@ void Host::link_alarm(unsigned /*alarm*/, void *host) {
 
 void Host::stop() {
     set_manager_requests(nullptr);
+    ipc_.on_hold({});
     requests_.stop();
     control_.reset();
+    mib_.unregister_objects();
     (void)unregister_readfd(ipc_.descriptor());
     if (alarm_ != 0) {
         snmp_alarm_unregister(alarm_);

@@ -9,10 +9,14 @@
 #include <string>
 #include <vector>
 
+#include "host/agent/agent_mib.h"
 #include "host/agent/manager_requests.h"
+#include "host/agent/notifications.h"
 #include "host/board/chassis_address.h"
 #include "host/board/ipc_client.h"
+#include "host/board/ont_watch.h"
 #include "host/board/slots.h"
+#include "host/control/card_trace.h"
 #include "host/control/control_commands.h"
 #include "host/control/control_socket.h"
 #include "host/loader/module_loader.h"
@@ -33,6 +37,7 @@ struct HostConfig {
     std::chrono::seconds hold{1};            // for which a silent card is left alone between two probes
     std::chrono::seconds confirm_time{600};  // after which a card takes back a commit; 0: never
     FirmwareDirectories firmware = default_firmware_directories();
+    int most_notifications = 60;  // of TARN-AGENT-MIB, a minute
     std::size_t row_budget = 2'000'000;
     std::string control;  // path of the control socket; empty: none
 };
@@ -56,12 +61,16 @@ class Host {
     explicit Host(const HostConfig &config)
         : ipc_(config.chassis, config.hold),
           requests_(ipc_, [this](std::span<const oid> name) { return slot_of(name); }),
+          notifications_(config.most_notifications, send_v2trap),
           cache_(config.row_budget) {}
     bool open_control(const HostConfig &config, std::string &error);
     void follow_links();
     bool chassis_came_back();
     void forget_cards();
     void pass_rules_on();
+    void watch_cards();
+    void tell_of_commits();
+    [[nodiscard]] AgentFigures figures() const;
     void serve_board();
     int slot_of(std::span<const oid> name);
     static void board_ready(int descriptor, void *host);
@@ -70,6 +79,10 @@ class Host {
     std::unique_ptr<Module> module_;
     IpcClient ipc_;
     ManagerRequests requests_;
+    Notifications notifications_;
+    OntWatch onts_;
+    CardTrace trace_;
+    AgentMib mib_;
     RowCache cache_;
     SetGuard guard_;
     std::unique_ptr<Slots> slots_;

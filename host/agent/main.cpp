@@ -15,6 +15,7 @@
 #include "host/agent/event_loop.h"
 #include "host/agent/host.h"
 #include "host/agent/identity.h"
+#include "host/agent/notifications.h"
 #include "host/agent/privileges.h"
 #include "host/agent/service_manager.h"
 #include "host/services/block_allocator.h"
@@ -124,6 +125,7 @@ bool serve(Configuration &configuration) {
     }
     notify_service_manager("STOPPING=1");
     log_add(log_level::information, "stopping\n");
+    announce_shutdown();
     host->stop();
     save_state(application);
     // The module's scalars must be out of net-snmp before the module is unloaded.

@@ -152,6 +152,26 @@ CardState IpcClient::state(int number) const {
     return slot.figures.last_answer_time > quick || waits ? CardState::slow : CardState::ok;
 }
 
+CardReason IpcClient::reason(int number) const {
+    const Slot &slot = slot_at(number);
+    if (!slot.link) {
+        return slot.absence;
+    }
+    switch (state(number)) {
+        case CardState::silent:
+            return CardReason::timed_out;
+        case CardState::closing:
+            return CardReason::connections_lost;
+        default:
+            return CardReason::none;
+    }
+}
+
+void IpcClient::lose_link(Slot &slot, CardReason reason) {
+    slot.link = false;
+    slot.absence = reason;
+}
+
 ExchangePtr IpcClient::start(std::span<const std::uint8_t> request, int timeout_ms) {
     auto exchange = std::make_shared<Exchange>();
     const auto number = request.size() < board_header::size
@@ -194,6 +214,9 @@ void IpcClient::dispatch(int number) {
             const ExchangePtr exchange = slot.queue.front();
             slot.queue.pop_front();
             (*idle)->send(exchange);
+            if (sent_listener_) {
+                sent_listener_(*exchange);
+            }
             serve(**idle);
             continue;
         }
@@ -220,7 +243,7 @@ BoardConnection *IpcClient::open(int number) {
     if (!connection->is_open() || epoll_ctl(events_, EPOLL_CTL_ADD, connection->descriptor(), &event) != 0) {
         // What is queued can wait for another connection where there is one.
         if (all_late(slot.connections)) {
-            slot.link = false;
+            lose_link(slot, CardReason::no_chassis);
             fail_queue(number, ipc_result::no_connection);
         }
         return nullptr;
@@ -260,7 +283,7 @@ void IpcClient::serve(BoardConnection &connection) {
             close(connection);
             return;
         case BoardConnection::Event::no_card:
-            slot_at(number).link = false;
+            lose_link(slot_at(number), CardReason::no_card);
             close(connection);
             fail_queue(number, ipc_result::no_card);
             return;
@@ -279,7 +302,8 @@ void IpcClient::connection_failed(BoardConnection &connection, int result) {
     if (exchange != nullptr) {
         finish(exchange, result);
     } else if (opening && all_late(slot_at(number).connections)) {
-        slot_at(number).link = false;
+        lose_link(slot_at(number), result == ipc_result::no_connection ? CardReason::no_chassis
+                                                                       : CardReason::connections_lost);
         fail_queue(number, result);
     } else if (!opening) {
         ++slot_at(number).endings;
@@ -324,7 +348,9 @@ void IpcClient::note_outcome(Slot &slot, const Exchange &exchange, int result) {
         }
         slot.silent_requests = 0;
         slot.lost_requests = 0;
-        slot.held = false;
+        if (std::exchange(slot.held, false) && hold_listener_) {
+            hold_listener_(exchange.slot, false);
+        }
         return;
     }
     // Requests that failed together, or that were sent before the card was found out, count once.
@@ -346,17 +372,21 @@ void IpcClient::note_outcome(Slot &slot, const Exchange &exchange, int result) {
                     exchange.slot + 1,
                     slot.silent_requests >= silent_requests_before_hold ? "does not answer"
                                                                         : "keeps closing its connections");
-            hold(slot);
+            hold(exchange.slot);
             fail_queue(exchange.slot, ipc_result::on_hold);
         }
     }
 }
 
-void IpcClient::hold(Slot &slot) {
+void IpcClient::hold(int number) {
+    Slot &slot = slot_at(number);
     slot.held = true;
     slot.next_probe = Clock::now() + hold_;
     ++slot.figures.holds;
     watch_deadline(slot.next_probe);
+    if (hold_listener_) {
+        hold_listener_(number, true);
+    }
 }
 
 void IpcClient::probe(int number, Deadline now) {
@@ -427,7 +457,7 @@ void IpcClient::expire(Deadline now) {
             finish(exchange, ipc_result::timed_out);
         }
         if (nothing_open && overdue.empty() && !slot.queue.empty()) {
-            slot.link = false;
+            lose_link(slot, CardReason::timed_out);
         }
         if (slot.held && slot.next_probe <= now) {
             probe(number, now);

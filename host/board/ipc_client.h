@@ -33,6 +33,9 @@ enum class CardState {
 };
 const char *name_of(CardState state);
 
+// Why a card is left alone or is not there.
+enum class CardReason { none = 1, timed_out, connections_lost, no_card, no_chassis };
+
 class IpcClient {
   public:
     // Slots 0-15 are line cards, 16-18 the chassis' own services.
@@ -64,6 +67,7 @@ class IpcClient {
     // Whether the slot had a card at the last contact.
     [[nodiscard]] bool link(int slot) const;
     [[nodiscard]] CardState state(int slot) const;
+    [[nodiscard]] CardReason reason(int slot) const;
     // How many of the slot's connections the other end closed while nothing was asked.
     [[nodiscard]] std::uint64_t endings(int slot) const { return slot_at(slot).endings; }
     // Connects where there is no connection, waiting at most timeout_ms. Returns the link.
@@ -81,6 +85,9 @@ class IpcClient {
     void wake() { watch_deadline(std::chrono::steady_clock::now()); }
     // Called inside process() when an exchange is finished.
     void on_finished(std::function<void(const Exchange &)> listener) { listener_ = std::move(listener); }
+    // The same when a request goes out to its card, and when a card is left alone or no more.
+    void on_sent(std::function<void(const Exchange &)> listener) { sent_listener_ = std::move(listener); }
+    void on_hold(std::function<void(int slot, bool held)> listener) { hold_listener_ = std::move(listener); }
 
     [[nodiscard]] const CardFigures &figures(int slot) const;
     [[nodiscard]] const ChassisAddress &address() const { return address_; }
@@ -90,6 +97,7 @@ class IpcClient {
         std::deque<ExchangePtr> queue;  // not sent yet
         std::vector<std::unique_ptr<BoardConnection>> connections;
         bool link = false;
+        CardReason absence = CardReason::no_chassis;  // why there is no link
         int silent_requests = 0;
         int lost_requests = 0;
         std::uint64_t endings = 0;
@@ -109,7 +117,8 @@ class IpcClient {
     void connection_failed(BoardConnection &connection, int result);
     void finish(const ExchangePtr &exchange, int result);
     void note_outcome(Slot &slot, const Exchange &exchange, int result);
-    void hold(Slot &slot);
+    void hold(int number);
+    static void lose_link(Slot &slot, CardReason reason);
     void fail_queue(int number, int result);
     void expire(Deadline now);
     void probe(int number, Deadline now);
@@ -124,6 +133,8 @@ class IpcClient {
     std::array<Slot, slots> slots_;
     std::vector<std::unique_ptr<BoardConnection>> closed_;  // until no event can name them
     std::function<void(const Exchange &)> listener_;
+    std::function<void(const Exchange &)> sent_listener_;
+    std::function<void(int, bool)> hold_listener_;
 };
 
 // The answer as the module gets it: 0 and a balloc'ed block, or the exchange's negative result. The block is

@@ -64,10 +64,14 @@ bool Slots::follow(const std::function<bool(int slot)> &has_link) {
         }
         const bool link = has_link(slot);
         if (link && !is_up(slot)) {
-            changed |= start(slot);
+            if (start(slot)) {
+                changed = true;
+                on_change(slot, true);
+            }
         } else if (!link && is_up(slot)) {
             stop(slot);
             changed = true;
+            on_change(slot, false);
         }
     }
     return changed;

@@ -33,6 +33,8 @@ class Slots {
 
     // Starts and stops slots so that the served ones with a link are up. True when a slot changed.
     bool follow(const std::function<bool(int slot)> &has_link);
+    // Called inside follow() when a slot was brought up, or down.
+    std::function<void(int slot, bool up)> on_change = [](int, bool) {};
 
     // Has the module forget all that it knows of a slot that is up.
     void restart(int slot);

@@ -174,7 +174,7 @@ Json set_alarm(const Json &request, const Module &module) {
     return {{"result", outcome}};
 }
 
-constexpr std::string_view questions[] = {"slots", "stats", "version"};
+constexpr std::string_view questions[] = {"slots", "stats", "trace", "version"};
 constexpr std::string_view profiles_suffix = "-profiles";
 
 }  // namespace
@@ -200,6 +200,10 @@ std::string ControlCommands::answer(const std::string &line) try {
         const Json answer = name == "slots" ? list_slots(slots_, cards_)
                                             : Json{{"program", "tarn-agentd"}, {"version", TARN_VERSION}};
         return answer.dump() + '\n';
+    }
+    if (name == "trace") {
+        throw ControlError(
+            "a trace needs a slot from 1 to 19 and a place: not too many may follow at a time");
     }
     if (name == "stats" && cards_ != nullptr) {
         need_keys(request, {});

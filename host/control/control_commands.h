@@ -35,6 +35,8 @@ class ControlCommands {
     // answered {"error": "what is wrong"}.
     std::string answer(const std::string &line);
 
+    // The commits that are about to be taken back, by slot, each once.
+    std::vector<std::pair<int, std::chrono::seconds>> take_expiring() { return unconfirmed_.take_expiring(); }
     // Forgets what was known of the slots whose commit was taken back; to be called every second or so.
     void follow_commits();
 

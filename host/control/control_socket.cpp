@@ -141,6 +141,10 @@ void ControlSocket::take(int connection) {
     pending.append(buffer.data(), static_cast<std::size_t>(count));
     // The next lines are read when these are answered.
     (void)unregister_readfd(connection);
+    if (take_over && pending.find('\n') == pending.size() - 1 && take_over(pending, connection)) {
+        pending_.erase(connection);
+        return;
+    }
     run_(pending, [this, connection] { answer(connection); });
 }
 

@@ -24,6 +24,9 @@ class ControlSocket {
         std::function<void(const std::string &lines, std::function<void()> work)> run =
             [](const std::string & /*lines*/, const std::function<void()> &work) { work(); });
     ~ControlSocket();
+
+    // Is asked about each line that comes alone; when it says true the connection is its own from then on.
+    std::function<bool(const std::string &line, int connection)> take_over;
     ControlSocket(const ControlSocket &) = delete;
     ControlSocket &operator=(const ControlSocket &) = delete;
 

@@ -28,6 +28,8 @@ struct AgentFigures {
     std::uint64_t longest_turn_us = 0;
     std::uint64_t outstanding_blocks = 0;
     std::uint64_t outstanding_bytes = 0;
+    std::uint64_t notifications_sent = 0;
+    std::uint64_t notifications_held_back = 0;
     CacheUse cache;                                          // in all
     std::map<std::string, CacheUse> cache_by_table;          // only what was asked about
     std::array<CacheUse, IpcClient::slots> cache_by_slot{};  // slots 17 and 18 have no tables of their own

@@ -76,6 +76,8 @@ Json report_figures(const IpcClient &cards, const AgentFigures &figures) {
              {{"longest_turn_us", figures.longest_turn_us},
               {"outstanding_blocks", figures.outstanding_blocks},
               {"outstanding_bytes", figures.outstanding_bytes},
+              {"notifications_sent", figures.notifications_sent},
+              {"notifications_held_back", figures.notifications_held_back},
               {"cache_hits", figures.cache.hits},
               {"cache_misses", figures.cache.misses}}},
             {"cards", std::move(slots)},

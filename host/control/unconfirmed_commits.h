@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace tarn::host {
@@ -16,14 +17,21 @@ class UnconfirmedCommits {
 
     // Slots are 0-15, and 16 for the chassis-wide profiles. A new commit is waited for anew.
     void begin(int slot);
-    void end(int slot) { deadlines_.erase(slot); }
+    void end(int slot) { waiting_.erase(slot); }
 
+    // The slots whose time is over in a minute or less, or in half of it when it is shorter; each commit
+    // once.
+    std::vector<std::pair<int, std::chrono::seconds>> take_expiring();
     // The slots whose time is over, ascending, each once.
     std::vector<int> take_overdue();
 
   private:
     std::chrono::seconds confirm_time_;
-    std::map<int, std::int64_t> deadlines_;  // by slot, on agent_time's clock
+    struct Commit {
+        std::int64_t deadline;  // on agent_time's clock
+        bool told = false;
+    };
+    std::map<int, Commit> waiting_;  // by slot
 };
 
 }  // namespace tarn::host

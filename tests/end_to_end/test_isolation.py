@@ -1,6 +1,7 @@
 """A card that is slow, silent or closes its connections keeps nobody waiting but those who ask about it."""
 
 import json
+import socket
 import threading
 import time
 
@@ -8,7 +9,7 @@ import pytest
 
 import commands
 import snmp
-from programs import run_to_end, wait_until
+from programs import free_port, run_to_end, wait_until
 from snmp import ROOT, SnmpError, USER, USER_LINES, oid_key
 
 STATE, ADDRESS = f"{ROOT}.1.1.1", f"{ROOT}.1.3.1"
@@ -97,13 +98,14 @@ def test_a_set_that_waits_for_its_card_keeps_no_read_waiting(shared, start):
     assert len(other_row.result()) == 8
 
 
-def test_a_repeated_request_is_served_once(start):
-    system = start(cache_period=0)
+@pytest.mark.parametrize("access", [snmp.READ, USER])
+def test_a_repeated_request_is_served_once(start, access):
+    system = start(cache_period=0, agent_lines=USER_LINES)
     system.chassis.fault("slow", slot=SLOT, milliseconds=2500)
     impatient = snmp.Client(system.agent.port, timeout=1)
     impatient.retries = 3
     begin = time.monotonic()
-    assert impatient.get(f"{STATE}.6.{SLOT + 1}.1")[0][1].value == b"Tarn Optics"
+    assert impatient.get(f"{STATE}.6.{SLOT + 1}.1", community=access)[0][1].value == b"Tarn Optics"
     assert time.monotonic() - begin > 2
     assert len(system.chassis.requests(slot=SLOT, command=commands.GET_CHANNEL_STATE)) == 1
     system.chassis.clear_faults()
@@ -151,3 +153,47 @@ def test_requests_of_one_pdu_travel_together(start):
     rows = system.snmp.get(*(f"{STATE}.6.{SLOT + 1}.{channel}" for channel in range(1, 9)))
     assert [value.value for _, value in rows] == [b"Tarn Optics"] * 8
     assert time.monotonic() - begin < 8 * 0.6 / 2
+
+
+def tlv(tag, content):
+    length = bytes([len(content)]) if len(content) < 128 else bytes([0x82]) + len(content).to_bytes(2, "big")
+    return bytes([tag]) + length + content
+
+
+def get_message(request_id):
+    """A GET, version 2c, of the vendor of the slow card's first channel."""
+    name = tlv(6, bytes.fromhex("2b0601040181fd59011601010106") + bytes([SLOT + 1, 1]))
+    variables = tlv(0x30, tlv(0x30, name + tlv(5, b"")))
+    number = tlv(2, request_id.to_bytes(4, "big"))
+    zero = tlv(2, b"\0")
+    return tlv(0x30, tlv(2, b"\1") + tlv(4, b"public") + tlv(0xA0, number + zero + zero + variables))
+
+
+def test_no_more_requests_are_parked_than_the_bound_and_none_without_its_session(start):
+    port = free_port()
+    system = start(cache_period=0, agent_lines=["tarnControl agent-control", f"agentAddress tcp:127.0.0.1:{port}"])
+    system.chassis.fault("slow", slot=SLOT, command=commands.GET_CHANNEL_STATE, milliseconds=10_000)
+
+    def figures():
+        return json.loads(tarnctl(system, "--json", "stats"))["requests"]
+
+    with socket.create_connection(("127.0.0.1", port)) as session:
+        session.sendall(get_message(1))
+        wait_until(lambda: figures()["parked_now"] == 1, "the request to be parked")
+    wait_until(lambda: figures()["parked_now"] == 0, "its end")
+
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as manager:
+        manager.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 20)
+        manager.settimeout(20)
+        for request_id in range(1, 261):
+            manager.sendto(get_message(request_id), ("127.0.0.1", system.agent.port))
+            if request_id % 20 == 0:
+                wait_until(lambda: figures()["parked_in_all"] + figures()["turned_away"] > request_id,
+                           "the agent to take them")
+        answers = {manager.recv(65536) for _ in range(256)}
+        assert len(answers) == 256
+        manager.settimeout(0.5)
+        with pytest.raises(TimeoutError):
+            manager.recv(65536)
+    assert (figures()["parked_at_most"], figures()["turned_away"]) == (256, 4)
+    assert len(system.agent.log_lines("further ones are dropped")) == 1

@@ -14,7 +14,7 @@ class TrapReceiver:
         config.write_text("\n".join(["disableAuthorization yes", *users, ""]))
         self.file = directory / "traps"
         self.process = subprocess.Popen(
-            ["/usr/sbin/snmptrapd", "-f", "-n", "-C", "-c", str(config), "-M", MIBS, "-m", "TARN-MIB:SNMPv2-MIB", "-Lf",
+            ["/usr/sbin/snmptrapd", "-f", "-n", "-C", "-c", str(config), "-M", MIBS, "-m", "TARN-AGENT-MIB:SNMPv2-MIB", "-Lf",
              str(self.file), "-F", "%P\t%v\n", "-Oqs", "-p", str(directory / "pid"), f"udp:127.0.0.1:{port}"],
             stdin=subprocess.DEVNULL, env=dict(os.environ, SNMP_PERSISTENT_DIR=str(directory)))
         wait_until(lambda: self.file.exists() and "NET-SNMP" in self.file.read_text(), "snmptrapd")

@@ -11,11 +11,15 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
 
+#include "host/control/card_trace.h"
 #include "host/control/control_socket.h"
+#include "support/board_server.h"
 
 namespace tarn::host::test {
 namespace {
@@ -133,6 +137,39 @@ TEST_F(ControlTest, TakesThePlaceOfASocketThatNobodyListensOnOnly) {
     path = std::string(200, 'x');
     EXPECT_EQ(ControlSocket::open(path, {}, error), nullptr);
     EXPECT_THAT(error, HasSubstr("too long"));
+}
+
+TEST(CardTrace, DropsWhatASlowReaderDoesNotTakeAndTellsHowMuch) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
+    CardTrace trace;
+    EXPECT_FALSE(trace.take_over(R"({"do":"trace","slot":20})", ends[0]));
+    ASSERT_TRUE(trace.take_over(R"({"do":"trace","slot":3})", ends[0]));
+    Exchange exchange;
+    exchange.slot = 2;
+    exchange.request = message(72, 2, 45, 0, 1);
+    constexpr int lines = 10'000;  // far more than a socket keeps
+    for (int i = 0; i < lines; ++i) {
+        trace.sent(exchange);
+    }
+    exchange.slot = 4;
+    trace.sent(exchange);
+    std::string got;
+    std::array<char, 65536> buffer{};
+    for (int i = 0; i < 20; ++i) {
+        ssize_t count = 0;
+        while ((count = recv(ends[1], buffer.data(), buffer.size(), MSG_DONTWAIT)) > 0) {
+            got.append(buffer.data(), static_cast<std::size_t>(count));
+        }
+        trace.tidy();
+    }
+    const std::size_t told = got.find("{\"dropped\":");
+    ASSERT_NE(told, std::string::npos);
+    EXPECT_EQ(std::ranges::count(got, '\n') - 2 + std::stoi(got.substr(told + 11)), lines);
+    EXPECT_THAT(got, HasSubstr(R"("slot":3,"what":"request","name":"get_ont_state","command":72,"length":45,)"
+                               R"("destination":0,"release":"0.0.0.0.0","serial":"0101010101010101"})"));
+    EXPECT_EQ(got.back(), '\n');
+    (void)close(ends[1]);
 }
 
 }  // namespace

@@ -213,6 +213,9 @@ TEST_F(CacheClock, TellsOnceOfACommitThatNobodyConfirmed) {
     commits.end(4);
     now = 130 * second;
     commits.begin(3);
+    now = 131 * second;
+    EXPECT_THAT(commits.take_expiring(), testing::ElementsAre(std::pair(16, std::chrono::seconds(29))));
+    EXPECT_THAT(commits.take_expiring(), IsEmpty()) << "told once";
     now = 160 * second - 1;
     EXPECT_THAT(commits.take_overdue(), IsEmpty());
     now = 160 * second;
