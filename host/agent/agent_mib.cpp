@@ -1,7 +1,9 @@
 #include "host/agent/agent_mib.h"
 
 #include <array>
+#include <cstdlib>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 namespace tarn::host {
@@ -129,6 +131,10 @@ netsnmp_variable_list *first_slot(void **loop, void **data, netsnmp_variable_lis
     return next_slot(loop, data, index, info);
 }
 
+struct Free {
+    void operator()(void *block) const { std::free(block); }
+};
+
 netsnmp_handler_registration *registration_of(const char *name, Netsnmp_Node_Handler *handler,
                                               const std::array<oid, 11> &root, void *self) {
     netsnmp_handler_registration *registration =
@@ -151,19 +157,21 @@ bool AgentMib::register_objects(const IpcClient &cards, std::function<AgentFigur
         return false;
     }
     // Both go to net-snmp, which frees them with the registration.
-    auto *columns = SNMP_MALLOC_TYPEDEF(netsnmp_table_registration_info);
-    auto *rows = SNMP_MALLOC_TYPEDEF(netsnmp_iterator_info);
+    std::unique_ptr<netsnmp_table_registration_info, Free> columns(
+        SNMP_MALLOC_TYPEDEF(netsnmp_table_registration_info));
+    std::unique_ptr<netsnmp_iterator_info, Free> rows(SNMP_MALLOC_TYPEDEF(netsnmp_iterator_info));
     slots_ = registration_of("tarnAgentSlotTable", serve_slots, table_root, this);
     if (columns == nullptr || rows == nullptr || slots_ == nullptr) {
         return false;
     }
-    netsnmp_table_helper_add_indexes(columns, ASN_UNSIGNED, 0);
+    netsnmp_table_helper_add_indexes(columns.get(), ASN_UNSIGNED, 0);
     columns->min_column = first_column;
     columns->max_column = first_column + static_cast<unsigned>(slot_columns.size()) - 1;
     rows->get_first_data_point = first_slot;
     rows->get_next_data_point = next_slot;
-    rows->table_reginfo = columns;
-    if (netsnmp_register_table_iterator2(slots_, rows) != SNMPERR_SUCCESS) {
+    rows->table_reginfo = columns.release();
+    netsnmp_iterator_info *given = rows.release();  // what follows is a macro
+    if (netsnmp_register_table_iterator2(slots_, given) != SNMPERR_SUCCESS) {
         slots_ = nullptr;
         return false;
     }
