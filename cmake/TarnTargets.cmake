@@ -18,9 +18,3 @@ else()
   target_compile_options(tarn_options INTERFACE
     $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
 endif()
-
-# net-snmp's headers as system headers: their warnings are not ours.
-add_library(tarn_netsnmp INTERFACE)
-add_library(tarn_netsnmp_agent INTERFACE)
-target_link_libraries(tarn_netsnmp INTERFACE netsnmp)
-target_link_libraries(tarn_netsnmp_agent INTERFACE netsnmpmibs netsnmpagent netsnmp)

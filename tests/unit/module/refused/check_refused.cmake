@@ -1,5 +1,10 @@
 # What the compiler says of SOURCE: nothing without WRONG, and with it the complaints that SOURCE announces.
-set(compile ${COMPILER} -std=c++20 -fsyntax-only -I${ROOT} -I${ROOT}/include ${SOURCE})
+# INCLUDE is the include path, the project's own when it is not given.
+if(NOT INCLUDE)
+  set(INCLUDE ${ROOT} ${ROOT}/include)
+endif()
+list(TRANSFORM INCLUDE PREPEND -I)
+set(compile ${COMPILER} -std=c++20 -fsyntax-only ${INCLUDE} ${SOURCE})
 execute_process(COMMAND ${compile} COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${compile} -DWRONG ERROR_VARIABLE output RESULT_VARIABLE result)
 if(result EQUAL 0)
