@@ -109,9 +109,10 @@ void write_text_record(char *to, const switch_mac_list_t &entry) {
 }  // namespace
 
 std::uint8_t *get_switch_mac_table(int slot) {
-    const auto *sections = refresh_in_parts(
-        mac_table, slot,
-        [slot, operation = __func__](SwitchSections &db) { return fetch_mac_table(db, slot, operation); });
+    const char *const operation = __func__;
+    const auto *sections = refresh_in_parts(mac_table, slot, [slot, operation](SwitchSections &db) {
+        return fetch_mac_table(db, slot, operation);
+    });
     return sections != nullptr ? sections->mac_table.bytes : nullptr;
 }
 

@@ -121,7 +121,8 @@ std::uint8_t *get_switch_vlan_list_operational(int slot) {
 }
 
 std::uint8_t **get_switch_vlans_block(int slot) {
-    auto *sections = refresh_in_parts(block, slot, [slot, operation = __func__](SwitchSections &db) {
+    const char *const operation = __func__;
+    auto *sections = refresh_in_parts(block, slot, [slot, operation](SwitchSections &db) {
         for (int first = 0, next = 0; first < switch_vlans; first = next) {
             next = fetch_block(db, slot, first, operation);
             if (next <= first) {
