@@ -23,10 +23,10 @@ constexpr const char *scenario =
 
 double ratio_of(const std::string &table, int rounds) {
     tarn::bench::WalkBench bench;
-    bench.table = table;
+    bench.tables = {table};
     bench.scenario = scenario;
     bench.rounds = rounds;
-    const tarn::bench::WalkCost cost = tarn::bench::measure_walk(bench);
+    const tarn::bench::WalkCost cost = tarn::bench::measure_walks(bench).front();
     const double ratio = cost.table / cost.plain;
     std::printf(
         "%s: %zu varbinds; CPU a varbind: %.0f ns, plain handler %.0f ns, first walk %.0f ns; ratio %.2f (at "

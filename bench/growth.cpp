@@ -30,9 +30,9 @@ std::string scenario_with(const std::string &cards, int rows) {
 
 WalkCost measure(const std::string &table, const std::string &cards, int rows) {
     WalkBench bench;
-    bench.table = table;
+    bench.tables = {table};
     bench.scenario = scenario_with(cards, rows);
-    const WalkCost cost = measure_walk(bench);
+    const WalkCost cost = measure_walks(bench).front();
     std::printf(
         "16 x %d rows: %zu varbinds; CPU a varbind: %.0f ns, plain handler %.0f ns, first walk %.0f ns\n",
         rows, cost.varbinds, cost.table, cost.plain, cost.first);

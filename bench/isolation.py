@@ -18,6 +18,8 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests" / "end_to_end"))
 
+if "TARN_BUILD_DIR" not in os.environ:
+    sys.exit("TARN_BUILD_DIR must name the build")
 import chassis  # noqa: E402
 import snmp  # noqa: E402
 from system import System  # noqa: E402
@@ -173,6 +175,4 @@ def main():
 
 
 if __name__ == "__main__":
-    if "TARN_BUILD_DIR" not in os.environ:
-        sys.exit("TARN_BUILD_DIR must name the build")
     main()

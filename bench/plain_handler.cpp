@@ -29,13 +29,17 @@ int serve(netsnmp_mib_handler *handler, netsnmp_handler_registration * /*registr
 
 }  // namespace
 
-void register_plain_handler(const std::vector<oid> &root, const std::vector<Varbind> &varbinds) {
-    netsnmp_handler_registration *registration =
-        netsnmp_create_handler_registration("plain", serve, root.data(), root.size(), HANDLER_CAN_RWRITE);
-    registration->handler->myvoid = const_cast<std::vector<Varbind> *>(&varbinds);
-    if (netsnmp_register_handler(registration) != MIB_REGISTERED_OK) {
+PlainHandler::PlainHandler(const std::vector<oid> &root, const std::vector<Varbind> &varbinds)
+    : registration_(
+          netsnmp_create_handler_registration("plain", serve, root.data(), root.size(), HANDLER_CAN_RWRITE)) {
+    registration_->handler->myvoid = const_cast<std::vector<Varbind> *>(&varbinds);
+    if (netsnmp_register_handler(registration_) != MIB_REGISTERED_OK) {
         throw std::runtime_error("the plain handler cannot be registered");
     }
+}
+
+PlainHandler::~PlainHandler() {
+    (void)netsnmp_unregister_handler(registration_);
 }
 
 }  // namespace tarn::bench

@@ -8,9 +8,17 @@
 
 namespace tarn::bench {
 
-// Registers the varbinds, which must be ascending, below another root of the same length. They must outlive
-// the agent.
-void register_plain_handler(const std::vector<oid> &root, const std::vector<Varbind> &varbinds);
+// Serves the varbinds, which must be ascending and outlive it, below another root of the same length.
+class PlainHandler {
+  public:
+    PlainHandler(const std::vector<oid> &root, const std::vector<Varbind> &varbinds);
+    ~PlainHandler();
+    PlainHandler(const PlainHandler &) = delete;
+    PlainHandler &operator=(const PlainHandler &) = delete;
+
+  private:
+    netsnmp_handler_registration *registration_;
+};
 
 }  // namespace tarn::bench
 

@@ -13,12 +13,14 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <map>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "bench/plain_handler.h"
 #include "host/agent/host.h"
+#include "host/services/cache_clock.h"
 #include "host/services/logger.h"
 #include "host/tables/mib_reader.h"
 #include "tarn/module_api.h"
@@ -110,14 +112,13 @@ void note_manager(int /*descriptor*/, void * /*unused*/) {
     manager_speaks = true;
 }
 
-std::vector<oid> root_of(const std::string &table) {
+std::vector<host::TableSchema> read_tables() {
     std::string error;
-    for (const host::TableSchema &schema : host::read_mib_tables({}, "TARN-MIB", error)) {
-        if (schema.name == table) {
-            return schema.root;
-        }
+    std::vector<host::TableSchema> tables = host::read_mib_tables(mib_directories(), "TARN-MIB", error);
+    if (tables.empty()) {
+        throw std::runtime_error("the MIB cannot be read: " + error);
     }
-    throw std::runtime_error(table + " is not in the MIB");
+    return tables;
 }
 
 void init_bench_agent(const WorkDirectory &directory, const std::string &address) {
@@ -140,63 +141,137 @@ void init_bench_agent(const WorkDirectory &directory, const std::string &address
     init_snmp("bench");
 }
 
-WalkCost measure(const WalkBench &bench, const WorkDirectory &directory) {
-    const std::string address = "udp:127.0.0.1:" TARN_BENCH_PORT;
-    WalkClient manager(address, bench.repetitions);
-    init_bench_agent(directory, address);
-    host::HostConfig config;
-    config.module_path = TARN_MODULE;
-    config.mib_directories = mib_directories();
-    config.chassis = *host::parse_chassis_address("unix:" + directory.file("chassis.socket"));
-    std::string error;
-    const std::unique_ptr<host::Host> agent = host::Host::start(config, error);
-    if (agent == nullptr || init_master_agent() != 0) {
-        throw std::runtime_error("the agent cannot be started: " + error);
+// Rows are counted in the column that shows most of them.
+std::size_t rows_of(const std::vector<Varbind> &varbinds, std::size_t column_at) {
+    std::map<oid, std::size_t> rows;
+    for (const Varbind &varbind : varbinds) {
+        ++rows[varbind.name[column_at]];
     }
-    (void)register_readfd(manager.descriptor(), note_manager, nullptr);
-    const auto serve = [] {
+    std::size_t most = 0;
+    for (const auto &[column, count] : rows) {
+        most = std::max(most, count);
+    }
+    return most;
+}
+
+// An agent on the chassis, walked by a manager.
+class WalkedAgent {
+  public:
+    WalkedAgent(const WalkBench &bench, const WorkDirectory &directory)
+        : rounds_(bench.rounds), manager_(address, bench.repetitions) {
+        init_bench_agent(directory, address);
+        host::HostConfig config;
+        config.module_path = TARN_MODULE;
+        config.mib_directories = mib_directories();
+        config.chassis = *host::parse_chassis_address("unix:" + directory.file("chassis.socket"));
+        config.cache_period = 3600;
+        std::string error;
+        host_ = host::Host::start(config, error);
+        if (host_ == nullptr || init_master_agent() != 0) {
+            throw std::runtime_error("the agent cannot be started: " + error);
+        }
+        (void)register_readfd(manager_.descriptor(), note_manager, nullptr);
+    }
+    ~WalkedAgent() {
+        unregister_readfd(manager_.descriptor());
+        host_->stop();
+        snmp_shutdown("bench");
+        shutdown_agent();
+    }
+    WalkedAgent(const WalkedAgent &) = delete;
+    WalkedAgent &operator=(const WalkedAgent &) = delete;
+
+    WalkCost measure(const std::vector<oid> &root) {
+        WalkCost cost;
+        host::expire_cached_data();
+        const std::uint64_t requests = card_requests();
+        cost.first = walk(root, cost);
+        const std::uint64_t requests_of_first = card_requests();
+        cost.requests_cold = requests_of_first - requests;
+        if (cost.varbinds == 0) {
+            return cost;
+        }
+        std::vector<Varbind> varbinds;
+        (void)manager_.walk(root, serve, &varbinds);
+        cost.requests_warm = card_requests() - requests_of_first;
+        cost.rows = rows_of(varbinds, root.size() + 1);
+        std::vector<oid> plain_root = root;
+        plain_root.back() += 1'000'000;
+        for (Varbind &varbind : varbinds) {
+            std::copy(plain_root.begin(), plain_root.end(), varbind.name.begin());
+        }
+        const PlainHandler plain(plain_root, varbinds);
+        // Whatever else the machine does only adds to a walk's cost.
+        cost.table = cost.plain = std::numeric_limits<double>::max();
+        for (int round = 0; round < rounds_; ++round) {
+            cost.table = std::min(cost.table, walk(root, cost));
+            cost.plain = std::min(cost.plain, walk(plain_root, cost));
+        }
+        return cost;
+    }
+
+  private:
+    static constexpr const char *address = "udp:127.0.0.1:" TARN_BENCH_PORT;
+
+    static void serve() {
         for (manager_speaks = false; !manager_speaks;) {
             (void)agent_check_and_process(1);
         }
-    };
-    WalkCost cost;
-    const std::vector<oid> root = root_of(bench.table);
-    const auto walk_cost = [&](const std::vector<oid> &subtree) {
+    }
+
+    // CPU nanoseconds a varbind; 0 when there is none.
+    double walk(const std::vector<oid> &subtree, WalkCost &cost) {
         const double before = thread_cpu_nanoseconds();
-        const std::size_t varbinds = manager.walk(subtree, serve);
-        if (varbinds == 0 || (cost.varbinds != 0 && varbinds != cost.varbinds)) {
+        const std::size_t varbinds = manager_.walk(subtree, serve);
+        if (cost.varbinds != 0 && varbinds != cost.varbinds) {
             throw std::runtime_error("walks differ: " + std::to_string(varbinds) + " varbinds");
         }
         cost.varbinds = varbinds;
-        return (thread_cpu_nanoseconds() - before) / static_cast<double>(varbinds);
-    };
-    cost.first = walk_cost(root);
-
-    std::vector<Varbind> varbinds;
-    (void)manager.walk(root, serve, &varbinds);
-    std::vector<oid> plain_root = root;
-    plain_root.back() += 1'000'000;
-    for (Varbind &varbind : varbinds) {
-        std::copy(plain_root.begin(), plain_root.end(), varbind.name.begin());
+        return varbinds != 0 ? (thread_cpu_nanoseconds() - before) / static_cast<double>(varbinds) : 0;
     }
-    register_plain_handler(plain_root, varbinds);
 
-    // Whatever else the machine does only adds to a walk's cost.
-    cost.table = cost.plain = std::numeric_limits<double>::max();
-    for (int round = 0; round < bench.rounds; ++round) {
-        cost.table = std::min(cost.table, walk_cost(root));
-        cost.plain = std::min(cost.plain, walk_cost(plain_root));
+    [[nodiscard]] std::uint64_t card_requests() const {
+        std::uint64_t requests = 0;
+        for (int slot = 0; slot < host::IpcClient::slots; ++slot) {
+            for (const auto &[command, figures] : host_->cards().figures(slot).commands) {
+                requests +=
+                    figures.answered + figures.refused + figures.timed_out + figures.lost + figures.other;
+            }
+        }
+        return requests;
     }
-    unregister_readfd(manager.descriptor());
-    agent->stop();
-    snmp_shutdown("bench");
-    shutdown_agent();
-    return cost;
+
+    int rounds_;
+    WalkClient manager_;
+    std::unique_ptr<host::Host> host_;
+};
+
+std::vector<WalkCost> measure(const WalkBench &bench, const WorkDirectory &directory) {
+    WalkedAgent agent(bench, directory);
+    const std::vector<host::TableSchema> schemas = read_tables();
+    std::vector<WalkCost> costs;
+    for (const std::string &table : bench.tables) {
+        const auto schema = std::find_if(schemas.begin(), schemas.end(),
+                                         [&](const host::TableSchema &s) { return s.name == table; });
+        if (schema == schemas.end()) {
+            throw std::runtime_error(table + " is not in the MIB");
+        }
+        costs.push_back(agent.measure(schema->root));
+    }
+    return costs;
 }
 
 }  // namespace
 
-WalkCost measure_walk(const WalkBench &bench) {
+std::vector<std::string> all_tables() {
+    std::vector<std::string> names;
+    for (const host::TableSchema &schema : read_tables()) {
+        names.push_back(schema.name);
+    }
+    return names;
+}
+
+std::vector<WalkCost> measure_walks(const WalkBench &bench) {
     const WorkDirectory directory;
     const Chassis chassis(directory, bench.scenario);
     // net-snmp and the module start only once in a process.
@@ -212,8 +287,9 @@ WalkCost measure_walk(const WalkBench &bench) {
         (void)setenv("MIBDIRS", "", 1);
         (void)setenv("SNMPCONFPATH", "/nonexistent", 1);
         try {
-            const WalkCost cost = measure(bench, directory);
-            if (write(result[1], &cost, sizeof cost) == sizeof cost) {
+            const std::vector<WalkCost> costs = measure(bench, directory);
+            const auto size = static_cast<ssize_t>(costs.size() * sizeof(WalkCost));
+            if (write(result[1], costs.data(), static_cast<std::size_t>(size)) == size) {
                 status = EXIT_SUCCESS;
             }
         } catch (const std::exception &error) {
@@ -222,14 +298,16 @@ WalkCost measure_walk(const WalkBench &bench) {
         std::_Exit(status);
     }
     (void)close(result[1]);
-    WalkCost cost;
-    const bool whole = read(result[0], &cost, sizeof cost) == sizeof cost;
+    std::vector<WalkCost> costs(bench.tables.size());
+    // One write, and small enough for a pipe to take it whole.
+    const auto size = static_cast<ssize_t>(costs.size() * sizeof(WalkCost));
+    const bool whole = read(result[0], costs.data(), static_cast<std::size_t>(size)) == size;
     (void)close(result[0]);
     (void)waitpid(process, nullptr, 0);
     if (!whole) {
         throw std::runtime_error("the measurement failed");
     }
-    return cost;
+    return costs;
 }
 
 }  // namespace tarn::bench

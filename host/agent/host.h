@@ -56,6 +56,7 @@ class Host {
 
     [[nodiscard]] const Slots &slots() const { return *slots_; }
     [[nodiscard]] std::size_t tables() const { return tables_.size(); }
+    [[nodiscard]] const IpcClient &cards() const { return ipc_; }
 
   private:
     explicit Host(const HostConfig &config)
