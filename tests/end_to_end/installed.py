@@ -20,7 +20,7 @@ NOTIFY = "/run/notify"
 RESET = "TARN-MIB::tarnPONChannelStateResetCounters.1.1"
 SETTING = "TARN-MIB::tarnPONChannelActModeAuth.1.1"
 ENVIRONMENT = dict(os.environ, MIBS="", SNMPCONFPATH="/nonexistent", DEBIAN_FRONTEND="noninteractive")
-NAMES = ["-M", "/usr/share/tarn/mibs/base:/usr/share/tarn/mibs", "-m", "TARN-MIB:SNMPv2-MIB", "-Oqv"]
+NAMES = ["-M", "/usr/share/tarn/mibs/base:/usr/share/tarn/mibs", "-m", "TARN-MIB:TARN-AGENT-MIB:SNMPv2-MIB", "-Oqv"]
 V2C = ["-v2c", "-c", "public"]
 
 
@@ -117,7 +117,8 @@ def main(directory):
     chassis.wait_for(Path("/run/tarn/chassis.socket").exists)
     agent = start_agent(manager)
     seen["listening"] = must("ss", "-Hnltu").split("\n")
-    seen["get"] = [ask("snmpget", V2C, name) for name in ("SNMPv2-MIB::sysDescr.0", SETTING)]
+    seen["get"] = [ask("snmpget", V2C, name) for name in ("SNMPv2-MIB::sysDescr.0", SETTING,
+                                                  "TARN-AGENT-MIB::tarnAgentSlotState.1")]
     seen["set"] = ask("snmpset", V2C, SETTING, "i", "2")
     seen["slots"] = must("tarnctl", "slots").count(" up")
     seen["end"] = [stop_agent(agent, manager)]

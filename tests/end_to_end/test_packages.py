@@ -53,7 +53,7 @@ def test_installed_used_upgraded_and_removed(packages, tmp_path):
         ("tarn-agent", "tarn-chassis", "tarn-doc", "tarn-mib", "tarn-module"), version.split()[1])
     assert seen["configuration"] == ["0o640", "root", "tarn"]
     assert [line.split()[4] for line in seen["listening"]] == ["127.0.0.1:161"]
-    assert seen["get"] == [f"Tarn {version.split()[1]}, SNMP agent of a GPON chassis", "true"]
+    assert seen["get"] == [f"Tarn {version.split()[1]}, SNMP agent of a GPON chassis", "true", "ok"]
     assert (seen["set"], seen["slots"]) == ("noAccess", 16)
     assert seen["boots"] == "2"
     assert seen["users"] == {"watcher": ["true", "noAccess", "noAccess"],
