@@ -35,13 +35,13 @@ struct RequestedTask {
     ScheduledOnt removed;
 };
 
-Transaction<RequestedTask> request;
+Transaction<RequestedTask> collected;
 
 int note_slot(Row &row, const Column & /*column*/, const Binding & /*value*/) {
-    if (request.state.slot.value_or(row.slot) != row.slot) {
+    if (collected.state.slot.value_or(row.slot) != row.slot) {
         return SNMP_ERR_INCONSISTENTNAME;
     }
-    request.state.slot = row.slot;
+    collected.state.slot = row.slot;
     return SNMP_ERR_NOERROR;
 }
 
@@ -56,24 +56,24 @@ int note(std::optional<T> &part, T value) {
 }
 
 int note_serial(Row & /*row*/, const Binding &value) {
-    return note(request.state.serial, serial_at(value.val.string));
+    return note(collected.state.serial, serial_at(value.val.string));
 }
 
 int note_file_name(Row & /*row*/, const Binding &value) {
-    return note(request.state.file_name,
+    return note(collected.state.file_name,
                 std::string(reinterpret_cast<const char *>(value.val.string), value.val_len));
 }
 
 int note_channel(Row & /*row*/, const Binding &value) {
-    return note(request.state.channel, static_cast<int>(*value.val.integer));
+    return note(collected.state.channel, static_cast<int>(*value.val.integer));
 }
 
 int note_ont_id(Row & /*row*/, const Binding &value) {
-    return note(request.state.ont_id, static_cast<int>(*value.val.integer));
+    return note(collected.state.ont_id, static_cast<int>(*value.val.integer));
 }
 
 int note_use_serial(Row & /*row*/, const Binding &value) {
-    request.state.use_serial = *value.val.integer == 1;
+    collected.state.use_serial = *value.val.integer == 1;
     return SNMP_ERR_NOERROR;
 }
 
@@ -82,16 +82,16 @@ int note_row_status(Row &row, const Binding &value) {
         if (row.record != nullptr) {
             return SNMP_ERR_INCONSISTENTNAME;
         }
-        request.state.operation = RequestedTask::Operation::add;
+        collected.state.operation = RequestedTask::Operation::add;
     } else if (*value.val.integer == destroy) {
         if (row.record == nullptr) {
             return SNMP_NOSUCHOBJECT;
         }
-        request.state.operation = RequestedTask::Operation::remove;
+        collected.state.operation = RequestedTask::Operation::remove;
         // A copy: the list may have moved by the time the request is committed.
-        request.state.removed = {serial_at(row.record + update_task::serial.offset),
-                                 static_cast<int>(load_integer(row.record, update_task::channel)),
-                                 static_cast<int>(load_integer(row.record, update_task::ont_id))};
+        collected.state.removed = {serial_at(row.record + update_task::serial.offset),
+                                   static_cast<int>(load_integer(row.record, update_task::channel)),
+                                   static_cast<int>(load_integer(row.record, update_task::ont_id))};
     }
     return SNMP_ERR_NOERROR;
 }
@@ -114,7 +114,7 @@ bool remove_task(const RequestedTask &task) {
 // The first variable sends the task; after a failure the next one tries again.
 int commit(Row & /*row*/) {
     using Operation = RequestedTask::Operation;
-    RequestedTask &requested = request.state;
+    RequestedTask &requested = collected.state;
     const bool failed = (requested.operation == Operation::add && !add_task(requested)) ||
                         (requested.operation == Operation::remove && !remove_task(requested));
     if (failed) {
@@ -162,7 +162,7 @@ constexpr Table table{
     .index = row_index,
     .columns = columns,
     .rows = rows_of<Tasks>,
-    .writes = collects_request<request, note_slot, commit>,
+    .writes = collects_request<collected, note_slot, commit>,
     .answers =
         no_row_no_object.with(reading, no_row_data, SNMP_NOSUCHOBJECT).with(acting, no_column, accepted),
 };
