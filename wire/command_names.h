@@ -45,7 +45,9 @@ inline constexpr RequestField of_reset[] = {
     {"group", u16_at(32)}, {"channel", u8_at(36)}, {"serial", octets_at(37, serial_size)}};
 inline constexpr RequestField of_port[] = {{"port", u8_at(32)}};
 inline constexpr RequestField of_vlan[] = {{"vlan", u16_at(32)}};
+inline constexpr RequestField of_utilization[] = {{"interval", u16_at(32)}, {"port", u8_at(34)}};
 inline constexpr RequestField of_index[] = {{"index", u16_at(32)}};
+inline constexpr RequestField of_alarm[] = {{"index", u32_at(32)}};
 
 // By command.
 inline constexpr std::array all = {
@@ -131,7 +133,7 @@ inline constexpr std::array all = {
     CommandName{command::get_activation_auth_mode, any_destination, "get_activation_auth_mode", of_channel},
     CommandName{command::set_activation_auth_mode, any_destination, "set_activation_auth_mode", of_channel},
     CommandName{command::reset_switch_port_counters, any_destination, "reset_switch_port_counters", of_port},
-    CommandName{command::set_alarms_entry, any_destination, "set_alarms_entry", of_index},
+    CommandName{command::set_alarms_entry, any_destination, "set_alarms_entry", of_alarm},
     CommandName{command::commit_change, destination::configuration, "commit_change"},
     CommandName{command::commit_change, destination::services, "reread_config"},
     CommandName{command::reload_slot, any_destination, "reload_slot"},
@@ -141,7 +143,7 @@ inline constexpr std::array all = {
     CommandName{command::rollback_change, any_destination, "rollback_change"},
     CommandName{command::confirm_change, any_destination, "confirm_change"},
     CommandName{command::get_switch_port_utilization, any_destination, "get_switch_port_utilization",
-                of_port},
+                of_utilization},
     CommandName{command::get_ont_services_utilization, any_destination, "get_ont_services_utilization",
                 of_serial}};
 

@@ -39,7 +39,7 @@ struct Pace {
 inline constexpr Pace usual_pace{};
 
 // `place` is a topic's Section, its Sections (one a channel, port or ONT) or, for an answer that is taken
-// apart, the Stamp of what is taken.
+// apart, the Stamp or Stamps of what is taken.
 template <class Place, class Topic>
 struct Query {
     std::uint16_t command;
@@ -51,7 +51,7 @@ struct Query {
 template <class Place, class Topic>
 Query(std::uint16_t, std::uint8_t, Pace, Place Topic::*, std::size_t = payload) -> Query<Place, Topic>;
 
-// What a request asks for: its bytes behind the header.
+// What a request asks for: its bytes after the header.
 template <std::size_t Length>
 using Selector = std::array<std::uint8_t, Length>;
 inline constexpr Selector<0> everything{};
@@ -97,7 +97,10 @@ template <class Place, class Topic, std::size_t Size, std::size_t Length>
 std::uint8_t *refresh_section(const Query<Place, Topic> &query, Section<Size> &section, int slot,
                               const Selector<Length> &selector, std::size_t size, const Caller &caller) {
     std::uint8_t *record = section.record.data();
-    if (query.pace.on_failure == OnFailure::clears && query.pace.due(section.stamp)) {
+    if (!query.pace.due(section.stamp)) {
+        return record;
+    }
+    if (query.pace.on_failure == OnFailure::clears) {
         std::memset(record, 0, size);
     }
     ask_when_due(query, section.stamp, slot, selector, query.record_at + size, caller,

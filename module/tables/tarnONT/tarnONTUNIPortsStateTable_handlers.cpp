@@ -41,8 +41,8 @@ constexpr Column columns[] = {
     {13, unsigned32, field_of(port_block, ont_uni_ports::value_12)},
 };
 
-bool is_working(const Row &ont) {
-    return is_ont_state_valid_unsafe(ont.record) != 0;
+bool is_working(const std::uint8_t *ont) {
+    return is_ont_state_valid_unsafe(ont) != 0;
 }
 
 // The ports of the working ONTs of the list.
@@ -52,17 +52,21 @@ struct WorkingPorts {
     static bool may_walk(const Row &row) { return ListedOnts::may_walk(row); }
     static OntSections *read(const Row &row) { return ListedOnts::read(row); }
     static std::int64_t count(const OntSections *db) { return ListedOnts::count(db) * ports; }
-    static bool find(Row &row) { return find_ont(row) && is_working(row); }
+    static bool find(Row &row) { return find_ont(row) && is_working(row.record); }
+    // Of a serial that a card lists twice only the first ONT has ports, or the walk would come back to it.
     static std::int64_t after(const OntSections *db, const Row &row) {
         const OntOrder rest = onts_from(*db, row.serial.data());
-        const bool listed =
-            !rest.empty() && compare_serials(db->ont_list[rest.front()].data(), row.serial.data()) == 0;
-        return (max_onts - std::ssize(rest)) * ports + (listed ? row.number[0] + 1 : 0);
+        const std::uint8_t *ont = rest.empty() ? nullptr : db->ont_list[rest.front()].data();
+        const bool listed = ont != nullptr && compare_serials(ont, row.serial.data()) == 0;
+        if (listed && is_working(ont) && row.number[0] + 1 < ports) {
+            return (max_onts - std::ssize(rest)) * ports + row.number[0] + 1;
+        }
+        return (max_onts - std::ssize(onts_after(*db, row.serial.data()))) * ports;
     }
     static bool enter(OntSections *db, Row &row, std::int64_t position) {
         ListedOnts::enter(db, row, position / ports);
         row.number[0] = position % ports;
-        return is_working(row);
+        return is_working(row.record);
     }
 };
 

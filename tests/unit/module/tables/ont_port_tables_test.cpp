@@ -47,24 +47,31 @@ class OntPortTablesTest : public Started<ModuleTest, 2> {
     }
 };
 
+// Of AAAA0001 and CCCC0001.
+const std::vector<Oid> port_rows = ont_oids(ports, 5, 3,
+                                            {{"AAAA0001", {1}},
+                                             {"AAAA0001", {2}},
+                                             {"AAAA0001", {3}},
+                                             {"AAAA0001", {4}},
+                                             {"CCCC0001", {1}},
+                                             {"CCCC0001", {2}},
+                                             {"CCCC0001", {3}},
+                                             {"CCCC0001", {4}}});
+
+TEST_F(OntPortTablesTest, AnOntThatIsListedTwiceHasItsPortsOnce) {
+    board.answer(73, list_of({"CCCC0001", "AAAA0001", "AAAA0001"}));
+    EXPECT_EQ(walk_nextgen(tarnONTUNIPortsStateTable_get_next_entry, 2, ports, 5), port_rows);
+}
+
 TEST_F(OntPortTablesTest, WorkingOntsHaveFourPorts) {
     answer_list();
-    const std::vector<Oid> rows = ont_oids(ports, 5, 3,
-                                           {{"AAAA0001", {1}},
-                                            {"AAAA0001", {2}},
-                                            {"AAAA0001", {3}},
-                                            {"AAAA0001", {4}},
-                                            {"CCCC0001", {1}},
-                                            {"CCCC0001", {2}},
-                                            {"CCCC0001", {3}},
-                                            {"CCCC0001", {4}}});
-    EXPECT_EQ(walk_nextgen(tarnONTUNIPortsStateTable_get_next_entry, 2, ports, 5), rows);
-    EXPECT_EQ(rows[0].size(), 24U);
-    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001")), rows[0]);
-    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001", {0})), rows[0]);
-    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001", {4294967295})), rows[4]);
-    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "BBBB0001", {2})), rows[4]);  // not working: behind it
-    EXPECT_TRUE(next_port(rows[7]).empty());
+    EXPECT_EQ(walk_nextgen(tarnONTUNIPortsStateTable_get_next_entry, 2, ports, 5), port_rows);
+    EXPECT_EQ(port_rows[0].size(), 24U);
+    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001")), port_rows[0]);
+    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001", {0})), port_rows[0]);
+    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001", {4294967295})), port_rows[4]);
+    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "BBBB0001", {2})), port_rows[4]);  // not working: behind it
+    EXPECT_TRUE(next_port(port_rows[7]).empty());
     EXPECT_EQ(board.sent.size(), 1U);
     board.link[2] = false;
     EXPECT_TRUE(next_port(ports).empty());
