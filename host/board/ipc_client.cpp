@@ -297,6 +297,7 @@ void IpcClient::serve(BoardConnection &connection) {
 void IpcClient::connection_failed(BoardConnection &connection, int result) {
     const int number = connection.slot();
     const bool opening = connection.phase() == BoardConnection::Phase::opening;
+    const bool idle = connection.phase() == BoardConnection::Phase::idle;
     const ExchangePtr exchange = connection.release();
     close(connection);
     if (exchange != nullptr) {
@@ -305,7 +306,7 @@ void IpcClient::connection_failed(BoardConnection &connection, int result) {
         lose_link(slot_at(number), result == ipc_result::no_connection ? CardReason::no_chassis
                                                                        : CardReason::connections_lost);
         fail_queue(number, result);
-    } else if (!opening) {
+    } else if (idle) {
         ++slot_at(number).endings;
     }
     dispatch(number);
@@ -417,8 +418,9 @@ void IpcClient::probe(int number, Deadline now) {
 // waited for any longer.
 void IpcClient::give_up(BoardConnection &connection, std::vector<ExchangePtr> &overdue) {
     Slot &slot = slot_at(connection.slot());
+    // What is only half sent must not reach the card after its manager was told that it failed.
     const bool waits_on =
-        connection.exchange() != nullptr && !connection.exchange()->probe &&
+        connection.exchange() != nullptr && !connection.exchange()->probe && !connection.wants_to_write() &&
         std::ranges::count_if(slot.connections, is_late) < static_cast<std::ptrdiff_t>(most_connections);
     const ExchangePtr exchange =
         waits_on ? connection.give_up(Clock::now() + late_patience) : connection.release();

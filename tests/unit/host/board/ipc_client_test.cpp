@@ -115,6 +115,26 @@ TEST_F(IpcClientTest, NeverTakesALateAnswerForAnotherRequests) {
               (std::tuple{1, 1, 1}));
 }
 
+TEST_F(IpcClientTest, WhatIsHalfSentWhenItsTimeIsOverNeverArrives) {
+    std::promise<void> timed_out;
+    std::promise<Bytes> arrived;
+    BoardServer server({[&](Connection &board) {
+        board.accept_link();
+        timed_out.get_future().wait();
+        arrived.set_value(board.receive());
+    }});
+    IpcClient client(server.address(), 5s);
+    Answer answer;
+    const Bytes large = message(70, 0, 3U << 20U);  // more than the sockets hold
+    EXPECT_EQ(client.send_request(large.data(), &answer.bytes, 100), ipc_result::timed_out);
+    timed_out.set_value();
+    std::future<Bytes> frame = arrived.get_future();
+    while (frame.wait_for(1ms) == std::future_status::timeout) {
+        client.process();
+    }
+    EXPECT_THAT(frame.get(), IsEmpty());
+}
+
 TEST_F(IpcClientTest, ATrickleOfBytesDoesNotStretchTheTimeOut) {
     std::promise<void> over;
     BoardServer server({[&](Connection &board) {
