@@ -51,14 +51,15 @@ void Notifications::notify(const Notice &notice, Clock::time_point now) {
     tell_held_back(now);
     if (now - minute_begin_ >= minute) {
         minute_begin_ = now;
-        sent_in_minute_ = 0;
+        sent_in_minute_ = onts_in_minute_ = 0;
     }
-    if (sent_in_minute_ >= most_) {
+    if (!has_room(notice)) {
         ++held_back_;
         ++held_in_minute_;
         return;
     }
     ++sent_in_minute_;
+    onts_in_minute_ += notice.ont ? 1 : 0;
     ++sent_;
     Variables variables(notice.what);
     if (notice.slot) {
@@ -77,8 +78,16 @@ void Notifications::notify(const Notice &notice, Clock::time_point now) {
     send_(variables.get());
 }
 
+// A card with many ONTs must not hide what other cards do; of a commit nobody warns twice.
+bool Notifications::has_room(const Notice &notice) const {
+    if (notice.what == Notification::commit_expiring) {
+        return most_ > 0;
+    }
+    return sent_in_minute_ < most_ && (!notice.ont || onts_in_minute_ < (most_ + 1) / 2);
+}
+
 void Notifications::tell_held_back(Clock::time_point now) {
-    if (held_in_minute_ > 0 && now - minute_begin_ >= minute) {
+    if (most_ > 0 && held_in_minute_ > 0 && now - minute_begin_ >= minute) {
         log_add(log_level::warning, "%llu notifications of a minute were held back\n",
                 static_cast<unsigned long long>(held_in_minute_));
         held_in_minute_ = 0;

@@ -52,10 +52,13 @@ class Notifications {
     [[nodiscard]] std::uint64_t held_back() const { return held_back_; }
 
   private:
+    [[nodiscard]] bool has_room(const Notice &notice) const;
+
     int most_;
     Send send_;
     Clock::time_point minute_begin_{};
     int sent_in_minute_ = 0;
+    int onts_in_minute_ = 0;
     std::uint64_t held_in_minute_ = 0;
     std::uint64_t sent_ = 0;
     std::uint64_t held_back_ = 0;

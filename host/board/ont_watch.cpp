@@ -13,19 +13,22 @@ constexpr std::uint8_t all_channels = 255;
 constexpr Field count = u32_at(33);
 constexpr std::size_t first_record = 37;
 
+std::size_t stated_records(const std::vector<std::uint8_t> &answer) {
+    return static_cast<std::size_t>(std::min<std::int64_t>(load_integer(answer.data(), count), max_onts));
+}
+
+// A list that is cut says nothing of those that it does not get to.
 bool is_list_of_all(const std::vector<std::uint8_t> &request, const std::vector<std::uint8_t> &answer) {
     return request.size() > selector_at && request[selector_at] == all_channels &&
            load_integer(request.data(), board_header::command) == command::get_ont_list &&
            answer.size() >= first_record &&
-           load_integer(answer.data(), board_header::status) == board_status::success;
+           load_integer(answer.data(), board_header::status) == board_status::success &&
+           answer.size() >= first_record + stated_records(answer) * ont_list::size;
 }
 
-// The working ONTs of an answer, as far as it goes.
 std::map<OntSerial, int> working_onts(const std::vector<std::uint8_t> &answer) {
     std::map<OntSerial, int> working;
-    const auto records =
-        static_cast<std::size_t>(std::min<std::int64_t>(load_integer(answer.data(), count), max_onts));
-    for (std::size_t i = 0; i < records && first_record + (i + 1) * ont_list::size <= answer.size(); ++i) {
+    for (std::size_t i = 0; i < stated_records(answer); ++i) {
         const std::uint8_t *record = answer.data() + first_record + i * ont_list::size;
         if (load_integer(record, ont_list::state_code) == ont_list::state_working) {
             OntSerial serial{};
