@@ -193,7 +193,14 @@ bool Host::chassis_came_back() {
     }
     chassis_left_ = chassis_left_ || !linked || endings != chassis_endings_;
     chassis_endings_ = endings;
-    return linked && std::exchange(chassis_left_, false);
+    // One that comes and goes all the time must not keep what is known of the cards from being used.
+    const auto now = std::chrono::steady_clock::now();
+    if (!linked || !chassis_left_ || now < chassis_due_) {
+        return false;
+    }
+    chassis_left_ = false;
+    chassis_due_ = now + std::chrono::seconds(10);
+    return true;
 }
 
 void Host::follow_links() {

@@ -92,10 +92,11 @@ class Host {
     std::unique_ptr<ControlCommands> commands_;
     std::unique_ptr<ControlSocket> control_;
     unsigned alarm_ = 0;
-    bool chassis_left_ = false;                          // since its services were all there
-    std::uint64_t chassis_endings_ = 0;                  // of connections to its services
-    bool rules_changed_ = false;                         // of automatic updates, and no card was told
-    std::chrono::steady_clock::time_point rules_due_{};  // not before this after a failure
+    bool chassis_left_ = false;                            // since its services were all there
+    std::uint64_t chassis_endings_ = 0;                    // of connections to its services
+    std::chrono::steady_clock::time_point chassis_due_{};  // its return is not acted on before this
+    bool rules_changed_ = false;                           // of automatic updates, and no card was told
+    std::chrono::steady_clock::time_point rules_due_{};    // not before this after a failure
 };
 
 }  // namespace tarn::host
