@@ -160,9 +160,9 @@ def tlv(tag, content):
     return bytes([tag]) + length + content
 
 
-def get_message(request_id):
-    """A GET, version 2c, of the vendor of the slow card's first channel."""
-    name = tlv(6, bytes.fromhex("2b0601040181fd59011601010106") + bytes([SLOT + 1, 1]))
+def get_message(request_id, slot):
+    """A GET, version 2c, of a card's firmware, which may take it 30 s."""
+    name = tlv(6, bytes.fromhex("2b0601040181fd59011602010102") + bytes([slot + 1]))
     variables = tlv(0x30, tlv(0x30, name + tlv(5, b"")))
     number = tlv(2, request_id.to_bytes(4, "big"))
     zero = tlv(2, b"\0")
@@ -172,23 +172,24 @@ def get_message(request_id):
 def test_no_more_requests_are_parked_than_the_bound_and_none_without_its_session(start):
     port = free_port()
     system = start(cache_period=0, agent_lines=["tarnControl agent-control", f"agentAddress tcp:127.0.0.1:{port}"])
-    system.chassis.fault("slow", slot=SLOT, command=commands.GET_CHANNEL_STATE, milliseconds=10_000)
+    system.chassis.fault("slow", command=commands.GET_OLT_STATE, milliseconds=15_000)
 
     def figures():
         return json.loads(tarnctl(system, "--json", "stats"))["requests"]
 
     with socket.create_connection(("127.0.0.1", port)) as session:
-        session.sendall(get_message(1))
+        session.sendall(get_message(1, SLOT + 1))
         wait_until(lambda: figures()["parked_now"] == 1, "the request to be parked")
     wait_until(lambda: figures()["parked_now"] == 0, "its end")
 
     with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as manager:
         manager.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 20)
-        manager.settimeout(20)
+        manager.settimeout(60)
         for request_id in range(1, 261):
-            manager.sendto(get_message(request_id), ("127.0.0.1", system.agent.port))
-            if request_id % 20 == 0:
-                wait_until(lambda: figures()["parked_in_all"] + figures()["turned_away"] > request_id,
+            manager.sendto(get_message(request_id, SLOT), ("127.0.0.1", system.agent.port))
+            if request_id % 130 == 0:
+                # One more of them: the session's.
+                wait_until(lambda: (lambda seen: seen["parked_in_all"] + seen["turned_away"])(figures()) > request_id,
                            "the agent to take them")
         answers = {manager.recv(65536) for _ in range(256)}
         assert len(answers) == 256
