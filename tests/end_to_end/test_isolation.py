@@ -15,8 +15,8 @@ from snmp import ROOT, SnmpError, USER, USER_LINES, oid_key
 STATE, ADDRESS = f"{ROOT}.1.1.1", f"{ROOT}.1.3.1"
 SLOT, HEALTHY = 2, 5  # as the chassis counts; one more in instance identifiers
 
-# Far less than the failing cards take, and far more than the machine needs.
-PROMPT = 1.0
+# Who waits for a failing card waits for 3 s at least; a loaded machine takes its time, too.
+PROMPT = 2.5
 FAULTS = {"slow": {"milliseconds": 1500}, "silent": {}, "dropped": {}}
 
 
