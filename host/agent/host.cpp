@@ -233,7 +233,7 @@ void Host::board_ready(int /*descriptor*/, void *host) {
 }
 
 void Host::serve_board() {
-    ipc_.process();
+    ipc_.process_for_all();
     run_left_work();
     if (requests_.serve_ready()) {
         ipc_.wake();

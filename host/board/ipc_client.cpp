@@ -324,6 +324,7 @@ void IpcClient::finish(const ExchangePtr &exchange, int result) {
     Slot &slot = slot_at(exchange->slot);
     exchange->finished = true;
     exchange->result = result;
+    unserved_ = true;
     const Deadline now = Clock::now();
     const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(now - exchange->started);
     if (!exchange->probe) {
@@ -513,18 +514,30 @@ void IpcClient::poll(int timeout_ms) {
     closed_.clear();
 }
 
+void IpcClient::tell_unserved() {
+    if (unserved_) {
+        wake();
+    }
+}
+
 void IpcClient::process() {
     poll(0);
+    tell_unserved();
+}
+
+void IpcClient::process_for_all() {
+    poll(0);
+    unserved_ = false;
 }
 
 void IpcClient::wait(const Exchange &exchange, Deadline until) {
-    while (!exchange.finished) {
-        const Deadline next = std::min(until, next_deadline_);
-        poll(milliseconds_until(next));
-        if (Clock::now() >= until) {
-            return;
+    do {
+        if (exchange.finished) {
+            break;
         }
-    }
+        poll(milliseconds_until(std::min(until, next_deadline_)));
+    } while (Clock::now() < until);
+    tell_unserved();
 }
 
 void IpcClient::abandon(int result) {

@@ -79,8 +79,11 @@ class IpcClient {
 
     // Readable when process() has something to do; timers included.
     [[nodiscard]] int descriptor() const { return events_; }
-    // Never blocks.
+    // Never blocks. When exchanges were finished, here or while another one was waited for, the descriptor
+    // stays readable: whoever called, the event loop has yet to serve those who wait for them.
     void process();
+    // The same for the event loop, which serves them right afterwards.
+    void process_for_all();
     // Makes the descriptor readable.
     void wake() { watch_deadline(std::chrono::steady_clock::now()); }
     // Called inside process() when an exchange is finished.
@@ -124,12 +127,14 @@ class IpcClient {
     void probe(int number, Deadline now);
     void watch_deadline(Deadline deadline);
     void poll(int timeout_ms);
+    void tell_unserved();
 
     ChassisAddress address_;
     std::chrono::milliseconds hold_;
     int events_ = -1;
     int timer_ = -1;
     Deadline next_deadline_ = Deadline::max();
+    bool unserved_ = false;  // exchanges were finished since process_for_all
     std::array<Slot, slots> slots_;
     std::vector<std::unique_ptr<BoardConnection>> closed_;  // until no event can name them
     std::function<void(const Exchange &)> listener_;

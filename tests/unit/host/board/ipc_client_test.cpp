@@ -1,6 +1,7 @@
 // The board protocol's client against scripted chassis.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <algorithm>
 #include <atomic>
@@ -113,6 +114,38 @@ TEST_F(IpcClientTest, NeverTakesALateAnswerForAnotherRequests) {
     const CommandFigures &figures = client.figures(0).commands.at(70);
     EXPECT_EQ((std::tuple{figures.answered, figures.timed_out, client.figures(0).late}),
               (std::tuple{1, 1, 1}));
+}
+
+// Of its parked requests the event loop only knows what the descriptor tells.
+TEST_F(IpcClientTest, WhatIsAnsweredWhileSomethingElseIsDoneIsStillTold) {
+    std::promise<void> answered;
+    const auto prompt = [](Connection &board) {
+        board.accept_link();
+        (void)board.receive();
+        board.send(message(70, 0, 40));
+    };
+    const auto slow = [&](Connection &board) {
+        board.accept_link();
+        (void)board.receive();
+        answered.get_future().wait();
+    };
+    BoardServer server({prompt, slow});
+    IpcClient client(server.address(), 5s);
+    const ExchangePtr first = client.start(request(70, 0), patient);
+    const ExchangePtr second = client.start(request(71, 0), patient);
+    const auto is_readable = [&] {
+        pollfd descriptor{client.descriptor(), POLLIN, 0};
+        return ::poll(&descriptor, 1, 0) == 1;
+    };
+    while (!first->finished) {
+        client.wait(*second, std::chrono::steady_clock::now() + 1ms);
+    }
+    EXPECT_TRUE(is_readable());
+    client.process();
+    EXPECT_TRUE(is_readable()) << "nobody was served yet";
+    client.process_for_all();
+    EXPECT_FALSE(is_readable());
+    answered.set_value();
 }
 
 TEST_F(IpcClientTest, WhatIsHalfSentWhenItsTimeIsOverNeverArrives) {
