@@ -112,6 +112,13 @@ void note_manager(int /*descriptor*/, void * /*unused*/) {
     manager_speaks = true;
 }
 
+// Neither the agent nor the manager reads what nobody named.
+void read_only_named_files() {
+    (void)setenv("MIBS", "", 1);
+    (void)setenv("MIBDIRS", "", 1);
+    (void)setenv("SNMPCONFPATH", "/nonexistent", 1);
+}
+
 std::vector<host::TableSchema> read_tables() {
     std::string error;
     std::vector<host::TableSchema> tables = host::read_mib_tables(mib_directories(), "TARN-MIB", error);
@@ -264,6 +271,8 @@ std::vector<WalkCost> measure(const WalkBench &bench, const WorkDirectory &direc
 }  // namespace
 
 std::vector<std::string> all_tables() {
+    read_only_named_files();
+    netsnmp_init_mib();
     std::vector<std::string> names;
     for (const host::TableSchema &schema : read_tables()) {
         names.push_back(schema.name);
@@ -282,10 +291,7 @@ std::vector<WalkCost> measure_walks(const WalkBench &bench) {
     const pid_t process = fork();
     if (process == 0) {
         int status = EXIT_FAILURE;
-        // Neither the agent nor the manager reads what nobody named.
-        (void)setenv("MIBS", "", 1);
-        (void)setenv("MIBDIRS", "", 1);
-        (void)setenv("SNMPCONFPATH", "/nonexistent", 1);
+        read_only_named_files();
         try {
             const std::vector<WalkCost> costs = measure(bench, directory);
             const auto size = static_cast<ssize_t>(costs.size() * sizeof(WalkCost));
