@@ -86,6 +86,11 @@ class IpcClient {
     void process_for_all();
     // Makes the descriptor readable.
     void wake() { watch_deadline(std::chrono::steady_clock::now()); }
+    // As wake(), and it lasts until process_for_all() is called, whatever is taken in before.
+    void want_turn() {
+        unserved_ = true;
+        wake();
+    }
     // Called inside process() when an exchange is finished.
     void on_finished(std::function<void(const Exchange &)> listener) { listener_ = std::move(listener); }
     // The same when a request goes out to its card, and when a card is left alone or no more.
@@ -134,7 +139,7 @@ class IpcClient {
     int events_ = -1;
     int timer_ = -1;
     Deadline next_deadline_ = Deadline::max();
-    bool unserved_ = false;  // exchanges were finished since process_for_all
+    bool unserved_ = false;  // there is something to serve since process_for_all
     std::array<Slot, slots> slots_;
     std::vector<std::unique_ptr<BoardConnection>> closed_;  // until no event can name them
     std::function<void(const Exchange &)> listener_;

@@ -70,7 +70,7 @@ Pass::Pass(SharedRequests &requests, AnswerMemory &memory, const Barred &barred,
 
 Pass::~Pass() {
     current_pass = nullptr;
-    if (omissions_ > 0) {
+    if (distrusts_) {
         distrust_stamps(distrust_from_, monotonic_time());
     }
 }
@@ -82,10 +82,16 @@ Pass *Pass::current() {
 // From here on the module stamps sections that it could not fill; some it stamps before it asks. Sections
 // that failed before are read again, too: what the module logs of them would be lost with the pass.
 int Pass::omit() {
-    if (omissions_++ == 0) {
+    ++omissions_;
+    if (!std::exchange(distrusts_, true)) {
         distrust_from_ = last_answer_at_;
     }
     return ipc_result::not_yet;
+}
+
+void Pass::pause() {
+    ++omissions_;
+    requests_.client().want_turn();
 }
 
 bool Pass::meet_bar() {

@@ -74,6 +74,11 @@ class Pass {
     bool may_touch(int slot);
     bool may_enumerate(const void *table, int slot);
 
+    // Ends the pass for now, since what it does takes longer than others should wait; it goes on in the
+    // agent's next turn. The last pass does not ask.
+    void pause();
+    [[nodiscard]] bool is_last() const { return last_; }
+
     // How often something had to be left out; not 0: what the pass gives must be thrown away.
     [[nodiscard]] int omissions() const { return omissions_; }
     // Whether it had to wait for a SET.
@@ -89,6 +94,7 @@ class Pass {
     bool last_;
     bool met_bar_ = false;
     bool met_failure_ = false;
+    bool distrusts_ = false;
     int omissions_ = 0;
     std::int64_t last_answer_at_;
     std::int64_t distrust_from_ = 0;

@@ -60,12 +60,14 @@ void RowCache::drop(std::map<Key, Entry>::iterator entry) {
 }
 
 void RowCache::expire() {
+    ++changes_;
     for (auto &[key, entry] : entries_) {
         entry.expired = true;
     }
 }
 
 void RowCache::clear() {
+    ++changes_;
     entries_.clear();
     rows_ = 0;
 }

@@ -30,6 +30,8 @@ class RowCache {
     void expire();
     // After a change of slots: nothing of what was there holds any more.
     void clear();
+    // How often either was done: what was begun before it is out of date.
+    [[nodiscard]] std::uint64_t changes() const { return changes_; }
 
   private:
     struct Entry {
@@ -48,6 +50,7 @@ class RowCache {
     std::size_t row_budget_;
     std::size_t rows_ = 0;
     std::uint64_t uses_ = 0;
+    std::uint64_t changes_ = 0;
     std::map<Key, Entry> entries_;
 };
 

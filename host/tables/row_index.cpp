@@ -53,18 +53,29 @@ void RowIndexBuilder::add(std::span<const std::uint32_t> suffix, void *data) {
     unsorted_.rows_.push_back(data);
 }
 
+void RowIndexBuilder::cut(std::size_t rows) {
+    unsorted_.offsets_.resize(rows + 1);
+    unsorted_.subids_.resize(unsorted_.offsets_.back());
+    unsorted_.rows_.resize(rows);
+}
+
 RowIndex RowIndexBuilder::finish() {
-    const RowIndex rows = std::exchange(unsorted_, RowIndex{});
+    RowIndex rows = std::exchange(unsorted_, RowIndex{});
     const auto before = [&rows](std::size_t a, std::size_t b) {
         const auto x = rows.suffix(a);
         const auto y = rows.suffix(b);
         return std::lexicographical_compare(x.begin(), x.end(), y.begin(), y.end());
     };
+    std::size_t ascending = std::min<std::size_t>(rows.size(), 1);
+    while (ascending < rows.size() && before(ascending - 1, ascending)) {
+        ++ascending;
+    }
+    if (ascending == rows.size()) {
+        return rows;
+    }
     std::vector<std::uint32_t> order(rows.size());
     std::iota(order.begin(), order.end(), 0U);
-    if (!std::is_sorted(order.begin(), order.end(), before)) {
-        std::stable_sort(order.begin(), order.end(), before);
-    }
+    std::stable_sort(order.begin(), order.end(), before);
     RowIndex sorted;
     sorted.subids_.reserve(rows.subids_.size());
     sorted.offsets_.reserve(rows.offsets_.size());

@@ -10,7 +10,7 @@
 
 namespace tarn::host {
 
-// A row's suffix: the sub-identifiers behind the column. They are kept as 32-bit numbers in one array,
+// A row's suffix: the sub-identifiers after the column. They are kept as 32-bit numbers in one array,
 // since a table may have hundreds of thousands of rows a slot.
 class RowIndex {
   public:
@@ -28,7 +28,7 @@ class RowIndex {
     // The module's data of the row: a hint that may be out of date, the index decides.
     [[nodiscard]] void *data(std::size_t row) const { return rows_[row]; }
 
-    // The first row at or behind, respectively behind, the suffix; size() when there is none.
+    // The first row at or after the suffix, and the first one after it; size() when there is none.
     [[nodiscard]] std::size_t lower_bound(std::span<const oid> suffix) const;
     [[nodiscard]] std::size_t upper_bound(std::span<const oid> suffix) const;
     // The row with exactly this suffix; size() when there is none.
@@ -45,6 +45,8 @@ class RowIndexBuilder {
   public:
     void add(std::span<const std::uint32_t> suffix, void *data);
     [[nodiscard]] std::size_t size() const { return unsorted_.size(); }
+    // Forgets all but the first rows.
+    void cut(std::size_t rows);
     // Sorts the rows and drops duplicates, of which the first one stays. The builder is empty afterwards.
     RowIndex finish();
 

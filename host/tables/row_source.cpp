@@ -7,14 +7,12 @@
 
 namespace tarn::host {
 
-RowIndex RowSource::enumerate(int slot) {
-    RowIndexBuilder builder;
-    if (callbacks_.is_iterator()) {
-        enumerate_iterator(slot, builder);
-    } else {
-        enumerate_nextgen(slot, builder);
+bool RowSource::enumerate(int slot, Enumeration &enumeration, std::size_t steps) {
+    if (!callbacks_.is_iterator()) {
+        return enumerate_nextgen(slot, enumeration, steps);
     }
-    return builder.finish();
+    enumerate_iterator(slot, enumeration.rows);
+    return true;
 }
 
 // A table that misbehaves does so on every walk: say it once.
@@ -48,35 +46,41 @@ void RowSource::enumerate_iterator(int slot, RowIndexBuilder &builder) {
     complain(slot, "the rows have no end; the rest is left out");
 }
 
-void RowSource::enumerate_nextgen(int slot, RowIndexBuilder &builder) {
+bool RowSource::enumerate_nextgen(int slot, Enumeration &enumeration, std::size_t steps) {
     const auto column = static_cast<int>(schema_.columns.front().number);
     const std::size_t root_length = schema_.root.size();
-    std::vector<oid> name = schema_.root;
+    std::vector<oid> &name = enumeration.name;
+    if (enumeration.steps == 0) {
+        name = schema_.root;
+    }
     std::vector<std::uint32_t> suffix;
-    CycleGuard guard;
-    for (std::size_t rows = 0; rows < most_rows_of_a_slot; ++rows) {
+    for (; enumeration.steps < most_rows_of_a_slot; ++enumeration.steps) {
+        if (steps-- == 0) {
+            return false;
+        }
         table_entry entry{};
         callbacks_.get_next_entry(&entry, slot, name.data(), name.size(), column);
         if (entry.name == nullptr || entry.length == 0) {
-            return;
+            return true;
         }
         name.assign(entry.name, entry.name + entry.length);
         bfree(__FILE__, __LINE__, entry.name);
         if (name.size() <= schema_.prefix_length() ||
             !std::equal(schema_.root.begin(), schema_.root.end(), name.begin()) || name[root_length] != 1) {
             complain(slot, "a row's name is not one of this table; the rest is left out");
-            return;
+            return true;
         }
         suffix.assign(name.begin() + static_cast<std::ptrdiff_t>(schema_.prefix_length()), name.end());
-        if (guard.repeats(suffix)) {
+        if (enumeration.guard.repeats(suffix)) {
             complain(slot, "the rows go round in circles; the rest is left out");
-            return;
+            return true;
         }
         if (acceptable(suffix, slot)) {
-            builder.add(suffix, entry.row);
+            enumeration.rows.add(suffix, entry.row);
         }
     }
     complain(slot, "the rows have no end; the rest is left out");
+    return true;
 }
 
 }  // namespace tarn::host

@@ -48,33 +48,56 @@ const std::vector<int> &Table::slots() const {
 }
 
 std::shared_ptr<const RowIndex> Table::rows(int slot, long transaction, bool fresh) {
-    const auto build = [this, slot] { return enumerate(slot); };
+    const auto build = [this, slot, transaction] { return enumerate(slot, transaction); };
     return fresh ? cache_.renew(this, slot, transaction, build) : cache_.get(this, slot, transaction, build);
 }
 
-RowIndex Table::enumerate(int slot) {
+// What was begun before a change, or too long ago by another request, is begun again.
+Table::Unfinished &Table::unfinished(int slot, long transaction) {
+    Unfinished &unfinished = unfinished_[slot];
+    const std::int64_t period = std::int64_t{cache_period()} * 1'000'000'000;
+    if (unfinished.changes != cache_.changes() ||
+        (unfinished.transaction != transaction && agent_time() - unfinished.begun_at >= period)) {
+        unfinished = {.transaction = transaction, .changes = cache_.changes(), .begun_at = agent_time()};
+    }
+    return unfinished;
+}
+
+RowIndex Table::enumerate(int slot, long transaction) {
     Pass *pass = Pass::current();
     RowIndex rows;
+    rows.origin = RowIndex::Origin::nothing;
     Writer *writer = Writer::running();
     if (pass != nullptr && !pass->may_enumerate(this, slot)) {
-        rows.origin = RowIndex::Origin::nothing;
         return rows;
     }
     const CacheUseCount count(cache_use_[static_cast<std::size_t>(slot)]);
+    const bool in_parts = pass != nullptr && !pass->is_last();
+    Unfinished whole;
+    Unfinished &work = in_parts ? unfinished(slot, transaction) : whole;
+    Enumeration &enumeration = work.enumeration;
+    const Enumeration::Place place = enumeration.place();
     const std::uint64_t failures = failed_requests();
     if (writer != nullptr) {
         writer->enumerated_table = this;
     }
-    rows = source_.enumerate(slot);
+    const bool ended = source_.enumerate(slot, enumeration, in_parts ? rows_of_a_turn : most_rows_of_a_slot);
     if (writer != nullptr) {
         writer->enumerated_table = nullptr;
     }
     // Once a pass had to leave something out, what the module shows may be what it could not fill.
     if (pass != nullptr && pass->omissions() > 0) {
-        rows.origin = RowIndex::Origin::nothing;
-    } else if (failed_requests() != failures) {
-        rows.origin = RowIndex::Origin::failure;
+        enumeration.go_back(place);
+        return rows;
     }
+    work.met_failure |= failed_requests() != failures;
+    if (!ended) {
+        pass->pause();
+        return rows;
+    }
+    rows = enumeration.rows.finish();
+    rows.origin = work.met_failure ? RowIndex::Origin::failure : RowIndex::Origin::card;
+    unfinished_.erase(slot);
     return rows;
 }
 

@@ -3,6 +3,8 @@
 #define TARN_HOST_TABLES_TABLE_H
 
 #include <array>
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <span>
 #include <vector>
@@ -61,8 +63,22 @@ class Table {
     int call(int mode, netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request,
              const Instance &instance);
 
+    // So many rows are enumerated at a time before others are served: some ten milliseconds. A slot of 1024
+    // ONTs has up to 688 thousand rows in one table.
+    static constexpr std::size_t rows_of_a_turn = 8192;
+
   private:
-    RowIndex enumerate(int slot);
+    // An enumeration that goes on when its manager's request is served again.
+    struct Unfinished {
+        Enumeration enumeration{};
+        bool met_failure = false;
+        long transaction = 0;
+        std::uint64_t changes = 0;
+        std::int64_t begun_at = 0;
+    };
+
+    RowIndex enumerate(int slot, long transaction);
+    Unfinished &unfinished(int slot, long transaction);
     void get(netsnmp_agent_request_info *reqinfo, netsnmp_request_info *request);
 
     TableSchema schema_;
@@ -70,6 +86,7 @@ class Table {
     RowCache &cache_;
     const Slots &slots_;
     RowSource source_;
+    std::map<int, Unfinished> unfinished_;  // by slot
     std::array<CacheUse, chassis_slot::line_cards + 1> cache_use_{};
     // What a handler is told of the row that is being served.
     struct CallInfo {

@@ -112,7 +112,14 @@ class RowSourceTest : public testing::Test {
     RowSourceTest() { fake = {}; }
     ~RowSourceTest() override { EXPECT_THAT(outstanding_blocks(), IsEmpty()); }
     RowIndex enumerate(const TableCallbacks &callbacks, int slot) {
-        return RowSource(schema, callbacks).enumerate(slot);
+        RowSource source(schema, callbacks);
+        return enumerate(source, slot);
+    }
+    static RowIndex enumerate(RowSource &source, int slot, std::size_t steps = most_rows_of_a_slot) {
+        Enumeration enumeration;
+        while (!source.enumerate(slot, enumeration, steps)) {
+        }
+        return enumeration.rows.finish();
     }
     TableSchema schema = slot_table_schema();
     CapturedLog log;
@@ -138,10 +145,23 @@ TEST_F(RowSourceTest, EndsASlotWhoseFinderComesBack) {
     set_successors({{3, 9}, {3, 2}, {3, 5}});
     fake.successors[instance(3, {3, 5})] = instance(3, {3, 2});
     RowSource source(schema, nextgen_callbacks);
-    EXPECT_EQ(suffixes_of(source.enumerate(2)), (Suffixes{{3, 2}, {3, 5}, {3, 9}}));
-    EXPECT_EQ(source.enumerate(2).size(), 3U);
+    EXPECT_EQ(suffixes_of(enumerate(source, 2)), (Suffixes{{3, 2}, {3, 5}, {3, 9}}));
+    EXPECT_EQ(enumerate(source, 2, 1).size(), 3U) << "also when it is done in parts";
     EXPECT_THAT(log.lines,
                 ElementsAre("tarnTestTable: slot 3: the rows go round in circles; the rest is left out\n"));
+}
+
+TEST_F(RowSourceTest, GoesOnWhereItStoppedAndForgetsAPart) {
+    set_successors({{3, 9}, {3, 2}, {4, 1}, {3, 5}, {3, 7}});
+    RowSource source(schema, nextgen_callbacks);
+    Enumeration enumeration;
+    EXPECT_FALSE(source.enumerate(2, enumeration, 2));
+    const Enumeration::Place place = enumeration.place();
+    EXPECT_FALSE(source.enumerate(2, enumeration, 2)) << "a row that is left out counts, too";
+    enumeration.go_back(place);
+    EXPECT_EQ(enumeration.rows.size(), 2U);
+    EXPECT_TRUE(source.enumerate(2, enumeration, 4));
+    EXPECT_EQ(suffixes_of(enumeration.rows.finish()), (Suffixes{{3, 2}, {3, 5}, {3, 7}, {3, 9}}));
 }
 
 TEST_F(RowSourceTest, EndsASlotWhoseFinderStandsStill) {

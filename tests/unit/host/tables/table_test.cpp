@@ -2,8 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <variant>
 
+#include "host/board/pass.h"
 #include "host/board/slots.h"
 #include "support/captured_log.h"
 #include "support/fake_pdu.h"
@@ -411,6 +414,38 @@ TEST_F(TableTest, NoActionStartsBehindAFailedOneAndUndoReachesAll) {
     EXPECT_EQ(pdu.error(), SNMP_ERR_GENERR) << "what UNDO answers hides nothing";
     EXPECT_THAT(fake.calls, ElementsAre("action 5.4.8 no row", "action 5.4.2 no row", "undo 5.4.8 no row",
                                         "undo 5.4.2 no row", "undo 5.6.1 no row"));
+}
+
+// Nobody waits while the rows of a large table are enumerated.
+TEST_F(TableTest, ALargeTableIsEnumeratedOverSeveralTurns) {
+    std::vector<std::vector<oid>> rows;
+    for (oid row = 1; row <= 20'000; ++row) {
+        rows.push_back({4, row});
+    }
+    set_successors(rows);
+    IpcClient client(*parse_chassis_address("unix:/nonexistent/socket"), std::chrono::seconds(1));
+    SharedRequests shared(client);
+    AnswerMemory memory;
+    const auto serve = [&](const std::vector<oid> &name) {
+        const Pass pass(shared, memory, {});
+        FakePdu pdu(transaction);
+        pdu.add(name);
+        pdu.serve(nextgen, MODE_GETNEXT);
+        return pass.omissions() > 0 ? std::vector<oid>() : pdu.name(0);
+    };
+    EXPECT_THAT(serve(instance(3, {4, 19'999})), IsEmpty());
+    EXPECT_THAT(serve(instance(3, {4, 19'999})), IsEmpty());
+    EXPECT_EQ(serve(instance(3, {4, 19'999})), instance(3, {4, 20'000})) << "8192 rows a turn";
+    EXPECT_EQ(serve(instance(3, {4, 1})), instance(3, {4, 2}));
+    EXPECT_EQ(std::ranges::count(fake.calls, "enumerate 3"), 1);
+
+    cache.expire();
+    ++transaction;
+    EXPECT_THAT(serve(instance(3, {4, 1})), IsEmpty());
+    cache.expire();
+    EXPECT_THAT(serve(instance(3, {4, 1})), IsEmpty());
+    EXPECT_THAT(serve(instance(3, {4, 1})), IsEmpty()) << "begun again after a change";
+    EXPECT_EQ(serve(instance(3, {4, 1})), instance(3, {4, 2}));
 }
 
 TEST_F(TableTest, AChassisWideTableIsWalkedOnce) {
