@@ -18,6 +18,7 @@ struct Exchange {
     int slot = 0;
     std::vector<std::uint8_t> request;  // header and payload
     Deadline started{};
+    Deadline sent{};  // when it went out to its card; none: it still waits for a connection
     Deadline deadline{};
     bool probe = false;  // sent by the agent itself, to find out whether a card answers again
     bool finished = false;

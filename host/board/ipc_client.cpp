@@ -78,6 +78,10 @@ bool all_late(const std::vector<std::unique_ptr<BoardConnection>> &connections) 
     return std::ranges::all_of(connections, is_late);
 }
 
+std::size_t in_use(const std::vector<std::unique_ptr<BoardConnection>> &connections) {
+    return connections.size() - static_cast<std::size_t>(std::ranges::count_if(connections, is_late));
+}
+
 void count(CommandFigures &figures, const Exchange &exchange, int result, std::chrono::microseconds taken) {
     if (result == ipc_result::timed_out) {
         ++figures.timed_out;
@@ -147,9 +151,13 @@ CardState IpcClient::state(int number) const {
     }
     const Deadline long_ago = Clock::now() - quick;
     const bool waits = std::ranges::any_of(slot.connections, [&](const auto &connection) {
-        return connection->exchange() != nullptr && connection->exchange()->started < long_ago;
+        return connection->exchange() != nullptr && connection->exchange()->sent < long_ago;
     });
     return slot.figures.last_answer_time > quick || waits ? CardState::slow : CardState::ok;
+}
+
+bool IpcClient::answers_at_once(int number) const {
+    return slot_at(number).figures.last_answer_time <= at_once && state(number) == CardState::ok;
 }
 
 CardReason IpcClient::reason(int number) const {
@@ -213,6 +221,7 @@ void IpcClient::dispatch(int number) {
         if (idle != slot.connections.end()) {
             const ExchangePtr exchange = slot.queue.front();
             slot.queue.pop_front();
+            exchange->sent = Clock::now();
             (*idle)->send(exchange);
             if (sent_listener_) {
                 sent_listener_(*exchange);
@@ -224,14 +233,36 @@ void IpcClient::dispatch(int number) {
             static_cast<std::size_t>(std::ranges::count_if(slot.connections, [](const auto &connection) {
                 return connection->phase() == BoardConnection::Phase::opening;
             }));
-        const std::size_t room = most_connections + (slot.queue.front()->probe ? 4 : 0);
+        const std::size_t own = most_connections + (slot.queue.front()->probe ? 4 : 0);
         // The first connection finds out whether there is a card at all.
-        const auto late = static_cast<std::size_t>(std::ranges::count_if(slot.connections, is_late));
-        if (opening >= (slot.link ? slot.queue.size() : 1) || slot.connections.size() - late >= room ||
-            open(number) == nullptr) {
+        if (opening >= (slot.link ? slot.queue.size() : 1) ||
+            (in_use(slot.connections) >= own && !share_connection()) || open(number) == nullptr) {
             return;
         }
     }
+}
+
+// Whether one of the shared connections is free, or idle and can be taken from its slot.
+bool IpcClient::share_connection() {
+    std::size_t taken = 0;
+    BoardConnection *spare = nullptr;
+    for (const Slot &slot : slots_) {
+        const std::size_t used = in_use(slot.connections);
+        if (used <= most_connections) {
+            continue;
+        }
+        taken += used - most_connections;
+        for (const auto &connection : slot.connections) {
+            if (connection->phase() == BoardConnection::Phase::idle) {
+                spare = connection.get();
+            }
+        }
+    }
+    if (taken >= shared_connections && spare != nullptr) {
+        close(*spare);
+        return true;
+    }
+    return taken < shared_connections;
 }
 
 BoardConnection *IpcClient::open(int number) {
@@ -326,7 +357,9 @@ void IpcClient::finish(const ExchangePtr &exchange, int result) {
     exchange->result = result;
     unserved_ = true;
     const Deadline now = Clock::now();
-    const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(now - exchange->started);
+    // What a request waited for a connection is not its card's.
+    const Deadline begin = exchange->sent == Deadline{} ? exchange->started : exchange->sent;
+    const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(now - begin);
     if (!exchange->probe) {
         count(slot.figures.commands[command_of(exchange->request)], *exchange, result, taken);
     }

@@ -41,11 +41,16 @@ class IpcClient {
     // Slots 0-15 are line cards, 16-18 the chassis' own services.
     static constexpr int slots = 19;
     // Each request has a connection to itself, so that a late answer dies with its connection.
-    static constexpr std::size_t most_connections = 16;  // a slot
+    static constexpr std::size_t most_connections = 16;  // that every slot can count on
+    // More of them for slots that want them, in all: descriptors are scarce, and cards are seldom busy at
+    // once.
+    static constexpr std::size_t shared_connections = 48;
     // For how long a request's connection is kept after its time-out, to see whether an answer comes late.
     static constexpr std::chrono::seconds late_patience{30};
     // What a card may take for an answer without being slow.
     static constexpr std::chrono::milliseconds quick{20};
+    // Several answers that take longer than this are had sooner by asking for all of them at once.
+    static constexpr std::chrono::milliseconds at_once{1};
 
     // A card that does not answer is asked in the background every `hold`, which is also how long it is left
     // alone; zero: it is never left alone.
@@ -68,6 +73,8 @@ class IpcClient {
     [[nodiscard]] bool link(int slot) const;
     [[nodiscard]] CardState state(int slot) const;
     [[nodiscard]] CardReason reason(int slot) const;
+    // Whether it is likely that the card answers while its caller does nothing else.
+    [[nodiscard]] bool answers_at_once(int slot) const;
     // How many of the slot's connections the other end closed while nothing was asked.
     [[nodiscard]] std::uint64_t endings(int slot) const { return slot_at(slot).endings; }
     // Connects where there is no connection, waiting at most timeout_ms. Returns the link.
@@ -119,6 +126,7 @@ class IpcClient {
     [[nodiscard]] const Slot &slot_at(int number) const { return slots_[static_cast<std::size_t>(number)]; }
     void dispatch(int number);
     BoardConnection *open(int number);
+    bool share_connection();
     void give_up(BoardConnection &connection, std::vector<ExchangePtr> &overdue);
     void close(BoardConnection &connection);
     void serve(BoardConnection &connection);

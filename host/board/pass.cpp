@@ -121,7 +121,7 @@ int Pass::request(std::span<const std::uint8_t> bytes, std::uint8_t **answer, in
         memory_.add(request, exchange);
     }
     IpcClient &client = requests_.client();
-    if (!exchange->finished && left_ > Clock::duration::zero() && client.state(slot) == CardState::ok) {
+    if (!exchange->finished && left_ > Clock::duration::zero() && client.answers_at_once(slot)) {
         const auto begin = Clock::now();
         client.wait(*exchange, begin + left_);
         left_ -= Clock::now() - begin;

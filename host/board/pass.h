@@ -49,8 +49,8 @@ class AnswerMemory {
 
 class Pass {
   public:
-    // The time for which a pass waits for cards in all, so that quick ones need no second pass. A card that
-    // is known to be slow is not waited for at all.
+    // The time for which a pass waits for cards in all, so that quick ones need no second pass. A card whose
+    // last answer did not come at once is not waited for at all.
     static constexpr std::chrono::milliseconds budget{4};
 
     // What a SET is at work on while it waits for a card: slots, and a table whose rows are half enumerated.

@@ -4,6 +4,7 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <future>
 
@@ -87,6 +88,50 @@ TEST_F(IpcClientTest, PutsAnswersTogetherAndSizesTheImagesBlock) {
                             [](int byte) { return byte == 0; }));
 }
 
+// 16 connections of its own, and of the 48 that are shared those that nobody else is using.
+TEST_F(IpcClientTest, ABusySlotUsesSharedConnectionsAndGivesIdleOnesBack) {
+    std::promise<void> answers;
+    const std::shared_future<void> may_answer = answers.get_future();
+    const auto script = [&](Connection &board) {
+        board.accept_link();
+        for (Bytes asked = board.receive(); !asked.empty(); asked = board.receive()) {
+            if (asked[7] == 0) {
+                may_answer.wait();
+                board.send(message(70, 0, 40));
+            }
+        }
+    };
+    BoardServer server(std::vector<std::function<void(Connection &)>>(64 + 17, script));
+    IpcClient client(server.address(), 5s);
+    std::array<int, 3> sent{};
+    client.on_sent([&](const Exchange &exchange) { ++sent[static_cast<std::size_t>(exchange.slot)]; });
+    std::vector<ExchangePtr> exchanges;
+    const auto start = [&](int slot, int count) {
+        for (int i = 0; i < count; ++i) {
+            exchanges.push_back(client.start(request(70, slot), patient));
+        }
+    };
+    const auto await = [&](const auto &condition) {
+        while (!condition()) {
+            client.process();
+        }
+    };
+    start(0, 70);
+    await([&] { return sent[0] == 64; });
+    start(1, 1);
+    await([&] { return sent[1] == 1; });
+    EXPECT_EQ(sent[0], 64) << "no more than that wait for the card at a time";
+    answers.set_value();
+    await([&] {
+        return sent[0] == 70 && std::ranges::all_of(exchanges, [](const ExchangePtr &exchange) {
+                   return exchange->finished || exchange->slot == 1;
+               });
+    });
+    start(1, 16);
+    await([&] { return sent[1] == 17; });
+    client.abandon(ipc_result::no_connection);
+}
+
 TEST_F(IpcClientTest, NeverTakesALateAnswerForAnotherRequests) {
     std::promise<void> timed_out;
     BoardServer server({[&](Connection &board) {
@@ -102,6 +147,7 @@ TEST_F(IpcClientTest, NeverTakesALateAnswerForAnotherRequests) {
                             board.send(message(70, 0, 40, 0, 2));
                         }});
     IpcClient client(server.address(), 5s);
+    ASSERT_TRUE(client.check_link(0, patient)) << "only an answer is waited for";
     Answer answer;
     EXPECT_EQ(client.send_request(request(70, 0).data(), &answer.bytes, 1000), ipc_result::timed_out);
     EXPECT_EQ(answer.bytes, nullptr);

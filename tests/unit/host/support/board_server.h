@@ -91,7 +91,7 @@ class BoardServer {
         std::memcpy(address.sun_path, path.c_str(), path.size());
         listener_ = socket(AF_UNIX, SOCK_STREAM, 0);
         (void)bind(listener_, reinterpret_cast<const sockaddr *>(&address), sizeof address);
-        (void)listen(listener_, 16);
+        (void)listen(listener_, 128);
         thread_ = std::thread([this, scripts = std::move(scripts)] {
             for (const auto &script : scripts) {
                 const int descriptor = accept(listener_, nullptr, nullptr);
