@@ -91,12 +91,10 @@ class IpcClient {
     void process();
     // The same for the event loop, which serves them right afterwards.
     void process_for_all();
-    // Makes the descriptor readable.
-    void wake() { watch_deadline(std::chrono::steady_clock::now()); }
-    // As wake(), and it lasts until process_for_all() is called, whatever is taken in before.
-    void want_turn() {
+    // Makes the descriptor readable until process_for_all() is called, whatever is taken in before.
+    void wake() {
         unserved_ = true;
-        wake();
+        watch_deadline(std::chrono::steady_clock::now());
     }
     // Called inside process() when an exchange is finished.
     void on_finished(std::function<void(const Exchange &)> listener) { listener_ = std::move(listener); }

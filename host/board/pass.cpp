@@ -91,7 +91,7 @@ int Pass::omit() {
 
 void Pass::pause() {
     ++omissions_;
-    requests_.client().want_turn();
+    requests_.client().wake();
 }
 
 bool Pass::meet_bar() {

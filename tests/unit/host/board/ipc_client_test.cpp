@@ -191,6 +191,9 @@ TEST_F(IpcClientTest, WhatIsAnsweredWhileSomethingElseIsDoneIsStillTold) {
     EXPECT_TRUE(is_readable()) << "nobody was served yet";
     client.process_for_all();
     EXPECT_FALSE(is_readable());
+    client.wake();
+    client.process();
+    EXPECT_TRUE(is_readable()) << "somebody else's look at the cards is no turn";
     answered.set_value();
 }
 
