@@ -8,7 +8,7 @@
 
 namespace tarn {
 
-// `value` in a field and in the same field of the entries behind it, `count` in all, `stride` bytes apart.
+// `value` in a field and in the same field of the entries after it, `count` in all, `stride` bytes apart.
 struct Default {
     Field field;
     std::int64_t value;

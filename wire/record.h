@@ -141,7 +141,7 @@ inline std::string_view load_text(const std::uint8_t *record, Field field) {
     return {text, strnlen(text, field.size)};
 }
 
-// Clears the whole field, then copies the text, cut to the field's size. Whoever needs a NUL behind a full
+// Clears the whole field, then copies the text, cut to the field's size. Whoever needs a NUL after a full
 // field passes at most size - 1 bytes.
 inline void store_text(std::uint8_t *record, Field field, std::string_view text) {
     std::memset(record + field.offset, 0, field.size);

@@ -59,7 +59,7 @@ Refusal update_one_ont(Exchange &exchange) {
     return refusal;
 }
 
-// A serial that is not zero names the ONT; otherwise the channel behind it and the ONT's number do.
+// A serial that is not zero names the ONT; otherwise the channel after it and the ONT's number do.
 OntName requested_name(const Exchange &exchange) {
     const auto request = exchange.request;
     OntName name;

@@ -30,7 +30,7 @@ Refusal with_profile(Exchange &exchange, Act act) {
     return {};
 }
 
-// Adds or sets a profile: its record stands behind the index.
+// Adds or sets a profile: its record stands after the index.
 template <std::size_t kind, bool exists>
 Refusal store_profile(Exchange &exchange) {
     return with_profile<kind, exists>(exchange, [&](std::span<std::uint8_t> record) {

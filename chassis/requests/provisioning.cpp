@@ -24,7 +24,7 @@ Refusal get_image(Exchange &exchange) {
     return {};
 }
 
-// Channel at byte 32, ONT id at 33-36, the record behind them.
+// Channel at byte 32, ONT id at 33-36, the record after them.
 Refusal check_place(const Exchange &exchange) {
     const std::uint8_t channel = exchange.request[payload];
     if (!is_channel(channel)) {
@@ -51,7 +51,7 @@ Refusal set_ont(Exchange &exchange) {
     return {};
 }
 
-// A field, read whole, respectively written whole.
+// A field, read or written whole.
 template <auto field>
 Refusal get_field(Exchange &exchange) {
     append(exchange.answer, working(exchange).*field);

@@ -14,7 +14,7 @@ namespace tarn::chassis {
 // In the order of profile_kinds.
 inline constexpr std::size_t profile_kind_count = std::size(profile_kinds);
 
-// The records of each kind, one behind the other, as the card sends them.
+// The records of each kind, one after the other, as the card sends them.
 using ProfileStore = std::array<std::vector<std::uint8_t>, profile_kind_count>;
 
 struct OltProfileLists {

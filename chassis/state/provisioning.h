@@ -27,11 +27,11 @@ struct Provisioning {
     bool operator==(const Provisioning &) const = default;
 };
 
-// ONTs that are configured where they are listed: up to 64 a channel, and as many again as the records behind
+// ONTs that are configured where they are listed: up to 64 a channel, and as many again as the records after
 // the last channel take. `profiles` of each kind, and of the templates, exist.
 Provisioning make_provisioning(std::uint64_t seed, int slot, const std::vector<Ont> &onts, int profiles);
 
-// The payload of the answer that carries the image of a configuration: compressed, its length behind it.
+// The payload of the answer that carries the image of a configuration: compressed, its length after it.
 std::vector<std::uint8_t> image_payload(const Provisioning &provisioning);
 
 }  // namespace tarn::chassis

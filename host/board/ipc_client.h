@@ -154,7 +154,7 @@ class IpcClient {
 };
 
 // The answer as the module gets it: 0 and a balloc'ed block, or the exchange's negative result. The block is
-// longer than the answer and zero behind it, so that a count or length inside the answer cannot lead past it.
+// longer than the answer and zero after it, so that a count or length inside the answer cannot lead past it.
 int take_answer(const Exchange &exchange, std::uint8_t **answer);
 
 // The client that ipcSendRequest and check_slot_link use; null: none.

@@ -1,4 +1,4 @@
-// The block allocator behind balloc and bfree: what is outstanding is known by the file and line that asked.
+// The block allocator of balloc and bfree: what is outstanding is known by the file and line that asked.
 #ifndef TARN_HOST_SERVICES_BLOCK_ALLOCATOR_H
 #define TARN_HOST_SERVICES_BLOCK_ALLOCATOR_H
 

@@ -20,7 +20,7 @@ class IndexValues {
 
     [[nodiscard]] netsnmp_variable_list *list() const { return list_; }
 
-    // Sets the values from the sub-identifiers behind the column. False when they are too few, too many, or
+    // Sets the values from the sub-identifiers after the column. False when they are too few, too many, or
     // out of the range of their part; the values are then undefined.
     bool decode(std::span<const oid> suffix);
 

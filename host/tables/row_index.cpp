@@ -14,7 +14,7 @@ std::strong_ordering compare(std::span<const std::uint32_t> a, std::span<const o
         [](std::uint32_t x, oid y) { return static_cast<oid>(x) <=> y; });
 }
 
-// The number of rows at the front for which `before` holds; it holds for none behind one for which it does
+// The number of rows at the front for which `before` holds; it holds for none after one for which it does
 // not.
 template <class Before>
 std::size_t partition_point(std::size_t rows, Before before) {

@@ -91,7 +91,7 @@ RowIndex Table::enumerate(int slot, long transaction) {
         return rows;
     }
     work.met_failure |= failed_requests() != failures;
-    if (!ended) {
+    if (!ended && pass != nullptr) {
         pass->pause();
         return rows;
     }

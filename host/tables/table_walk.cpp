@@ -81,13 +81,13 @@ class Walk {
 
     [[nodiscard]] bool sees_nothing() const { return visibility_ == Visibility::none; }
 
-    // The place of the first instance behind the OID, or at it when `inclusive`.
+    // The place of the first instance after the OID, or at it when `inclusive`.
     Cursor find(std::span<const oid> name, bool inclusive);
 
     // Whether a slot's rows are still on their way: there is nothing to answer with beyond.
     [[nodiscard]] bool is_stuck() const { return stuck_; }
 
-    // Answers with the first value at or behind the cursor and moves the cursor behind it. False, and the
+    // Answers with the first value at or after the cursor and moves the cursor after it. False, and the
     // request as it was, when there is none.
     bool answer(netsnmp_request_info *request, Cursor &cursor);
 

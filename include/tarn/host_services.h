@@ -49,7 +49,7 @@ int get_int_from_oid(const oid *name, size_t length, int position);
 
 /* Non-zero when the line card in the slot is reachable. */
 int check_slot_link(int slot);
-/* Whether the slot is configured in the running, respectively candidate, configuration. */
+/* Whether the slot is configured in the running configuration, and in the candidate one. */
 int slot_isconfigured(int slot);
 int slot_isconfigured_candidate(int slot);
 /* Non-zero refuses a write of the ONT's configuration. */

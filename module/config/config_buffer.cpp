@@ -23,7 +23,7 @@ struct {
 
 constexpr std::size_t max_compressed = config_image::compressed_length - payload;
 
-// zlib writes straight into the buffer. It may end a little behind it: card software of old inflated in steps
+// zlib writes straight into the buffer. It may end a little after it: card software of old inflated in steps
 // of 1024 bytes, so an image that exceeds the buffer by less than the last step counts as whole.
 constexpr std::size_t step = 1024;
 constexpr std::size_t spill_size = step - config_image::size % step;

@@ -25,7 +25,7 @@ int send_block(const std::uint8_t *block, const char *operation, int address) {
     return act(request, operation, address);
 }
 
-// As a string copy does, so that what stands behind the NUL stays; at most the field.
+// As a string copy does, so that what stands after the NUL stays; at most the field.
 void copy_name(const std::uint8_t *from, std::uint8_t *to, Field name) {
     const std::string_view text = load_text(from, name);
     const std::size_t length = std::min<std::size_t>(text.size(), name.size - 1U);

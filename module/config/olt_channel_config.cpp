@@ -10,7 +10,7 @@ namespace {
 
 constexpr Query channel_configs{command::get_olt_channel_config, destination::services,
                                 Pace{.stamped = Stamped::by_answer}, &ChannelSections::olt_channel_configs,
-                                payload + 1};  // behind the channel byte
+                                payload + 1};  // after the channel byte
 
 }  // namespace
 

@@ -6,13 +6,13 @@
 
 #include "module/common/exports.h"
 
-// The slot's 9,510-byte record with its hold flag (olt_config::hold) behind it; while the flag is not 0 the
+// The slot's 9,510-byte record with its hold flag (olt_config::hold) after it; while the flag is not 0 the
 // record is not refreshed. Null without a database.
 TARN_EXPORT std::uint8_t *get_olt_cfg(int slot);
 // Sends the record as it is cached. 0 or -1.
 TARN_EXPORT int set_olt_cfg(int slot);
 
-// 32 records of 7,454, respectively 294 bytes (see olt_profile); null without the profiles database.
+// 32 records of 7,454 or of 294 bytes (see olt_profile); null without the profiles database.
 TARN_EXPORT std::uint8_t *get_olt_address_table_profiles(void);
 TARN_EXPORT std::uint8_t *get_olt_vlan_profiles(void);
 

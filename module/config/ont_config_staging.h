@@ -17,7 +17,7 @@ TARN_EXPORT void set_ont_cb_id(int id);
 TARN_EXPORT void set_ont_cb_tree(int channel);
 // Moves the identifiers of each of the staged record's tunnel lists to its front, in their order.
 TARN_EXPORT void reorganize_ont_selective_tunnel_vids(void);
-// Writes the staged record, if there is one, to its place in `slot`; nothing is staged behind it. 0 or -1.
+// Writes the staged record, if there is one, to its place in `slot`; nothing is staged after it. 0 or -1.
 TARN_EXPORT int commit_ont_config(int slot);
 // Drops a staged record.
 TARN_EXPORT void invalidate_config_buffer(void);

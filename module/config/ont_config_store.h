@@ -42,8 +42,8 @@ inline bool ont_in_use(const std::uint8_t *record) {
     return load_integer(record, ont_config::in_use) != 0;
 }
 
-// Positions in the sorted view of refreshed records: the first whose serial is not less, respectively
-// greater; 532 behind the last.
+// Positions in the sorted view of refreshed records: of the first whose serial is not less, and of the first
+// whose serial is greater; 532 after the last.
 int first_ont_not_below(const OntConfigSections &db, const std::uint8_t *serial);
 int first_ont_above(const OntConfigSections &db, const std::uint8_t *serial);
 

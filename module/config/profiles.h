@@ -40,7 +40,7 @@ TARN_EXPORT void reset_ports_profiles_commit_needs(void);
 TARN_EXPORT void set_ports_profile_to_commit(int index);
 TARN_EXPORT int commit_ports_profiles(void);
 
-// A profile index as SNMP shows it, respectively as a record holds it; "none" is 65535 in both.
+// A profile index as SNMP shows it, and as a record holds it; "none" is 65535 in both.
 TARN_EXPORT std::uint32_t profile_pon_to_snmp(std::uint16_t profile);
 TARN_EXPORT std::uint16_t profile_snmp_to_pon(std::uint32_t value);
 

@@ -53,7 +53,7 @@ std::uint32_t DelValue(ParamSet &set, std::string_view name);
 
 // Apply a list of `n` strings to the set: name and value pairs, name and buffer pairs, pairs of buffers of 32
 // and 1024 bytes, names.
-// A set that is full, respectively a name that is absent, ends the list without an error.
+// A set that is full, or a name that is absent, ends the list without an error.
 std::uint32_t SetStructParam(ParamSet &set, int n, char *const *strings);
 std::uint32_t GetStructParam(const ParamSet &set, int n, char *const *strings);
 std::uint32_t GetAllStructParam(const ParamSet &set, int start_index, int *count_out, int n,

@@ -21,7 +21,7 @@ TARN_EXPORT AcsFirmwareCache *get_acs_firmware_cache(void);
 TARN_EXPORT char *get_acs_firmware_name(const char *name);
 // `n` characters from `start`, or what there is of them.
 TARN_EXPORT char *get_sub_str(const char *text, int start, int n);
-// The part behind the last "/" or "\"; null for a null path or one that ends with a separator.
+// The part after the last "/" or "\"; null for a null path or one that ends with a separator.
 TARN_EXPORT char *get_filename_from_path(const char *path);
 // Whether the name is that of an image's parameter file.
 TARN_EXPORT int check_if_spec_file(const char *name);

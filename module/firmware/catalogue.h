@@ -19,7 +19,7 @@ Catalogue current_catalogue();
 
 std::string firmware_path(std::string_view name);
 
-// The part behind the last "/" or "\".
+// The part after the last "/" or "\".
 std::string_view file_name_of(std::string_view path);
 
 }  // namespace tarn

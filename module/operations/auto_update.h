@@ -11,7 +11,7 @@
 TARN_EXPORT AutoUpdateEntry **get_ont_auto_update_entries(void);
 // A new entry, which the caller frees with bfree; null for a line of fewer than five fields.
 TARN_EXPORT AutoUpdateEntry *parse_entry(const char *line);
-// Change the list, not the file: 0, or -1 when it is full, respectively has no such entry.
+// Change the list, not the file: 0, or -1 when it is full or has no such entry.
 TARN_EXPORT int add_ont_autoupdate_entry(const AutoUpdateEntry *entry);
 TARN_EXPORT int delete_ont_autoupdate_entry(const char *description);
 // Replaces the file by the list; 0 or -1, and then the file is as it was.

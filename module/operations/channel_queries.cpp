@@ -9,7 +9,7 @@ using namespace tarn;
 
 namespace {
 
-constexpr std::size_t first_record = payload + 1;  // behind the selector byte
+constexpr std::size_t first_record = payload + 1;  // after the selector byte
 constexpr std::size_t whole_answer_size = first_record + channels_per_slot * channel_state::size;
 
 // A failing board is asked for its channels again only after the period.

@@ -41,7 +41,7 @@ namespace tarn {
 // serials by position. Free positions (serial all zero) come first.
 using OntOrder = std::span<const std::uint16_t>;
 
-// From the first record whose serial is not less than, respectively greater than, the given one.
+// From the first record whose serial is not less than the given one, and from the first that is greater.
 OntOrder onts_from(const OntSections &db, const std::uint8_t *serial);
 OntOrder onts_after(const OntSections &db, const std::uint8_t *serial);
 // The first position of the list with the serial, or -1. The list is taken as it is.

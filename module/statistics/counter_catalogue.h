@@ -24,7 +24,7 @@ constexpr GStatCommonRecord attribute(std::int8_t number, const char *short_name
 constexpr GStatCommonRecord finished_intervals =
     attribute(0, "Finished intervals", "Shows the recently finished 15-minute interval");
 
-// The counters in slot order; the slots behind them are zero.
+// The counters in slot order; the slots after them are zero.
 constexpr Row unterminated_row(std::initializer_list<GStatCommonRecord> counters) {
     Row row{};
     std::copy(counters.begin(), counters.end(), row.begin());

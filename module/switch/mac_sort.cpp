@@ -9,7 +9,7 @@ namespace {
 
 struct Range {
     std::ptrdiff_t low;
-    std::ptrdiff_t high;  // one behind the last
+    std::ptrdiff_t high;  // one after the last
     [[nodiscard]] std::ptrdiff_t size() const { return high - low; }
 };
 

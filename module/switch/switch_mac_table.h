@@ -21,7 +21,7 @@ static_assert(sizeof(switch_mac_list_t) == tarn::switch_mac::size && alignof(swi
 TARN_EXPORT std::uint8_t *get_switch_mac_table(int slot);
 // The table as text: "v1", then 29 characters an entry; null when it was never fetched.
 TARN_EXPORT char *get_raw_switch_mac_table(int slot);
-// Negative, 0 or positive as a stands before, with or behind b: by VLAN, then by MAC address.
+// Negative, 0 or positive as a stands before, with or after b: by VLAN, then by MAC address.
 TARN_EXPORT int switch_mac_list_t_comparator(switch_mac_list_t a, switch_mac_list_t b);
 
 namespace tarn {

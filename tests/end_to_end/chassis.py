@@ -20,7 +20,7 @@ def scenario(onts_per_channel=2, addresses=ADDRESSES):
 
 @dataclass(frozen=True)
 class Request:
-    """One board request as the chassis logged it; slots count from 0, the payload starts behind the header."""
+    """One board request as the chassis logged it; slots count from 0, the payload starts after the header."""
 
     slot: int
     command: int

@@ -274,7 +274,7 @@ def test_a_profile_from_its_creation_to_its_end(provisioning, table, kind, size,
         provisioning.set(*create)
     provisioning.set_each(table, (20,), PROFILE, expected, read)
     provisioning.check_values(table, (20,), {1: ("u", 20), status: ("i", 1)})
-    # All of them in one SET, in front of them the creation, or behind them.
+    # All of them in one SET, in front of them the creation, or after them.
     for index, bindings in ((21, {status: ("i", 4), **PROFILE}), (22, {**PROFILE, status: ("i", 4)})):
         provisioning.set(*provisioning.bindings(table, (index,), bindings))
         assert provisioning.profile(kind, index) == expected

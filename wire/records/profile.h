@@ -27,7 +27,7 @@ struct ProfileDescription {
     std::span<const Default> defaults;     // of a new one
 };
 
-// The kinds, with the fields behind the head.
+// The kinds, with the fields after the head.
 namespace management_profile {
 inline constexpr std::size_t size = 604;
 inline constexpr RecordKind layout{size};

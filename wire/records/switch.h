@@ -59,7 +59,7 @@ inline constexpr int queues = 7;
 inline constexpr Field value_0 = layout.u8(0);
 inline constexpr Field value_64 = layout.u8(64);
 inline constexpr Field flag_65 = layout.u8(65);
-// Which code points (bit d of 64), respectively priorities (bit p of 8), a queue takes.
+// Which code points (bit d of 64) and which priorities (bit p of 8) a queue takes.
 constexpr Field dscp_mask(int queue) {
     return layout.u64(1).at(queue, 8);
 }
@@ -113,8 +113,8 @@ inline constexpr int group_bit = 2;  // the port is a port group
 inline constexpr Field vlan = layout.u16(2);
 inline constexpr Field mac = layout.octets(4, 6);
 
-// An answer carries a part of the table: count and cursor for the next part in front, and behind room for
-// the most entries a byte that marks the last part.
+// An answer carries a part of the table: count and cursor for the next part in front; a byte after the
+// room for the most entries marks the last part.
 inline constexpr int max_entries_per_part = 128;
 inline constexpr std::size_t part_count = 32;
 inline constexpr std::size_t part_cursor = 36;

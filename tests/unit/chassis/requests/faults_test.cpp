@@ -54,7 +54,7 @@ TEST(Faults, SpoiltAnswers) {
     EXPECT_EQ(test.payload(0, 73, "01").substr(0, 12), "01ffffffff54");
     EXPECT_EQ(test.payload(0, 305, zeros(13)).substr(0, 30), zeros(13) + "ff00");
     EXPECT_EQ(test.payload(0, 313, "01"), "010200");
-    // An image counts its compressed bytes behind them.
+    // An image counts its compressed bytes after them.
     EXPECT_EQ(load_le32(test.send(0, 302, "", 5).bytes.data() + 1024032), 0xFFFFFFFF);
 
     faults.add({.kind = FaultKind::status, .value = 5});

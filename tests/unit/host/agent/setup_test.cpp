@@ -154,7 +154,7 @@ class Configuration : public SetUpFiles {
         (void)netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, path.c_str());
         return read_directives(settings, [] { init_snmp("tarn-test"); });
     }
-    // net-snmp reads its files once, until it is shut down: behind the log, which it would free.
+    // net-snmp reads its files once, until it is shut down: after the log, which it would free.
     struct NetSnmp {
         ~NetSnmp() { snmp_shutdown("tarn-test"); }
     } net_snmp;

@@ -143,7 +143,7 @@ inline constexpr TableCallbacks iterator_callbacks{.next_index = fake_next_index
 inline constexpr TableCallbacks nextgen_callbacks{.get_next_entry = fake_get_next_entry,
                                                   .table_handler_nextgen = fake_table_handler_nextgen};
 
-// Chains the rows, given by their indices, in this order behind the bare table OID.
+// Chains the rows, given by their indices, in this order after the bare table OID.
 inline void set_successors(const std::vector<std::vector<oid>> &suffixes) {
     std::vector<oid> previous = table_root;
     for (const std::vector<oid> &suffix : suffixes) {

@@ -183,7 +183,7 @@ TEST_F(TableTest, GetBulkAnswersAllRepetitionsAndSeveralVariables) {
     EXPECT_EQ(pdu.name(0, 2), instance(5, {4, 2}));
     EXPECT_EQ(pdu.name(0, 3), instance(5, {4, 8}));
     EXPECT_EQ(*pdu.binding(0, 3)->val.integer, 508);
-    EXPECT_EQ(pdu.binding(1)->type, ASN_NULL) << "behind the last row: for the next table";
+    EXPECT_EQ(pdu.binding(1)->type, ASN_NULL) << "after the last row: for the next table";
     EXPECT_EQ(pdu.name(1), instance(5, {4, 8}));
     EXPECT_EQ(pdu.binding(2)->type, ASN_NULL);
     EXPECT_EQ(std::count(fake.calls.begin(), fake.calls.end(), "get 5.4.8 row"), 1);

@@ -406,7 +406,7 @@ TEST_F(ConfigStoreTest, SpreadsTheTerminalVlansUpToTheFirstFailure) {
     EXPECT_EQ(board.sent[1].slot(), 3);
     EXPECT_EQ(board.sent[2].slot(), 3);
     Bytes expected(847, 0xAA);
-    std::copy_n("uplink", 7, expected.begin() + 15 + 5);  // what stood behind the NUL stays
+    std::copy_n("uplink", 7, expected.begin() + 15 + 5);  // what stood after the NUL stays
     for (int entry = 1; entry < 32; ++entry) {
         std::uint8_t *vlan = &expected[static_cast<std::size_t>(15 + 26 * entry)];
         vlan[4] = 0;

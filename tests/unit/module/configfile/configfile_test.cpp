@@ -72,7 +72,7 @@ TEST_F(ConfigFileTest, WritesTheWholeFileOrLeavesItAlone) {
          [](const char *f) { return cf_SetParam(f, "C", "3", NULL); }, 0, "A=1\nC=3\n"},
         {"a seventeenth name is dropped without an error", numbered_lines(16),
          [](const char *f) { return cf_SetParam(f, "new", "x", NULL); }, 0, numbered_lines(16)},
-        {"pairs behind a dropped one are dropped too", numbered_lines(16),
+        {"pairs after a dropped one are dropped too", numbered_lines(16),
          [](const char *f) { return cf_SetParam(f, "n1", "one", "new", "x", "n2", "two", NULL); }, 0,
          "n1=one\n" + numbered_lines(16).substr(5)},
         {"a file of seventeen names keeps sixteen", numbered_lines(17),

@@ -87,7 +87,7 @@ TEST_F(AutoUpdateTest, LoadsTheFileAndLoadsItAgainAfterADelete) {
     reload();
     EXPECT_EQ(keys(), "ABC");
     EXPECT_EQ(board.log.back(), "3 get_ont_auto_update_entries : unable to parse string : A||c|d|global\n\n");
-    const std::string wide = "|b|c|d|" + std::string(4082, 'g') + "\n";  // behind a one-letter key 4091 bytes
+    const std::string wide = "|b|c|d|" + std::string(4082, 'g') + "\n";  // after a one-letter key 4091 bytes
     write(path, "A" + wide + "fills up" + wide + "B|b|c|d|disable\nC|b|c|d|global\n");
     reload();
     EXPECT_EQ(keys(), "ABC");

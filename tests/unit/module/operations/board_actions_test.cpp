@@ -1,4 +1,4 @@
-// The requests of the board actions, byte by byte behind the stamped header.
+// The requests of the board actions, byte by byte after the stamped header.
 #include "module/operations/board_actions.h"
 
 #include <functional>

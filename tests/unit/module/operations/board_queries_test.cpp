@@ -12,7 +12,7 @@
 
 namespace {
 
-// Eight channel records behind the selector byte; byte b of channel c is 16 c + b modulo 256.
+// Eight channel records after the selector byte; byte b of channel c is 16 c + b modulo 256.
 Bytes channel_records(std::uint8_t added = 0) {
     Bytes payload(1 + 8 * 69);
     payload[0] = 255;
@@ -159,7 +159,7 @@ TEST_F(BoardQueriesTest, LookupsEndAtTheFirstFreePosition) {
     EXPECT_EQ(get_ont_state_id_by_serial(2, serial("BBBB1111")), 0);
     EXPECT_EQ(get_ont_state_id_by_serial(2, serial("\0\0\0\0\0\0\0\0")), 1);
     EXPECT_EQ(get_ont_state_id_by_serial(2, serial("AAAA1111")), 65535);
-    // ... but the record lookup goes on behind it
+    // ... but the record lookup goes on after it
     const std::uint8_t *record = get_all_ont_state_list_by_serial(2, serial("AAAA1111"));
     EXPECT_EQ(record, tarn::slot_sections<tarn::OntSections>(2)->ont_list[2].data());
     EXPECT_EQ(get_all_ont_state_list_by_serial(2, serial("ZZZZ1111")), nullptr);

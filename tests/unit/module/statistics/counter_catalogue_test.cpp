@@ -17,7 +17,7 @@ std::string long_name(int module, int direction, int index) {
     return name != nullptr ? name : "(null)";
 }
 
-// The position behind the last counter, found through the names.
+// The position after the last counter, found through the names.
 int length_of(int module, int direction) {
     int length = 0;
     while (gpon_stat_common_get_shortname(module, direction, length) != nullptr) {

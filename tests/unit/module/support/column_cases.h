@@ -17,7 +17,7 @@ struct ColumnCase {
     long value = 0x11223344;  // to SET, of a number; its low bytes are stored
 };
 
-// Shorthands: a number of `size` bytes read as INTEGER, respectively Unsigned32.
+// Shorthands: a number of `size` bytes read as INTEGER and as Unsigned32.
 constexpr ColumnCase number(int column, std::size_t offset, std::size_t size, long value = 0x11223344) {
     return {column, ASN_INTEGER, offset, size, ColumnCase::unsigned_number, value};
 }

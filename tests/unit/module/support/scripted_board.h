@@ -54,13 +54,13 @@ struct ScriptedBoard {
     // Waits until a download has reported its end.
     void wait_for_traps(std::size_t count);
 
-    // Answers a command always with the same payload, behind a header with status 0 and the true length.
+    // Answers a command always with the same payload, after a header with status 0 and the true length.
     void answer(int command, const Bytes &payload);
-    // ... with an error status, respectively not at all (transport result -1).
+    // ... with an error status, or not at all (transport result -1).
     void refuse(int command, int status);
     void silence(int command);
     [[nodiscard]] int count(int command) const;
-    // The request's bytes behind the header.
+    // The request's bytes after the header.
     [[nodiscard]] Bytes payload_of(std::size_t request) const;
     [[nodiscard]] Bytes last_payload() const { return payload_of(sent.size() - 1); }
     [[nodiscard]] bool logged(const std::string &line) const;

@@ -90,7 +90,7 @@ TEST_F(SwitchVlansTest, ABlockReadKeepsWhatIsCachedAndForgetsWhatIsGone) {
     ASSERT_NE(vlans[1], nullptr);
     EXPECT_EQ(vlans[1][83], 'b');
     EXPECT_EQ(vlans[2], nullptr);
-    EXPECT_EQ(asked_first(board.sent[1]), 3);  // goes on behind what came
+    EXPECT_EQ(asked_first(board.sent[1]), 3);  // goes on after what came
 
     board.answer(0xB3, numbered(0, vlan('z')));
     EXPECT_EQ((*get_switch_vlan(slot, 1))[83], 'z');  // a single read does refresh

@@ -146,7 +146,7 @@ TEST_F(OntConfigTablesTest, ReadsEveryColumnOfTheConfiguration) {
     expect_reads(config_columns, record, [](int column) { return config(column); });
     expect_readings([&](int column) { return config(column); }, is_unsigned(1, 4), is_octets(2, serial_a),
                     is_number(3, 5), is_number(4, 7), is_number(20, 1), is_number(21, 2), is_number(33, 2));
-    EXPECT_EQ(config(3, serial_b).integer, 8);  // one of the records behind the last channel
+    EXPECT_EQ(config(3, serial_b).integer, 8);  // one of the records after the last channel
     for (const int gap : {5, 10, 34, 36, 42, 44}) {
         EXPECT_EQ(config(gap).error, SNMP_NOSUCHOBJECT) << gap;
     }

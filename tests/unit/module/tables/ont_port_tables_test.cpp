@@ -70,7 +70,7 @@ TEST_F(OntPortTablesTest, WorkingOntsHaveFourPorts) {
     EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001")), port_rows[0]);
     EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001", {0})), port_rows[0]);
     EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "AAAA0001", {4294967295})), port_rows[4]);
-    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "BBBB0001", {2})), port_rows[4]);  // not working: behind it
+    EXPECT_EQ(next_port(ont_oid(ports, 5, 3, "BBBB0001", {2})), port_rows[4]);  // not working: after it
     EXPECT_TRUE(next_port(port_rows[7]).empty());
     EXPECT_EQ(board.sent.size(), 1U);
     board.link[2] = false;

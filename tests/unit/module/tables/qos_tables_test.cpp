@@ -131,7 +131,7 @@ TEST_F(QosTablesTest, AQueueThatIsWrittenTakesItsTrafficFromTheOthers) {
         EXPECT_EQ(set(3, octets_value(m.written)), 0);
         ASSERT_EQ(board.sent.size(), 1U);
         const Bytes section = sent();
-        EXPECT_EQ(get_switch_qos_cfg(slot)[m.octets == 8 ? 151 : 150], 2);  // behind the section
+        EXPECT_EQ(get_switch_qos_cfg(slot)[m.octets == 8 ? 151 : 150], 2);  // after the section
         EXPECT_EQ(section[m.at + 2 * m.octets], m.stored);
         EXPECT_EQ(section[m.at] & m.stored, 0);  // queue 0 had it
         if (m.octets == 8) {

@@ -86,7 +86,7 @@ class SwitchVlanTablesTest : public Started<ModuleTest, 0, slot> {
         return set_nextgen(tarnSwitchVLANTable_table_handler_nextgen, slot,
                            vlan_name(static_cast<oid>(column), index), value);
     }
-    // The record that was sent last, behind its number.
+    // The record that was sent last, after its number.
     static Bytes sent_vlan() {
         Bytes sent = board.last_payload();
         EXPECT_EQ(board.sent.back().command(), 0xC3);
