@@ -7,18 +7,6 @@
 #include "wire/records/olt.h"
 
 namespace tarn::chassis {
-namespace {
-
-template <std::size_t size>
-void put_texts(RecordBytes<size> &record, std::size_t text_size, const std::string (&texts)[identity_texts]) {
-    for (std::size_t i = 0; i < identity_texts; ++i) {
-        put(record, text_at(static_cast<std::uint16_t>(i * text_size), static_cast<std::uint16_t>(text_size)),
-            texts[i]);
-    }
-}
-
-}  // namespace
-
 Identity make_identity(std::uint64_t seed, int slot) {
     Generator generator(seed, slot, "identity", 0);
     const std::int64_t release = generator.between(1, 9);
@@ -44,10 +32,15 @@ Identity make_identity(std::uint64_t seed, int slot) {
         put(identity.olt, olt_state::word(n), words[n]);
     }
     const std::string minor = std::to_string(release);
-    put_texts(identity.versions, version_text_size, {"3.38.1", "1." + minor, "2.0." + minor, "0." + minor});
-    put_texts(identity.hardware, hardware_text_size,
-              {"TARN-LC8", "LC" + std::to_string(generator.between(100000, 999999)), "rev " + minor,
-               "slot " + std::to_string(slot)});
+    put(identity.versions, board_versions::software, "3.38.1");
+    put(identity.versions, board_versions::boot_loader, "1." + minor);
+    put(identity.versions, board_versions::kernel, "2.0." + minor);
+    put(identity.versions, board_versions::logic, "0." + minor);
+    put(identity.hardware, board_hardware::type, "TARN-LC8");
+    put(identity.hardware, board_hardware::serial_number,
+        "LC" + std::to_string(generator.between(100000, 999999)));
+    put(identity.hardware, board_hardware::revision, "rev " + minor);
+    put(identity.hardware, board_hardware::place, "slot " + std::to_string(slot + 1));
     return identity;
 }
 

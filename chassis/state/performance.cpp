@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "chassis/state/generator.h"
+#include "chassis/state/multicast.h"
 
 namespace tarn::chassis {
 namespace {
@@ -14,7 +15,33 @@ struct CounterModule {
     int values;
     std::int64_t per_interval;  // the most that a counter counts in one interval
     bool in_intervals = true;
+    // Instead: what is so at the moment.
+    std::vector<std::uint32_t> (*now)(Card &card, const Ont &ont, std::uint32_t key, Moment now) = nullptr;
 };
+
+// kbit/s, joins, how often there was too little bandwidth, groups.
+std::vector<std::uint32_t> multicast(Card &card, const Ont &ont, std::uint32_t /*key*/, Moment now) {
+    std::uint32_t bandwidth = 0;
+    std::uint32_t joins = 0;
+    const std::vector<JoinedGroup> groups = joined_groups(card, ont, now);
+    for (const JoinedGroup &group : groups) {
+        bandwidth += group.bandwidth;
+        joins += group.joins;
+    }
+    return {bandwidth, joins, 0, static_cast<std::uint32_t>(groups.size())};
+}
+
+// Client, group, source, seconds since it was joined, VLAN, kbit/s; zeros where there is no group.
+std::vector<std::uint32_t> multicast_group(Card &card, const Ont &ont, std::uint32_t key, Moment now) {
+    const std::vector<JoinedGroup> groups = joined_groups(card, ont, now);
+    if (key >= groups.size()) {
+        return std::vector<std::uint32_t>(6, 0);
+    }
+    const JoinedGroup &group = groups[key];
+    return {group.client, group.group,
+            group.source, static_cast<std::uint32_t>((now - group.joined) / 1000),
+            group.vlan,   group.bandwidth};
+}
 
 // The counters that the agent's tables ask for.
 constexpr CounterModule modules[] = {
@@ -27,6 +54,8 @@ constexpr CounterModule modules[] = {
     {7, counter_direction::none, 4, 15, 500000},
     {8, counter_direction::none, 16, 2, 20},
     {9, counter_direction::none, 1, 6, 900},
+    {13, counter_direction::none, 1, 4, 0, false, multicast},
+    {14, counter_direction::none, 16, 6, 0, false, multicast_group},
     {15, counter_direction::down, 5, 15, 800000},
     {15, counter_direction::up, 5, 15, 300000},
 };
@@ -60,9 +89,12 @@ bool has_counters(const CounterSelection &selection) {
     return find_module(selection) != nullptr;
 }
 
-std::vector<std::uint32_t> counter_values(const Card &card, const Ont &ont, const CounterSelection &selection,
+std::vector<std::uint32_t> counter_values(Card &card, const Ont &ont, const CounterSelection &selection,
                                           Moment now) {
     const CounterModule &module = *find_module(selection);
+    if (module.now != nullptr) {
+        return module.now(card, ont, selection.key, now);
+    }
     std::vector<std::uint32_t> values(static_cast<std::size_t>(module.values), 0);
     const std::uint64_t finished = now / interval_ms;
     const std::uint64_t shown = module.in_intervals ? finished - 1 : 0;

@@ -30,7 +30,7 @@ struct CounterSelection {
 // Whether ONTs have these counters, and the key is one of theirs.
 bool has_counters(const CounterSelection &selection);
 // Their values in the order of the counter catalogue.
-std::vector<std::uint32_t> counter_values(const Card &card, const Ont &ont, const CounterSelection &selection,
+std::vector<std::uint32_t> counter_values(Card &card, const Ont &ont, const CounterSelection &selection,
                                           Moment now);
 
 }  // namespace tarn::chassis

@@ -27,6 +27,8 @@ struct CounterSections {
     CounterSection<16, 6> crossconnect_counters_us;
     CounterSection<5, 15> ethernet_frame_counters_ds;
     CounterSection<5, 15> ethernet_frame_counters_us;
+    CounterSection<1, 4> multicast_counters;
+    CounterSection<16, 6> multicast_groups;
 };
 
 }  // namespace tarn

@@ -1,5 +1,5 @@
 // The tables of ONT performance monitoring: one row a counter, indexed by ONT, a key (an Ethernet port, a GEM
-// port or a cross-connect) and the counter's position. They are one table, described nine times.
+// port or a cross-connect) and the counter's position. They are one table, described eleven times.
 #ifndef TARN_MODULE_TABLES_TARNONT_TARNONTSTATISTICS_COUNTER_TABLE_H
 #define TARN_MODULE_TABLES_TARNONT_TARNONTSTATISTICS_COUNTER_TABLE_H
 

@@ -197,6 +197,47 @@ TEST(Performance, HasAsManyValuesAsTheModuleHasCounters) {
     }
 }
 
+// What an ONT counts in all is the sum of its groups'.
+TEST(Performance, ClientsWatchMulticastGroups) {
+    TestChassis test;
+    std::uint32_t most_groups = 0;
+    std::uint32_t joins = 0;
+    for (int minute = 0; minute < 120; ++minute, test.clock_ms += 60000) {
+        for (const char *ont : {"00", "01"}) {
+            const auto read = [&](const char *module, const std::string &key) {
+                const Bytes answer =
+                    test.send(0, 66, module + ("00030000" + key) + zeros(3) + ont + zeros(8)).bytes;
+                std::vector<std::uint32_t> values;
+                for (std::size_t i = 33; i + 4 <= answer.size(); i += 4) {
+                    values.push_back(load_le32(answer.data() + i));
+                }
+                return values;
+            };
+            const auto all = read("0d", "00");
+            if (all.empty()) {
+                continue;  // it does not work
+            }
+            ASSERT_EQ(all.size(), 4U);
+            std::uint32_t bandwidth = 0;
+            for (std::uint32_t group = 0; group < 16; ++group) {
+                const auto values = read("0e", {"0123456789abcdef"[0], "0123456789abcdef"[group]});
+                ASSERT_EQ(values.size(), 6U);
+                EXPECT_EQ(values[1] >> 16U, group < all[3] ? 0xEF01U : 0U) << "239.1.0.0/16";
+                EXPECT_EQ(values[4], group < all[3] ? 1U : 0U) << "the card's first VLAN";
+                EXPECT_LT(values[3], 3600U);
+                bandwidth += values[5];
+            }
+            EXPECT_EQ(all[0], bandwidth);
+            most_groups = std::max(most_groups, all[3]);
+            if (std::string(ont) == "00") {
+                EXPECT_GE(all[1], joins);
+                joins = all[1];
+            }
+        }
+    }
+    EXPECT_GT(most_groups, 0U);
+}
+
 TEST(Performance, RefusesWhatItDoesNotHave) {
     TestChassis test;
     EXPECT_EQ(test.status(0, 66, "0400030000" + zeros(13)), 2);                   // module

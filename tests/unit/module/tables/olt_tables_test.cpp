@@ -3,12 +3,12 @@
 #include "support/onts.h"
 
 extern "C" {
-next_index_function tarnOLTStateTable_next_index, tarnSyncCountersTable_next_index,
-    tarnOLTResetCountersTable_next_index, tarnONTResetCountersTable_next_index,
-    tarnONTMulticastGroupsTable_next_index;
-module_handler_function tarnOLTStateTable_module_handler, tarnSyncCountersTable_module_handler,
-    tarnOLTResetCountersTable_module_handler, tarnONTResetCountersTable_module_handler,
-    tarnONTMulticastGroupsTable_module_handler;
+next_index_function tarnOLTStateTable_next_index, tarnBoardStateTable_next_index,
+    tarnSyncCountersTable_next_index, tarnOLTResetCountersTable_next_index,
+    tarnONTResetCountersTable_next_index, tarnONTMulticastGroupsTable_next_index;
+module_handler_function tarnOLTStateTable_module_handler, tarnBoardStateTable_module_handler,
+    tarnSyncCountersTable_module_handler, tarnOLTResetCountersTable_module_handler,
+    tarnONTResetCountersTable_module_handler, tarnONTMulticastGroupsTable_module_handler;
 }
 extern std::uint32_t dummy;
 
@@ -58,6 +58,34 @@ TEST_F(OltTablesTest, OltStatePrintsNegativeWordsAsWideNumbers) {
     EXPECT_EQ(get(tarnOLTStateTable_module_handler, 2).octets, "4294967295.4294934528.32767");
     EXPECT_EQ(get(tarnOLTStateTable_module_handler, 4).octets, "FFFFFFFF.FFFF8000");
     EXPECT_EQ(get(tarnOLTStateTable_module_handler, 6).octets, "FFFF8000.0");
+}
+
+// Texts at 0, 32, 64, 96 and at 0, 16, 32, 48.
+TEST_F(OltTablesTest, BoardStateShowsTheTextsOfTwoRecords) {
+    const auto handler = tarnBoardStateTable_module_handler;
+    const auto texts = [](std::size_t size, std::initializer_list<std::string> parts) {
+        Bytes record;
+        for (std::string part : parts) {
+            part.resize(size);
+            record.insert(record.end(), part.begin(), part.end());
+        }
+        return record;
+    };
+    const std::string full(32, 'x');
+    board.answer(413, texts(32, {"TARN-LC8", "LC100001", full, "slot 3"}));
+    board.answer(412, texts(16, {"3.38.1", "1.2", "2.0.2", "0123456789abcdef"}));
+    expect_readings([&](int column) { return get(handler, column); }, is_unsigned(1, 3),
+                    is_octets(2, "TARN-LC8"), is_octets(3, "LC100001"), is_octets(4, full),
+                    is_octets(5, "slot 3"), is_octets(6, "3.38.1"), is_octets(7, "1.2"),
+                    is_octets(8, "2.0.2"), is_octets(9, "0123456789abcdef"), is_number(10, 1));
+    EXPECT_EQ(board.count(413), 1);
+    EXPECT_EQ(board.count(412), 1);
+    EXPECT_EQ(get(handler, 11).integer, 1);
+    EXPECT_EQ(get(handler, 12).error, SNMP_NOSUCHOBJECT);
+    EXPECT_EQ(get(handler, 2, {5}).error, SNMP_NOSUCHINSTANCE) << "no database, so no record";
+    EXPECT_EQ(set(handler, 2, octets_value("mine")), SNMP_ERR_NOTWRITABLE);
+    board.link[2] = false;
+    EXPECT_EQ(get(handler, 10).integer, 2);
 }
 
 TEST_F(OltTablesTest, OltIsReconfiguredByExactlyOne) {
