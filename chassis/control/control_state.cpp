@@ -256,19 +256,24 @@ void set_addresses(Card &card, Moment, const Json &request) {
     card.addresses = make_addresses(card.seed, card.slot, card.onts, static_cast<int>(count));
 }
 
-void set_sessions(Card &card, Moment, const Json &request) {
+void make_sessions(Card &card, std::size_t count, Moment now) {
+    const auto vlans = static_cast<int>(card.config.running(now).ethernet_switch.vlans.size());
+    card.pppoe_sessions =
+        make_pppoe_sessions(card.seed, card.slot, card.onts, static_cast<int>(count), vlans);
+}
+
+void set_sessions(Card &card, Moment now, const Json &request) {
     const std::int64_t count = value(request, max_pppoe_sessions);
     need_onts(card, count);
-    card.pppoe_sessions = make_pppoe_sessions(card.seed, card.slot, card.onts, static_cast<int>(count));
+    make_sessions(card, static_cast<std::size_t>(count), now);
 }
 
 // New ONTs, and the addresses and sessions behind them: as many as before, none without ONTs.
-void set_onts(Card &card, Moment, const Json &request) {
+void set_onts(Card &card, Moment now, const Json &request) {
     card.onts = make_onts(card.seed, card.slot, spread_onts(static_cast<int>(value(request, max_onts))),
                           card.start_time);
     card.addresses = make_addresses(card.seed, card.slot, card.onts, static_cast<int>(card.addresses.size()));
-    card.pppoe_sessions =
-        make_pppoe_sessions(card.seed, card.slot, card.onts, static_cast<int>(card.pppoe_sessions.size()));
+    make_sessions(card, card.pppoe_sessions.size(), now);
 }
 
 void set_ont_code(Card &card, Moment, const Json &request) {

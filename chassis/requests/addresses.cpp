@@ -19,13 +19,20 @@ void get_addresses(Exchange &exchange, std::uint8_t selector) {
     store_le16(exchange.answer.data() + payload + 1, count);
 }
 
-// 16-bit count, entries; the selector is not repeated.
+// 16-bit count, entries; the selector is not repeated. The sessions of an ONT that does not work are not
+// there.
 void get_sessions(Exchange &exchange, std::uint8_t selector) {
     std::uint16_t count = 0;
     exchange.answer.resize(exchange.answer.size() + sizeof count);
     for (const PppoeSession &session : exchange.card.pppoe_sessions) {
-        if (selects(selector, session.channel)) {
-            append(exchange.answer, session.record);
+        const Ont *ont = find_ont(exchange.card.onts, session.channel, session.ont_id);
+        if (selects(selector, session.channel) && ont != nullptr &&
+            ont->code_at(exchange.now) == ont_code::working) {
+            auto record = session.record;
+            put(record, pppoe_session::duration,
+                load_integer(record.data(), pppoe_session::duration) +
+                    static_cast<std::int64_t>(exchange.now / 1000));
+            append(exchange.answer, record);
             ++count;
         }
     }

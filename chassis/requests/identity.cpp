@@ -7,7 +7,7 @@
 namespace tarn::chassis {
 namespace {
 
-constexpr std::size_t ber_size = 22;
+constexpr Moment bits_a_ms = 2'488'320;  // of the line downstream
 constexpr std::size_t utilization_block_size = 256;
 constexpr int services_per_ont = 16;
 
@@ -23,10 +23,11 @@ Refusal get_hardware(Exchange &exchange) {
 
 // The serial, then error and bit counts since the ONT's counters were cleared.
 void get_ber(Exchange &exchange, Ont &ont) {
-    RecordBytes<ber_size> record{};
-    std::ranges::copy(ont.serial, record.begin());
-    store_le32(record.data() + 8, static_cast<std::uint32_t>(ont.errors.value(exchange.now)));
-    store_le64(record.data() + 12, exchange.now - ont.errors.since);
+    RecordBytes<ont_downstream_ber::size> record{};
+    std::ranges::copy(ont.serial, record.begin() + ont_downstream_ber::serial.offset);
+    put(record, ont_downstream_ber::errors, static_cast<std::int64_t>(ont.errors.value(exchange.now)));
+    put(record, ont_downstream_ber::bits,
+        static_cast<std::int64_t>((exchange.now - ont.errors.since) * bits_a_ms));
     append(exchange.answer, record);
 }
 

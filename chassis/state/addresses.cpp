@@ -1,6 +1,7 @@
 #include "chassis/state/addresses.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "chassis/state/generator.h"
 #include "wire/records/address.h"
@@ -52,22 +53,28 @@ std::vector<AddressEntry> make_addresses(std::uint64_t seed, int slot, const std
 }
 
 std::vector<PppoeSession> make_pppoe_sessions(std::uint64_t seed, int slot, const std::vector<Ont> &onts,
-                                              int count) {
-    if (onts.empty()) {
+                                              int count, int vlans) {
+    std::vector<Ont> working;
+    std::ranges::copy_if(onts, std::back_inserter(working),
+                         [](const Ont &ont) { return ont.code_at(0) == ont_code::working; });
+    if (working.empty()) {
         return {};
     }
     std::vector<PppoeSession> sessions(static_cast<std::size_t>(count));
     for (std::size_t i = 0; i < sessions.size(); ++i) {
         Generator generator(seed, slot, "pppoe", i);
-        const Ont &ont = choose(onts, generator);
+        const Ont &ont = choose(working, generator);
         sessions[i].channel = ont.channel;
-        std::uint8_t *record = sessions[i].record.data();
-        std::ranges::copy(ont.serial, record);
-        record[8] = ont.channel;
-        store_le32(record + 9, ont.id);
-        put_mac(record + 13, slot, generator.bits());
-        store_le16(record + 19, static_cast<std::uint16_t>(i + 1));
-        store_le32(record + 21, static_cast<std::uint32_t>(generator.between(1, 86400)));
+        sessions[i].ont_id = ont.id;
+        auto &record = sessions[i].record;
+        std::ranges::copy(ont.serial, record.begin() + pppoe_session::serial.offset);
+        put(record, pppoe_session::channel, ont.channel);
+        put(record, pppoe_session::ont_id, ont.id);
+        put_mac(record.data() + pppoe_session::client_mac.offset, slot, generator.bits());
+        put(record, pppoe_session::session_id, static_cast<std::int64_t>(i + 1));
+        put(record, pppoe_session::duration, generator.between(1, 86400));
+        put(record, pppoe_session::vlan, generator.between(1, std::max(vlans, 1)));
+        put(record, pppoe_session::service, generator.between(1, 4));
     }
     return sessions;
 }

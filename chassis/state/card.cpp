@@ -14,7 +14,8 @@ Card make_card(const Scenario &scenario, int slot, const CardPlan &plan) {
     card.channels = make_channels(scenario.seed, slot);
     card.onts = make_onts(scenario.seed, slot, plan.onts_per_channel, scenario.start_time);
     card.addresses = make_addresses(scenario.seed, slot, card.onts, plan.addresses);
-    card.pppoe_sessions = make_pppoe_sessions(scenario.seed, slot, card.onts, plan.pppoe_sessions);
+    card.pppoe_sessions =
+        make_pppoe_sessions(scenario.seed, slot, card.onts, plan.pppoe_sessions, plan.vlans);
     card.config = StagedConfig({make_switch_config(scenario.seed, slot, plan.vlans),
                                 make_provisioning(scenario.seed, slot, card.onts, scenario.profiles)},
                                static_cast<Moment>(scenario.confirm_seconds) * 1000);

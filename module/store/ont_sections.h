@@ -15,7 +15,7 @@ struct OntSections {
     Sections<ont_state::size, max_onts> ont_states;
     Sections<ont_uni_ports::size, max_onts> ont_uni_ports;
     Sections<ont_i2c::size, max_onts> ont_i2c;
-    Sections<22, max_onts> ont_downstream_ber;
+    Sections<ont_downstream_ber::size, max_onts> ont_downstream_ber;
     std::array<std::uint8_t, serial_size> services_utilization_serial;  // whose figures follow
     Section<512> ont_services_utilization;
     std::array<std::uint8_t, serial_size> connections_serial;

@@ -30,8 +30,16 @@ static_assert(value_35.offset + value_35.size == size);
 }  // namespace ont_address
 
 namespace pppoe_session {
-inline constexpr std::size_t size = 31;  // opaque here
+inline constexpr std::size_t size = 31;  // the last three bytes are zero
 inline constexpr RecordKind layout{size};
+inline constexpr Field serial = layout.octets(0, serial_size);
+inline constexpr Field channel = layout.u8(8);
+inline constexpr Field ont_id = layout.u32(9);
+inline constexpr Field client_mac = layout.octets(13, 6);
+inline constexpr Field session_id = layout.u16(19);
+inline constexpr Field duration = layout.u32(21);  // seconds
+inline constexpr Field vlan = layout.u16(25);
+inline constexpr Field service = layout.u8(27);
 }  // namespace pppoe_session
 
 }  // namespace tarn

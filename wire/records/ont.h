@@ -92,6 +92,15 @@ inline constexpr Field last_state = layout.u8(head_size + 90);
 static_assert(last_state.offset + (max_entries - 1) * entry_size < static_cast<int>(size));
 }  // namespace ont_connections
 
+// Bit errors of the downstream signal that an ONT counted.
+namespace ont_downstream_ber {
+inline constexpr std::size_t size = 22;  // the last two bytes are zero
+inline constexpr RecordKind layout{size};
+inline constexpr Field serial = layout.octets(0, serial_size);
+inline constexpr Field errors = layout.u32(8);
+inline constexpr Field bits = layout.u64(12);
+}  // namespace ont_downstream_ber
+
 }  // namespace tarn
 
 #endif

@@ -136,10 +136,16 @@ TEST(Answers, AddressTableAndSessions) {
     EXPECT_EQ(test.payload(0, 80, "01" + zeros(14)), "010100" + entry_1);
     EXPECT_EQ(test.payload(5, 80, "ff" + zeros(14)), "ff0000");
 
+    card.pppoe_sessions[0].channel = card.onts[0].channel;
+    card.pppoe_sessions[0].ont_id = card.onts[0].id;
     card.pppoe_sessions[0].record.fill(0x31);
     EXPECT_EQ(test.payload(0, 205, "ff"),
               "0100"
               "31313131313131313131313131313131313131313131313131313131313131");
+    test.clock_ms = 3000;  // lasts three seconds longer
+    EXPECT_EQ(test.payload(0, 205, "ff").substr(2 * (2 + 21), 8), "34313131");
+    card.onts[0].code = 11;
+    EXPECT_EQ(test.payload(0, 205, "ff"), "0000") << "its ONT is lost";
     EXPECT_EQ(test.payload(5, 205, "ff"), "0000");
     EXPECT_EQ(test.payload(0, 79, "ff"), "0000");
 }
@@ -180,7 +186,8 @@ TEST(Answers, IdentityBerAndUtilization) {
     card.onts[0].errors = {.per_second = 2, .base = 0, .since = 1000};
     test.clock_ms = 4000;
     EXPECT_EQ(test.payload(0, 277, "5441524e000000010000000000"),
-              "5441524e0000000106000000b80b0000000000000000");
+              "5441524e00000001060000000040f2bc010000000000")
+        << "3 s at 2,488,320 kbit/s";
     const std::string sample = test.payload(0, 450, "5441524e000000010000000000");
     EXPECT_EQ(sample.size(), 2 * 512U);
     EXPECT_EQ(test.payload(0, 450, "5441524e000000010000000000"), sample);
