@@ -8,8 +8,6 @@ namespace tarn::chassis {
 namespace {
 
 constexpr Moment bits_a_ms = 2'488'320;  // of the line downstream
-constexpr std::size_t utilization_block_size = 256;
-constexpr int services_per_ont = 16;
 
 Refusal get_versions(Exchange &exchange) {
     append(exchange.answer, exchange.card.identity.versions);
@@ -33,15 +31,14 @@ void get_ber(Exchange &exchange, Ont &ont) {
 
 // Two blocks, downstream and upstream: the rate of each service in kbit/s, 32 bits each.
 void get_utilization(Exchange &exchange, Ont &ont) {
-    RecordBytes<2 * utilization_block_size> blocks{};
+    RecordBytes<ont_services_utilization::size> blocks{};
     const bool working = ont.code_at(exchange.now) == ont_code::working;
-    for (std::size_t block = 0; working && block < 2; ++block) {
+    for (const Field &block : {ont_services_utilization::downstream, ont_services_utilization::upstream}) {
         // A new sample every second of chassis time.
         Generator generator(exchange.card.seed, exchange.card.slot, "utilization",
-                            exchange.now / 1000 * 2 + block + load_le32(ont.serial.data() + 4));
-        for (std::size_t service = 0; service < services_per_ont; ++service) {
-            store_le32(blocks.data() + block * utilization_block_size + 4 * service,
-                       static_cast<std::uint32_t>(generator.between(0, 100000)));
+                            exchange.now / 1000 * 512 + block.offset + load_le32(ont.serial.data() + 4));
+        for (int service = 0; working && service < ont_services_utilization::services; ++service) {
+            put(blocks, block.at(service, ont_services_utilization::stride), generator.between(0, 100000));
         }
     }
     append(exchange.answer, blocks);

@@ -17,7 +17,7 @@ struct OntSections {
     Sections<ont_i2c::size, max_onts> ont_i2c;
     Sections<ont_downstream_ber::size, max_onts> ont_downstream_ber;
     std::array<std::uint8_t, serial_size> services_utilization_serial;  // whose figures follow
-    Section<512> ont_services_utilization;
+    Section<ont_services_utilization::size> ont_services_utilization;
     std::array<std::uint8_t, serial_size> connections_serial;
     std::uint8_t connections_count;
     Section<ont_connections::size> connections;

@@ -92,6 +92,17 @@ inline constexpr Field last_state = layout.u8(head_size + 90);
 static_assert(last_state.offset + (max_entries - 1) * entry_size < static_cast<int>(size));
 }  // namespace ont_connections
 
+// What the services of an ONT carry at the moment, kbit/s; the fields of service 0, those of the others 4
+// bytes further each.
+namespace ont_services_utilization {
+inline constexpr std::size_t size = 512;
+inline constexpr int services = 16;
+inline constexpr std::size_t stride = 4;
+inline constexpr RecordKind layout{size};
+inline constexpr Field downstream = layout.u32(0);
+inline constexpr Field upstream = layout.u32(256);
+}  // namespace ont_services_utilization
+
 // Bit errors of the downstream signal that an ONT counted.
 namespace ont_downstream_ber {
 inline constexpr std::size_t size = 22;  // the last two bytes are zero

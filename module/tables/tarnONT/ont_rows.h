@@ -38,6 +38,30 @@ struct ListedOnts {
     }
 };
 
+// `Count` entries, numbered in row.number[0], of each ONT of the list that has them.
+template <std::int64_t Count, bool (*Has)(const std::uint8_t *ont)>
+struct EntriesOfListedOnts {
+    static bool may_walk(const Row &row) { return ListedOnts::may_walk(row); }
+    static OntSections *read(const Row &row) { return ListedOnts::read(row); }
+    static std::int64_t count(const OntSections *db) { return ListedOnts::count(db) * Count; }
+    static bool find(Row &row) { return find_ont(row) && Has(row.record); }
+    // Of a serial that a card lists twice only the first ONT has entries, or the walk would come back to it.
+    static std::int64_t after(const OntSections *db, const Row &row) {
+        const OntOrder rest = onts_from(*db, row.serial.data());
+        const std::uint8_t *ont = rest.empty() ? nullptr : db->ont_list[rest.front()].data();
+        const bool listed = ont != nullptr && compare_serials(ont, row.serial.data()) == 0;
+        if (listed && Has(ont) && row.number[0] + 1 < Count) {
+            return (max_onts - std::ssize(rest)) * Count + row.number[0] + 1;
+        }
+        return (max_onts - std::ssize(onts_after(*db, row.serial.data()))) * Count;
+    }
+    static bool enter(OntSections *db, Row &row, std::int64_t position) {
+        ListedOnts::enter(db, row, position / Count);
+        row.number[0] = position % Count;
+        return Has(row.record);
+    }
+};
+
 }  // namespace tarn
 
 #endif

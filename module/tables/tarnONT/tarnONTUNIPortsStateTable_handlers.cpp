@@ -45,30 +45,7 @@ bool is_working(const std::uint8_t *ont) {
     return is_ont_state_valid_unsafe(ont) != 0;
 }
 
-// The ports of the working ONTs of the list.
-struct WorkingPorts {
-    static constexpr std::int64_t ports = ont_uni_ports::ports;
-
-    static bool may_walk(const Row &row) { return ListedOnts::may_walk(row); }
-    static OntSections *read(const Row &row) { return ListedOnts::read(row); }
-    static std::int64_t count(const OntSections *db) { return ListedOnts::count(db) * ports; }
-    static bool find(Row &row) { return find_ont(row) && is_working(row.record); }
-    // Of a serial that a card lists twice only the first ONT has ports, or the walk would come back to it.
-    static std::int64_t after(const OntSections *db, const Row &row) {
-        const OntOrder rest = onts_from(*db, row.serial.data());
-        const std::uint8_t *ont = rest.empty() ? nullptr : db->ont_list[rest.front()].data();
-        const bool listed = ont != nullptr && compare_serials(ont, row.serial.data()) == 0;
-        if (listed && is_working(ont) && row.number[0] + 1 < ports) {
-            return (max_onts - std::ssize(rest)) * ports + row.number[0] + 1;
-        }
-        return (max_onts - std::ssize(onts_after(*db, row.serial.data()))) * ports;
-    }
-    static bool enter(OntSections *db, Row &row, std::int64_t position) {
-        ListedOnts::enter(db, row, position / ports);
-        row.number[0] = position % ports;
-        return is_working(row.record);
-    }
-};
+using WorkingPorts = EntriesOfListedOnts<ont_uni_ports::ports, is_working>;
 
 constexpr Table table{
     .index = row_index,

@@ -1,16 +1,18 @@
-// Bit errors of ONTs, and the PPPoE sessions of their clients.
+// Bit errors and utilization of ONTs, and the PPPoE sessions of their clients.
 #include "support/onts.h"
 #include "tarn/host_services.h"
 
 extern "C" {
-get_next_entry_function tarnONTDownstreamBERTable_get_next_entry, tarnOLTPPPoESessionsTable_get_next_entry;
+get_next_entry_function tarnONTDownstreamBERTable_get_next_entry, tarnOLTPPPoESessionsTable_get_next_entry,
+    tarnONTServicesUtilizationTable_get_next_entry;
 table_handler_nextgen_function tarnONTDownstreamBERTable_table_handler_nextgen,
-    tarnOLTPPPoESessionsTable_table_handler_nextgen;
+    tarnOLTPPPoESessionsTable_table_handler_nextgen, tarnONTServicesUtilizationTable_table_handler_nextgen;
 }
 
 namespace {
 
 const Oid errors = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 3, 7};
+const Oid services = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 3, 8};
 const Oid sessions = {1, 3, 6, 1, 4, 1, 32473, 1, 22, 2, 16};
 
 Oid session_oid(oid column, oid number) {
@@ -24,6 +26,10 @@ class OntQualityTablesTest : public Started<ModuleTest, 2> {
     static Outcome of_ont(oid column, const std::string &ont = "AAAA0001") {
         return call_nextgen(tarnONTDownstreamBERTable_table_handler_nextgen, MODE_GET, 2,
                             ont_oid(errors, column, 3, ont));
+    }
+    static Outcome of_service(oid column, const std::string &ont, oid number) {
+        return call_nextgen(tarnONTServicesUtilizationTable_table_handler_nextgen, MODE_GET, 2,
+                            ont_oid(services, column, 3, ont, {number}));
     }
     static Outcome of_session(oid column, oid number) {
         return call_nextgen(tarnOLTPPPoESessionsTable_table_handler_nextgen, MODE_GET, 2,
@@ -49,6 +55,31 @@ TEST_F(OntQualityTablesTest, BitErrorsOfAnOnt) {
     board.answer(277, {'C', 'C', 'C', 'C', '0', '0', '0', '1', 25, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
     board.everything_stale = true;
     EXPECT_EQ(of_ont(5, "CCCC0001").octets, "0") << "no bits were counted";
+}
+
+TEST_F(OntQualityTablesTest, SixteenServicesOfEveryListedOnt) {
+    board.answer(73, list_of({"CCCC0001", "AAAA0001"}));
+    Bytes record(512);
+    record[60] = 0x10;  // service 16
+    record[61] = 0x27;
+    record[256] = 7;
+    record[256 + 60] = 0xFF;
+    board.answer(450, record);
+    const std::vector<Oid> rows =
+        walk_nextgen(tarnONTServicesUtilizationTable_get_next_entry, 2, services, 4);
+    ASSERT_EQ(rows.size(), 32U);
+    EXPECT_EQ(rows[0], ont_oid(services, 4, 3, "AAAA0001", {1}));
+    EXPECT_EQ(rows[31], ont_oid(services, 4, 3, "CCCC0001", {16}));
+    expect_readings([](oid column) { return of_service(column, "AAAA0001", 16); }, is_unsigned(1, 3),
+                    is_octets(2, "AAAA0001"), is_unsigned(3, 16), is_unsigned(4, 10000), is_unsigned(5, 255));
+    EXPECT_EQ(of_service(5, "AAAA0001", 1).integer, 7);
+    EXPECT_EQ(board.count(450), 1);
+    EXPECT_EQ(of_service(5, "CCCC0001", 1).integer, 7);
+    EXPECT_EQ(board.count(450), 2) << "figures are kept for one ONT";
+    for (const oid number : {0U, 17U}) {
+        EXPECT_EQ(of_service(4, "AAAA0001", number).error, SNMP_NOSUCHINSTANCE);
+    }
+    EXPECT_EQ(of_service(6, "AAAA0001", 1).error, SNMP_NOSUCHOBJECT);
 }
 
 TEST_F(OntQualityTablesTest, SessionsInTheCardsOrder) {
