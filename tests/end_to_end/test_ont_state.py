@@ -190,6 +190,42 @@ def test_performance_monitoring_is_fetched_once_an_ont(start, tables):
     assert names[f"{prefix}.2.17"] == Value("OCTET STRING", b"Drop events")
 
 
+def test_what_clients_watch_and_hold_goes_with_their_ont(start, tables):
+    system = start(scenario=scenario(onts_per_channel=8), cache_period=0)
+    groups, total = tables["tarnONTMulticastActiveGroupsTable"], tables["tarnONTMulticastStatTable"]
+    sessions = tables["tarnOLTPPPoESessionsTable"]
+
+    def watched(ont):
+        """The rates of the groups, and what the ONT counts in all: bandwidth, joins, exceeded, groups."""
+        index = [INDEX, *serial_index(ont)]
+        rates = system.snmp.get_all([groups.instance(6, *index, group, 6) for group in range(1, 17)])
+        return ([value.value for _, value in rates if value.value],
+                [value.value for _, value in system.snmp.get_all([total.instance(6, *index, 1, n)
+                                                                  for n in range(1, 5)])])
+
+    viewer = next(ont for ont in onts(system) if ont["code"] == WORKING and watched(ont)[0])
+    rates, counted = watched(viewer)
+    assert (counted[0], counted[2], counted[3]) == (sum(rates), 0, len(rates))
+
+    def session_owners():
+        return [value.value for _, value in system.snmp.walk(sessions.instance(2, INDEX))]
+
+    owner = session_owners()[0]
+    rows = [values(system, sessions, [INDEX, number]) for number in range(1, len(session_owners()) + 1)]
+    assert all(1 <= row[8] <= 16 and row[5][0] == 2 for row in rows)
+    for serial in {owner.hex(), viewer["serial"]}:
+        system.chassis.ask("state-set", slot=SLOT, item="ont-code", serial=serial, value=LOST)
+    assert owner not in session_owners()
+    assert watched(viewer) == ([], [0, 0, 0, 0])
+
+
+def test_boards_say_what_they_are(shared, tables):
+    row = values(shared, tables["tarnBoardStateTable"], [INDEX])
+    serial = row.pop(3)
+    assert re.fullmatch(rb"LC[0-9]{6}", serial)
+    assert (row[1], row[2], row[5], row[6], row[10], row[11]) == (INDEX, b"TARN-LC8", b"slot 5", b"3.38.1", 1, 1)
+
+
 def test_what_a_walk_of_the_ont_state_costs_in_requests(start, tables):
     system = start(scenario=scenario(onts_per_channel=4))
     state = tables["tarnONTStateTable"]
